@@ -1,0 +1,45 @@
+# The public headers are the one list of what the shared library exports.
+# This reads every KERFLINE_API function and class from them and writes a
+# linker version script that exports those and hides everything else, such
+# as template code the compiler instantiated from the standard library.
+function(kerfline_write_export_map header_dir out_file)
+  file(GLOB headers ${header_dir}/*.h ${header_dir}/*.hpp)
+  set(c_names)
+  set(cxx_classes)
+  foreach(header IN LISTS headers)
+    file(READ ${header} text)
+    # Drop comments so that examples in them do not count.
+    string(REGEX REPLACE "/\\*([^*]|\\*+[^*/])*\\*+/" "" text "${text}")
+    string(REGEX REPLACE "//[^\n]*" "" text "${text}")
+    # ...and preprocessor lines, where the export macro itself is defined.
+    string(REGEX REPLACE "#[^\n]*" "" text "${text}")
+    string(REGEX MATCHALL "KERFLINE_API[^;{}()#]*[ *&]([A-Za-z_][A-Za-z0-9_]*)[ \t\n]*\\(" funcs "${text}")
+    foreach(f IN LISTS funcs)
+      string(REGEX REPLACE ".*[ *&]([A-Za-z_][A-Za-z0-9_]*)[ \t\n]*\\($" "\\1" name "${f}")
+      list(APPEND c_names ${name})
+    endforeach()
+    string(REGEX MATCHALL "(class|struct)[ \t]+KERFLINE_API[ \t]+[A-Za-z_][A-Za-z0-9_]*" classes "${text}")
+    foreach(c IN LISTS classes)
+      string(REGEX REPLACE ".*[ \t]([A-Za-z_][A-Za-z0-9_]*)$" "\\1" name "${c}")
+      list(APPEND cxx_classes ${name})
+    endforeach()
+  endforeach()
+  list(REMOVE_DUPLICATES c_names)
+  list(REMOVE_DUPLICATES cxx_classes)
+
+  set(map "{\n  global:\n")
+  foreach(name IN LISTS c_names)
+    string(APPEND map "    ${name};\n")
+  endforeach()
+  if(cxx_classes)
+    string(APPEND map "    extern \"C++\" {\n")
+    foreach(name IN LISTS cxx_classes)
+      string(APPEND map "      ${name}::*;\n      \"typeinfo for ${name}\";\n"
+                        "      \"typeinfo name for ${name}\";\n      \"vtable for ${name}\";\n")
+    endforeach()
+    string(APPEND map "    };\n")
+  endif()
+  string(APPEND map "  local: *;\n};\n")
+  file(WRITE ${out_file}.tmp "${map}")
+  configure_file(${out_file}.tmp ${out_file} COPYONLY)
+endfunction()

@@ -1,0 +1,46 @@
+# Helpers shared by every module, plug-in, test and tool target.
+
+# Compile options every target of the project carries: warnings are errors.
+function(kerfline_apply_options target)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 /WX)
+  else()
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror
+                                             -Wno-error=deprecated-declarations)
+  endif()
+  target_compile_features(${target} PUBLIC cxx_std_20)
+endfunction()
+
+# kerfline_add_module(<name> SOURCES ... [DEPENDS <module>...] [LIBS <lib>...])
+#
+# Declares one module of src/ as the static library kerfline_<name>. Its link
+# list names the modules it may use; the shared library picks up every module
+# that was declared, so a new module needs no edit anywhere else.
+function(kerfline_add_module name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LIBS" ${ARGN})
+  set(target kerfline_${name})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  kerfline_apply_options(${target})
+  target_include_directories(${target} PUBLIC
+    ${PROJECT_SOURCE_DIR}/include
+    ${PROJECT_SOURCE_DIR}/src)
+  target_compile_definitions(${target} PUBLIC KERFLINE_STATIC_BUILD=0 PRIVATE KERFLINE_BUILDING=1)
+  foreach(dep IN LISTS ARG_DEPENDS)
+    target_link_libraries(${target} PUBLIC kerfline_${dep})
+  endforeach()
+  if(ARG_LIBS)
+    target_link_libraries(${target} PUBLIC ${ARG_LIBS})
+  endif()
+  set_property(GLOBAL APPEND PROPERTY KERFLINE_MODULES ${target})
+endfunction()
+
+# kerfline_add_test(<name> SOURCES ... LIBS ...): one GoogleTest executable,
+# registered with CTest case by case.
+function(kerfline_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  kerfline_apply_options(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} kerfline_test_fixtures GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+                       PROPERTIES ENVIRONMENT "KERFLINE_TEST_BINARY_DIR=${PROJECT_BINARY_DIR}")
+endfunction()

@@ -1,0 +1,18 @@
+// Layout checks of the host records: a host compiled against the header must
+// find every field where the library writes it, on 32-bit and 64-bit builds.
+#include <cstddef>
+
+#include "kerfline/kerfline.h"
+
+namespace {
+constexpr std::size_t kPtr = sizeof(void*);
+
+static_assert(offsetof(KERFLINE_HOST_HOOKS, cbSize) == 0);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pContext) == kPtr);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnMessageBox) == 2 * kPtr);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnIsKeyDown) == 3 * kPtr);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnPumpMessages) == 4 * kPtr);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnBroadcast) == 5 * kPtr);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnSetWaitCursor) == 6 * kPtr);
+static_assert(sizeof(KERFLINE_HOST_HOOKS) == 7 * kPtr);
+}  // namespace

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include "fixtures/table_names.hpp"
+
+#include <cstdlib>
+
+#include "fixtures/temp_dir.hpp"
+#include "platform/paths.hpp"
+
+namespace kp = kerfline::platform;
+using kerfline::test::TempDir;
+
+struct JoinCase {
+  const char* base;
+  const char* leaf;
+  const char* expected;
+};
+
+class JoinPath : public ::testing::TestWithParam<JoinCase> {};
+
+TEST_P(JoinPath, PutsExactlyOneSeparatorBetweenParts) {
+  const JoinCase& c = GetParam();
+  EXPECT_EQ(kp::join_path(c.base, c.leaf), c.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, JoinPath,
+                         ::testing::Values(JoinCase{"/suite", "plotman.ini", "/suite/plotman.ini"},
+                                           JoinCase{"/suite/", "plotman.ini", "/suite/plotman.ini"},
+                                           JoinCase{"/suite//", "/Res", "/suite/Res"},
+                                           JoinCase{"/", "Res", "/Res"},
+                                           JoinCase{"", "Res", "Res"},
+                                           JoinCase{"/suite/", "", "/suite/"},
+                                           JoinCase{"rel", "a/b", "rel/a/b"}), kerfline::test::RowIndex());
+
+TEST(NativeSeparators, TurnsWindowsPathsIntoThisOsPaths) {
+  EXPECT_EQ(kp::native_separators("Lang\\GER\\kerflineGER.TRA"), "Lang/GER/kerflineGER.TRA");
+  EXPECT_EQ(kp::native_separators("a/b\\c"), "a/b/c");
+}
+
+TEST(HomeDir, OverrideBeatsEnvironmentBeatsExecutableDir) {
+  TempDir a;
+  TempDir b;
+  kp::set_home_dir("");
+  ::unsetenv("KERFLINE_HOME");
+  EXPECT_EQ(kp::home_dir(), kp::executable_dir());
+  EXPECT_EQ(kp::home_dir().back(), '/');
+
+  ::setenv("KERFLINE_HOME", a.path().c_str(), 1);
+  EXPECT_EQ(kp::home_dir(), a.str());
+
+  const auto before = kp::home_dir_generation();
+  kp::set_home_dir(b.path().string());
+  EXPECT_EQ(kp::home_dir(), b.str());
+  EXPECT_GT(kp::home_dir_generation(), before);
+
+  kp::set_home_dir("");
+  EXPECT_EQ(kp::home_dir(), a.str());
+  ::unsetenv("KERFLINE_HOME");
+}
+
+class ResolveNoCase : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir.write("Lang/lang.ini", "[Default]\n");
+    dir.write("lang/GER/kerflineGER.TRA", "");
+    dir.write("Res/Kerfline.dlx", "");
+  }
+  std::string under(const std::string& rel) const { return dir.path().string() + "/" + rel; }
+  TempDir dir;
+};
+
+TEST_F(ResolveNoCase, FindsEachComponentIgnoringCase) {
+  struct Case {
+    const char* asked;
+    const char* found;  // nullptr: does not exist
+  } cases[] = {
+      {"Lang/lang.ini", "Lang/lang.ini"},
+      {"LANG/LANG.INI", "Lang/lang.ini"},
+      {"lang/GER/KERFLINEger.tra", "lang/GER/kerflineGER.TRA"},
+      {"res/kerfline.dlx", "Res/Kerfline.dlx"},
+      {"Res//kerfline.DLX", "Res/Kerfline.dlx"},
+      {"Res", "Res"},
+      {"Res/cutterx.dlx", nullptr},
+      {"Nope/lang.ini", nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.asked);
+    const auto got = kp::resolve_case_insensitive(under(c.asked));
+    if (c.found == nullptr) {
+      EXPECT_FALSE(got.has_value());
+    } else {
+      ASSERT_TRUE(got.has_value());
+      EXPECT_EQ(*got, under(c.found));
+    }
+  }
+}
+
+TEST_F(ResolveNoCase, PrefersTheExactSpellingWhenItExists) {
+  // Two directories that differ only in case: "Lang" and "lang".
+  EXPECT_EQ(*kp::resolve_case_insensitive(under("lang/GER")), under("lang/GER"));
+  EXPECT_EQ(*kp::resolve_case_insensitive(under("Lang/lang.ini")), under("Lang/lang.ini"));
+}
+
+TEST_F(ResolveNoCase, AcceptsWindowsSeparators) {
+  EXPECT_EQ(*kp::resolve_case_insensitive(dir.path().string() + "\\res\\KERFLINE.dlx"),
+            under("Res/Kerfline.dlx"));
+}
+
+TEST(PathExists, TellsFilesFromDirectories) {
+  TempDir dir;
+  dir.write("f.txt", "x");
+  EXPECT_TRUE(kp::path_exists(dir.str() + "f.txt"));
+  EXPECT_FALSE(kp::is_directory(dir.str() + "f.txt"));
+  EXPECT_TRUE(kp::is_directory(dir.str()));
+  EXPECT_FALSE(kp::path_exists(dir.str() + "g.txt"));
+  EXPECT_FALSE(kp::path_exists(""));
+}

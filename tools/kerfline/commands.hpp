@@ -1,0 +1,36 @@
+// The tool's commands: each registers a CLI11 subcommand and the function
+// that runs it.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace kerfline::cli {
+
+constexpr int kExitOk = 0;
+constexpr int kExitFailure = 1;
+constexpr int kExitUsage = 2;
+
+class CommandList {
+ public:
+  void add(CLI::App* sub, std::function<int()> run) { commands_.emplace_back(sub, std::move(run)); }
+
+  // Runs the subcommand the user chose.
+  int run_selected() const {
+    for (const auto& [sub, run] : commands_) {
+      if (sub->parsed()) return run();
+    }
+    return kExitUsage;
+  }
+
+ private:
+  std::vector<std::pair<CLI::App*, std::function<int()>>> commands_;
+};
+
+void register_version(CLI::App& app, CommandList& commands);
+void register_check(CLI::App& app, CommandList& commands);
+
+}  // namespace kerfline::cli

@@ -1,0 +1,32 @@
+// kerfline: use the library from a shell, without writing a host program.
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "commands.hpp"
+#include "kerfline/kerfline.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"kerfline - drivers, templates and devices of the Kerfline cutter library"};
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("kerfline ") + KerflineGetVersion());
+
+  std::string home;
+  app.add_option("--home", home, "Suite directory (default: $KERFLINE_HOME, else the tool's directory)")
+      ->envname("KERFLINE_HOME");
+
+  kerfline::cli::CommandList commands;
+  kerfline::cli::register_version(app, commands);
+  kerfline::cli::register_check(app, commands);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    const int code = app.exit(e);
+    return code == 0 ? 0 : kerfline::cli::kExitUsage;
+  }
+  if (!home.empty()) KerflineSetHomeDir(home.c_str());
+  return commands.run_selected();
+}
