@@ -10,8 +10,8 @@ constexpr std::uint64_t kUnitsPerSecond = 10000000ULL;
 std::uint32_t tick_ms() { return static_cast<std::uint32_t>(tick_ms64()); }
 
 std::uint64_t file_time_from_unix(std::int64_t seconds, std::uint32_t nanoseconds) {
-  const std::int64_t units = seconds * static_cast<std::int64_t>(kUnitsPerSecond) +
-                             static_cast<std::int64_t>(nanoseconds / 100);
+  const std::int64_t units =
+      seconds * static_cast<std::int64_t>(kUnitsPerSecond) + static_cast<std::int64_t>(nanoseconds / 100);
   return kUnixEpochAsFileTime + static_cast<std::uint64_t>(units);
 }
 

@@ -54,9 +54,7 @@ bool is_key_down(int virtual_key) {
   return defaults::is_key_down(virtual_key);
 }
 
-bool diagnostics_requested() {
-  return is_key_down(KERFLINE_VK_CONTROL) && is_key_down(KERFLINE_VK_SHIFT);
-}
+bool diagnostics_requested() { return is_key_down(KERFLINE_VK_CONTROL) && is_key_down(KERFLINE_VK_SHIFT); }
 
 void pump_messages() {
   const KERFLINE_HOST_HOOKS h = snapshot();

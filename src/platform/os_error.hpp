@@ -17,8 +17,8 @@ struct OsError {
 template <typename T>
 class Result {
  public:
-  Result(T value) : state_(std::move(value)) {}          // NOLINT(google-explicit-constructor)
-  Result(OsError error) : state_(std::move(error)) {}    // NOLINT(google-explicit-constructor)
+  Result(T value) : state_(std::move(value)) {}        // NOLINT(google-explicit-constructor)
+  Result(OsError error) : state_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
 
   [[nodiscard]] bool ok() const { return state_.index() == 0; }
   explicit operator bool() const { return ok(); }

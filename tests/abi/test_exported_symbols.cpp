@@ -74,8 +74,8 @@ std::string demangle(const std::string& name) {
 
 bool belongs_to_class(const std::string& demangled, const std::set<std::string>& classes) {
   for (const auto& c : classes) {
-    for (const std::string& prefix : {c + "::", "typeinfo for " + c, "typeinfo name for " + c,
-                                      "vtable for " + c}) {
+    for (const std::string& prefix :
+         {c + "::", "typeinfo for " + c, "typeinfo name for " + c, "vtable for " + c}) {
       if (demangled.rfind(prefix, 0) == 0) return true;
     }
   }

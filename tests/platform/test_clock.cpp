@@ -26,7 +26,8 @@ INSTANTIATE_TEST_SUITE_P(Table, FileTimeConversion,
                                            FileTimeCase{1, 116444736010000000ULL},
                                            FileTimeCase{-11644473600LL, 0ULL},  // 1601-01-01
                                            FileTimeCase{1700000000LL, 133444736000000000ULL},
-                                           FileTimeCase{-86400, 116443872000000000ULL}), kerfline::test::RowIndex());
+                                           FileTimeCase{-86400, 116443872000000000ULL}),
+                         kerfline::test::RowIndex());
 
 TEST(FileTime, SubSecondUnitsAndFloorBefore1970) {
   EXPECT_EQ(kp::file_time_from_unix(0, 123456789), 116444736000000000ULL + 1234567ULL);

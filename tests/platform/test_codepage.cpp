@@ -20,19 +20,20 @@ TEST_P(Cp1252CasePairs, MapBothWays) {
 
 INSTANTIATE_TEST_SUITE_P(Table, Cp1252CasePairs,
                          ::testing::Values(CasePair{'A', 'a'}, CasePair{'Z', 'z'},
-                                           CasePair{0xC4, 0xE4},    // Ä ä
-                                           CasePair{0xD6, 0xF6},    // Ö ö
-                                           CasePair{0xDC, 0xFC},    // Ü ü
-                                           CasePair{0xC0, 0xE0},    // À à
-                                           CasePair{0xDE, 0xFE},    // Þ þ
-                                           CasePair{0x8A, 0x9A},    // Š š
-                                           CasePair{0x8C, 0x9C},    // Œ œ
-                                           CasePair{0x8E, 0x9E},    // Ž ž
-                                           CasePair{0x9F, 0xFF}), kerfline::test::RowIndex());  // Ÿ ÿ
+                                           CasePair{0xC4, 0xE4},  // Ä ä
+                                           CasePair{0xD6, 0xF6},  // Ö ö
+                                           CasePair{0xDC, 0xFC},  // Ü ü
+                                           CasePair{0xC0, 0xE0},  // À à
+                                           CasePair{0xDE, 0xFE},  // Þ þ
+                                           CasePair{0x8A, 0x9A},  // Š š
+                                           CasePair{0x8C, 0x9C},  // Œ œ
+                                           CasePair{0x8E, 0x9E},  // Ž ž
+                                           CasePair{0x9F, 0xFF}),
+                         kerfline::test::RowIndex());  // Ÿ ÿ
 
 TEST(Cp1252Case, LeavesNonLettersAlone) {
   for (int c : {0x30, 0x40, 0x5B, 0x60, 0x7B, 0xD7 /* × */, 0xF7 /* ÷ */, 0xDF /* ß */, 0xB5 /* µ */,
-                          0x80 /* € */, 0xA0}) {
+                0x80 /* € */, 0xA0}) {
     const auto b = static_cast<unsigned char>(c);
     EXPECT_EQ(cp::to_upper(b), b) << c;
     EXPECT_EQ(cp::to_lower(b), b) << c;
@@ -63,7 +64,9 @@ TEST_P(Utf16To1252, Converts) { EXPECT_EQ(cp::from_utf16(GetParam().input), GetP
 INSTANTIATE_TEST_SUITE_P(
     Table, Utf16To1252,
     ::testing::Values(Utf16Case{"ascii", u"PU 10,20;", "PU 10,20;"},
-                      Utf16Case{"latin1", u"Gr\u00f6\u00dfe", "Gr\xf6\xdf" "e"},
+                      Utf16Case{"latin1", u"Gr\u00f6\u00dfe",
+                                "Gr\xf6\xdf"
+                                "e"},
                       Utf16Case{"euro_and_quotes", u"\u20ac \u201cx\u201d", "\x80 \x93x\x94"},
                       Utf16Case{"oe_and_y_diaeresis", u"\u0153\u0178", "\x9c\x9f"},
                       Utf16Case{"unmappable_bmp", u"a\u4e2db", "a?b"},

@@ -33,7 +33,8 @@ INSTANTIATE_TEST_SUITE_P(
                       BoxDefaultCase{KERFLINE_MB_OKCANCEL, KERFLINE_IDOK},
                       BoxDefaultCase{KERFLINE_MB_YESNO, KERFLINE_IDNO},
                       BoxDefaultCase{KERFLINE_MB_YESNO | KERFLINE_MB_ICONQUESTION, KERFLINE_IDNO},
-                      BoxDefaultCase{KERFLINE_MB_YESNOCANCEL, KERFLINE_IDNO}), kerfline::test::RowIndex());
+                      BoxDefaultCase{KERFLINE_MB_YESNOCANCEL, KERFLINE_IDNO}),
+    kerfline::test::RowIndex());
 
 TEST(DefaultKeys, DiagnosticEnvironmentHoldsCtrlAndShift) {
   host::install(nullptr);

@@ -27,10 +27,10 @@ INSTANTIATE_TEST_SUITE_P(Table, JoinPath,
                          ::testing::Values(JoinCase{"/suite", "plotman.ini", "/suite/plotman.ini"},
                                            JoinCase{"/suite/", "plotman.ini", "/suite/plotman.ini"},
                                            JoinCase{"/suite//", "/Res", "/suite/Res"},
-                                           JoinCase{"/", "Res", "/Res"},
-                                           JoinCase{"", "Res", "Res"},
+                                           JoinCase{"/", "Res", "/Res"}, JoinCase{"", "Res", "Res"},
                                            JoinCase{"/suite/", "", "/suite/"},
-                                           JoinCase{"rel", "a/b", "rel/a/b"}), kerfline::test::RowIndex());
+                                           JoinCase{"rel", "a/b", "rel/a/b"}),
+                         kerfline::test::RowIndex());
 
 TEST(NativeSeparators, TurnsWindowsPathsIntoThisOsPaths) {
   EXPECT_EQ(kp::native_separators("Lang\\GER\\kerflineGER.TRA"), "Lang/GER/kerflineGER.TRA");

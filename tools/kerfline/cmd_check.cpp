@@ -38,7 +38,8 @@ bool exists_no_case(const std::filesystem::path& dir, const std::filesystem::pat
       if (a.size() != b.size()) continue;
       bool same = true;
       for (std::size_t i = 0; i < a.size() && same; ++i) {
-        same = std::tolower(static_cast<unsigned char>(a[i])) == std::tolower(static_cast<unsigned char>(b[i]));
+        same =
+            std::tolower(static_cast<unsigned char>(a[i])) == std::tolower(static_cast<unsigned char>(b[i]));
       }
       if (same) {
         current = entry.path();

@@ -16,8 +16,7 @@ struct DynamicLibrary::Impl {
 
 std::vector<std::string> library_file_candidates(std::string_view windows_name) {
   std::string stem(windows_name);
-  if (stem.size() > 4 &&
-      cp1252::equals_no_case(std::string_view(stem).substr(stem.size() - 4), ".dll")) {
+  if (stem.size() > 4 && cp1252::equals_no_case(std::string_view(stem).substr(stem.size() - 4), ".dll")) {
     stem.resize(stem.size() - 4);
   }
   std::vector<std::string> names;

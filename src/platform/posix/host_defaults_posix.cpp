@@ -28,8 +28,8 @@ bool is_key_down(int virtual_key) {
 
 void pump_messages() {}
 
-std::intptr_t broadcast(const std::string& /*message*/, std::uintptr_t /*w_param*/,
-                        std::intptr_t /*l_param*/, bool /*wait_for_answer*/) {
+std::intptr_t broadcast(const std::string& /*message*/, std::uintptr_t /*w_param*/, std::intptr_t /*l_param*/,
+                        bool /*wait_for_answer*/) {
   return -1;
 }
 
