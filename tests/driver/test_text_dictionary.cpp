@@ -1,0 +1,225 @@
+// The text dictionary: built-in table first, then the "cutterx.dlx" and
+// "kerfline.dlx" string tables (each answer translated), with fake services.
+#include "driver/text_dictionary.hpp"
+
+#include "fixtures/table_names.hpp"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using kerfline::driver::dictionary_description;
+using kerfline::driver::dictionary_text;
+using kerfline::driver::install_text_services;
+using kerfline::driver::kerfline_dictionary_text;
+using kerfline::driver::TextServices;
+
+constexpr int kCutter = 0;
+constexpr int kKerfline = 1;
+
+struct Fakes {
+  std::map<std::pair<int, std::uint32_t>, std::string> tables;
+  std::map<std::string, std::string> translations;
+  std::vector<std::string> translated;  // every text handed to the translation
+  std::vector<std::pair<int, std::uint32_t>> asked;
+};
+
+// Installs services that answer from `fakes` (which must outlive the test).
+void install(Fakes& fakes) {
+  TextServices services;
+  services.resource_text = [&fakes](int table, std::uint32_t id) -> std::optional<std::string> {
+    fakes.asked.emplace_back(table, id);
+    const auto it = fakes.tables.find({table, id});
+    if (it == fakes.tables.end()) return std::nullopt;
+    return it->second;
+  };
+  services.translate = [&fakes](std::string_view text) -> std::optional<std::string> {
+    fakes.translated.emplace_back(text);
+    const auto it = fakes.translations.find(std::string(text));
+    if (it == fakes.translations.end()) return std::nullopt;
+    return it->second;
+  };
+  install_text_services(std::move(services));
+}
+
+class TextDictionary : public ::testing::Test {
+ protected:
+  void SetUp() override { install(fakes_); }
+  void TearDown() override { install_text_services({}); }
+  Fakes fakes_;
+};
+
+struct LookupCase {
+  const char* what;
+  std::uint32_t id;
+  std::vector<std::pair<int, std::string>> table_texts;  // for `id`
+  std::vector<std::pair<std::string, std::string>> translations;
+  std::string expected;
+};
+
+class Lookup : public ::testing::TestWithParam<LookupCase> {
+ protected:
+  void TearDown() override { install_text_services({}); }
+};
+
+TEST_P(Lookup, FirstSourceThatKnowsTheNumberAnswers) {
+  const LookupCase& c = GetParam();
+  Fakes fakes;
+  for (const auto& [table, text] : c.table_texts) fakes.tables[{table, c.id}] = text;
+  for (const auto& [from, to] : c.translations) fakes.translations[from] = to;
+  install(fakes);
+  EXPECT_EQ(dictionary_text(c.id), c.expected) << c.what;
+}
+
+const std::string kMarker = "Dlx not found!";
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Lookup,
+    ::testing::Values(
+        LookupCase{"built-in row wins over both tables", 9016,
+                   {{kCutter, "cutter"}, {kKerfline, "kerfline"}}, {}, "%DriverName%"},
+        LookupCase{"built-in text is not translated", 9016, {}, {{"%DriverName%", "%Treibername%"}},
+                   "%DriverName%"},
+        LookupCase{"a built-in row with the empty text answers", 9003, {{kCutter, "cutter"}}, {}, ""},
+        LookupCase{"number without a built-in row goes to cutterx", 9019, {{kCutter, "cutter"}}, {}, "cutter"},
+        LookupCase{"cutterx before kerfline", 40000, {{kCutter, "cutter"}, {kKerfline, "kerfline"}}, {},
+                   "cutter"},
+        LookupCase{"kerfline when cutterx has nothing", 40000, {{kKerfline, "kerfline"}}, {}, "kerfline"},
+        LookupCase{"unknown everywhere", 40000, {}, {}, ""},
+        LookupCase{"cutterx answer translated", 40000, {{kCutter, "Speed"}}, {{"Speed", "Geschwindigkeit"}},
+                   "Geschwindigkeit"},
+        LookupCase{"kerfline answer translated", 40000, {{kKerfline, "Pressure"}}, {{"Pressure", "Druck"}},
+                   "Druck"},
+        LookupCase{"translation to the empty text is an answer", 40000, {{kCutter, "Speed"}}, {{"Speed", ""}},
+                   ""},
+        LookupCase{"marker from cutterx is a miss", 40000, {{kCutter, kMarker}, {kKerfline, "kerfline"}}, {},
+                   "kerfline"},
+        LookupCase{"marker from both tables gives the empty text", 40000,
+                   {{kCutter, kMarker}, {kKerfline, kMarker}}, {}, ""},
+        LookupCase{"translation to the marker is a miss", 40000, {{kCutter, "Speed"}, {kKerfline, "kerfline"}},
+                   {{"Speed", kMarker}}, "kerfline"},
+        LookupCase{"translated marker in the last table gives the empty text", 40000, {{kKerfline, "Speed"}},
+                   {{"Speed", kMarker}}, ""},
+        LookupCase{"empty string-table entry is a miss", 40000, {{kCutter, ""}, {kKerfline, "kerfline"}}, {},
+                   "kerfline"},
+        LookupCase{"string-table text ends at a zero byte", 40000,
+                   {{kCutter, std::string("Speed\0junk", 10)}}, {}, "Speed"},
+        LookupCase{"text longer than the marker is kept", 40000, {{kCutter, kMarker + " "}}, {},
+                   kMarker + " "},
+        LookupCase{"directory number", 109, {{kCutter, "cutter"}}, {}, "22"},
+        LookupCase{"terminator number is not a text", 0xFFFFFFFFu, {{kCutter, "cutter"}}, {}, "cutter"}),
+    kerfline::test::RowIndex());
+
+TEST_F(TextDictionary, AsksCutterxThenKerflineAndStopsAtTheFirstAnswer) {
+  fakes_.tables[{kCutter, 40001}] = "first";
+  fakes_.tables[{kKerfline, 40002}] = "second";
+  EXPECT_EQ(dictionary_text(40001), "first");
+  EXPECT_EQ(dictionary_text(40002), "second");
+  EXPECT_EQ(dictionary_text(9016), "%DriverName%");
+  const std::vector<std::pair<int, std::uint32_t>> asked = {{kCutter, 40001}, {kCutter, 40002}, {kKerfline, 40002}};
+  EXPECT_EQ(fakes_.asked, asked);
+  EXPECT_EQ(fakes_.translated, (std::vector<std::string>{"first", "second"}));
+}
+
+// String-table texts are read into a 512-byte buffer: 511 bytes reach the
+// translation and the caller.
+TEST_F(TextDictionary, StringTableTextIsCutTo511Bytes) {
+  const std::string long_text(600, 'x');
+  fakes_.tables[{kCutter, 40000}] = long_text;
+  EXPECT_EQ(dictionary_text(40000), long_text.substr(0, 511));
+  ASSERT_EQ(fakes_.translated.size(), 1u);
+  EXPECT_EQ(fakes_.translated[0].size(), 511u);
+
+  fakes_.tables[{kKerfline, 40003}] = std::string(511, 'y');
+  EXPECT_EQ(dictionary_text(40003), std::string(511, 'y'));
+}
+
+// A translation may be longer than the string-table buffer.
+TEST_F(TextDictionary, TranslationIsNotCut) {
+  fakes_.tables[{kCutter, 40000}] = "Speed";
+  fakes_.translations["Speed"] = std::string(1000, 'g');
+  EXPECT_EQ(dictionary_text(40000).size(), 1000u);
+}
+
+TEST_F(TextDictionary, DescriptionIsTheNextNumber) {
+  fakes_.tables[{kCutter, 9017}] = "Name of the driver";
+  fakes_.tables[{kKerfline, 0}] = "zero";
+  const std::pair<std::uint32_t, const char*> cases[] = {
+      {9016, "Name of the driver"},  // name from the table, description from cutterx
+      {9014, "-1"},                  // a built-in row can be a description
+      {108, "22"},
+      {0xFFFFFFFFu, "zero"},         // wraps to number 0
+      {40000, ""},
+  };
+  for (const auto& [id, text] : cases) EXPECT_EQ(dictionary_description(id), text) << id;
+}
+
+TEST_F(TextDictionary, IntegerErrorCaptionComesFromKerflineOnly) {
+  const std::uint32_t id = kerfline::driver::kIntegerErrorCaptionId;
+  EXPECT_EQ(id, 35589u);
+  fakes_.tables[{kCutter, id}] = "cutter caption";
+  EXPECT_EQ(kerfline_dictionary_text(id), "");
+  fakes_.tables[{kKerfline, id}] = "Input error: %s";
+  EXPECT_EQ(kerfline_dictionary_text(id), "Input error: %s");
+  fakes_.translations["Input error: %s"] = "Eingabefehler: %s";
+  EXPECT_EQ(kerfline_dictionary_text(id), "Eingabefehler: %s");
+  for (const auto& [table, asked_id] : fakes_.asked) EXPECT_EQ(table, kKerfline) << asked_id;
+
+  fakes_.tables[{kKerfline, id}] = kMarker;
+  EXPECT_EQ(kerfline_dictionary_text(id), "");
+  // The table alone is asked, even for a number the built-in table knows.
+  EXPECT_EQ(kerfline_dictionary_text(9016), "");
+}
+
+TEST(TextDictionaryServices, WorksWithoutServices) {
+  install_text_services({});
+  EXPECT_EQ(dictionary_text(9016), "%DriverName%");
+  EXPECT_EQ(dictionary_text(40000), "");
+  EXPECT_EQ(dictionary_description(9016), "");
+  EXPECT_EQ(kerfline_dictionary_text(35589), "");
+}
+
+TEST(TextDictionaryServices, TablesWithoutTranslationGiveTheirOwnText) {
+  TextServices services;
+  services.resource_text = [](int table, std::uint32_t) -> std::optional<std::string> {
+    return table == kKerfline ? std::optional<std::string>("kerfline") : std::nullopt;
+  };
+  install_text_services(std::move(services));
+  EXPECT_EQ(dictionary_text(40000), "kerfline");
+  EXPECT_EQ(kerfline_dictionary_text(35589), "kerfline");
+  install_text_services({});
+}
+
+TEST(TextDictionaryServices, TranslationWithoutTablesIsNeverAsked) {
+  bool asked = false;
+  TextServices services;
+  services.translate = [&asked](std::string_view) -> std::optional<std::string> {
+    asked = true;
+    return "translated";
+  };
+  install_text_services(std::move(services));
+  EXPECT_EQ(dictionary_text(40000), "");
+  EXPECT_EQ(dictionary_text(9016), "%DriverName%");
+  EXPECT_FALSE(asked);
+  install_text_services({});
+}
+
+TEST(TextDictionaryServices, LaterInstallReplacesEarlier) {
+  Fakes first;
+  first.tables[{kCutter, 40000}] = "first";
+  Fakes second;
+  second.tables[{kCutter, 40000}] = "second";
+  install(first);
+  EXPECT_EQ(dictionary_text(40000), "first");
+  install(second);
+  EXPECT_EQ(dictionary_text(40000), "second");
+  EXPECT_EQ(first.asked.size(), 1u);
+  install_text_services({});
+}
+
+}  // namespace
