@@ -12,10 +12,18 @@ namespace {
 
 std::vector<BuiltinText> join_blocks() {
   const std::span<const BuiltinText> blocks[] = {
-      rows::directory(),           rows::cut_instructions(),    rows::tool_variables(),
-      rows::tool_parameter_types(), rows::material_variables(), rows::groups(),
-      rows::standard_variables(),  rows::output_modes(),        rows::plot_time_variables(),
-      rows::selections(),          rows::letters(),             rows::positions(),
+      rows::directory(),
+      rows::cut_instructions(),
+      rows::tool_variables(),
+      rows::tool_parameter_types(),
+      rows::material_variables(),
+      rows::groups(),
+      rows::standard_variables(),
+      rows::output_modes(),
+      rows::plot_time_variables(),
+      rows::selections(),
+      rows::letters(),
+      rows::positions(),
       rows::read_instructions(),
   };
   std::size_t total = 1;
@@ -98,9 +106,7 @@ std::optional<KindLayout> kind_layout(std::uint32_t directory_number_of_base) {
   return KindLayout{*base, *second, *third};
 }
 
-std::optional<KindLayout> kind_layout(TextKind kind) {
-  return kind_layout(static_cast<std::uint32_t>(kind));
-}
+std::optional<KindLayout> kind_layout(TextKind kind) { return kind_layout(static_cast<std::uint32_t>(kind)); }
 
 std::optional<std::uint32_t> block_of_kind(std::uint32_t directory_number_of_base, std::uint32_t index) {
   const auto layout = kind_layout(directory_number_of_base);

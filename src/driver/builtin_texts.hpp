@@ -52,10 +52,9 @@ enum class TextKind : std::uint32_t {
 };
 
 inline constexpr TextKind kAllTextKinds[] = {
-    TextKind::CutInstructions,   TextKind::ToolVariables,     TextKind::MaterialVariables,
-    TextKind::Groups,            TextKind::StandardVariables, TextKind::OutputModes,
-    TextKind::PlotTimeVariables, TextKind::Selections,        TextKind::Letters,
-    TextKind::Positions,
+    TextKind::CutInstructions,   TextKind::ToolVariables, TextKind::MaterialVariables, TextKind::Groups,
+    TextKind::StandardVariables, TextKind::OutputModes,   TextKind::PlotTimeVariables, TextKind::Selections,
+    TextKind::Letters,           TextKind::Positions,
 };
 
 // Where a kind begins, the numbers one block takes, and how many blocks.

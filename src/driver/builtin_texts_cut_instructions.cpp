@@ -5,6 +5,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kCutInstructions[] = {
     {1000, "%CI_ArcLimit%"},
     {1004, "(AL:10e6)"},
@@ -73,6 +74,7 @@ constexpr BuiltinText kCutInstructions[] = {
     {1130, "(REV:1)"},
     {1131, "String"},
 };
+// clang-format on
 static_assert(rows_fit(kCutInstructions));
 }  // namespace
 

@@ -6,6 +6,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kDirectory[] = {
     {107, "1000"},
     {108, "6"},
@@ -38,6 +39,7 @@ constexpr BuiltinText kDirectory[] = {
     {141, "4"},
     {142, "4"},
 };
+// clang-format on
 static_assert(rows_fit(kDirectory));
 }  // namespace
 

@@ -6,6 +6,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kOutputModes[] = {
     {2000, "%ModeDesc%"},
     {2004, "String"},
@@ -58,6 +59,7 @@ constexpr BuiltinText kOutputModes[] = {
     {2070, "D4"},
     {2071, "-1"},
 };
+// clang-format on
 static_assert(rows_fit(kOutputModes));
 }  // namespace
 

@@ -6,6 +6,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kPlotTimeVariables[] = {
     {2100, "%x%"},
     {2103, "6"},
@@ -192,6 +193,7 @@ constexpr BuiltinText kPlotTimeVariables[] = {
     {2374, "GetFrameY"},
     {2375, "0"},
 };
+// clang-format on
 static_assert(rows_fit(kPlotTimeVariables));
 }  // namespace
 

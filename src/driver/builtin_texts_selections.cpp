@@ -9,6 +9,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kSelections[] = {
     {2502, "ActMat"},
     {2505, "ActTool"},
@@ -17,12 +18,14 @@ constexpr BuiltinText kSelections[] = {
     {2514, "134"},
     {2517, "140"},
 };
+// clang-format on
 static_assert(rows_fit(kSelections));
 }  // namespace
 
 std::span<const BuiltinText> selections() { return kSelections; }
 
 namespace {
+// clang-format off
 constexpr BuiltinText kLetters[] = {
     {2600, "%T%"},
     {2603, "4"},
@@ -33,12 +36,14 @@ constexpr BuiltinText kLetters[] = {
     {2612, "%N%"},
     {2615, "4"},
 };
+// clang-format on
 static_assert(rows_fit(kLetters));
 }  // namespace
 
 std::span<const BuiltinText> letters() { return kLetters; }
 
 namespace {
+// clang-format off
 constexpr BuiltinText kPositions[] = {
     {2700, "%PX%"},
     {2703, "4"},
@@ -49,15 +54,18 @@ constexpr BuiltinText kPositions[] = {
     {2712, "%PN%"},
     {2715, "4"},
 };
+// clang-format on
 static_assert(rows_fit(kPositions));
 }  // namespace
 
 std::span<const BuiltinText> positions() { return kPositions; }
 
 namespace {
+// clang-format off
 constexpr BuiltinText kReadInstructions[] = {
     {12000, "%ReadInit%"},
 };
+// clang-format on
 static_assert(rows_fit(kReadInstructions));
 }  // namespace
 

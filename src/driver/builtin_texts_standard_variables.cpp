@@ -8,6 +8,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kGroups[] = {
     {8000, "%Root%"},
     {8003, "%CommonSettings%"},
@@ -16,12 +17,14 @@ constexpr BuiltinText kGroups[] = {
     {8012, "%Flags%"},
     {8015, "%Modi%"},
 };
+// clang-format on
 static_assert(rows_fit(kGroups));
 }  // namespace
 
 std::span<const BuiltinText> groups() { return kGroups; }
 
 namespace {
+// clang-format off
 constexpr BuiltinText kStandardVariables[] = {
     {9000, "%reserved%"},
     {9003, ""},
@@ -357,6 +360,7 @@ constexpr BuiltinText kStandardVariables[] = {
     {9455, "-1"},
     {9456, "%OutFlag_6%"},
 };
+// clang-format on
 static_assert(rows_fit(kStandardVariables));
 }  // namespace
 

@@ -7,6 +7,7 @@
 namespace kerfline::driver::rows {
 
 namespace {
+// clang-format off
 constexpr BuiltinText kToolVariables[] = {
     {5000, "%IToolDepth%"},
     {5003, "2"},
@@ -25,12 +26,14 @@ constexpr BuiltinText kToolVariables[] = {
     {5028, "1.0"},
     {5029, "Double"},
 };
+// clang-format on
 static_assert(rows_fit(kToolVariables));
 }  // namespace
 
 std::span<const BuiltinText> tool_variables() { return kToolVariables; }
 
 namespace {
+// clang-format off
 constexpr BuiltinText kToolParameterTypes[] = {
     {5300, "%TPTyp%"},
     {5400, "%TPTyp%"},
@@ -39,12 +42,14 @@ constexpr BuiltinText kToolParameterTypes[] = {
     {5700, "%TPTyp%"},
     {5800, "%TPTyp%"},
 };
+// clang-format on
 static_assert(rows_fit(kToolParameterTypes));
 }  // namespace
 
 std::span<const BuiltinText> tool_parameter_types() { return kToolParameterTypes; }
 
 namespace {
+// clang-format off
 constexpr BuiltinText kMaterialVariables[] = {
     {6000, "%IMatDescription%"},
     {6005, "String"},
@@ -88,6 +93,7 @@ constexpr BuiltinText kMaterialVariables[] = {
     {6136, "%IW4%"},
     {6141, "String"},
 };
+// clang-format on
 static_assert(rows_fit(kMaterialVariables));
 }  // namespace
 

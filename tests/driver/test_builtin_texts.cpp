@@ -234,7 +234,8 @@ const PlotTimeVariable kPlotTimeVariables[] = {
     {"%FrameX%", "GetFrameX"},
     {"%FrameY%", "GetFrameY"},
 };
-const char* const kGroupNames[] = {"%Root%", "%CommonSettings%", "%OutputFrmt%", "%AccSettings%", "%Flags%", "%Modi%"};
+const char* const kGroupNames[] = {"%Root%",        "%CommonSettings%", "%OutputFrmt%",
+                                   "%AccSettings%", "%Flags%",          "%Modi%"};
 const char* const kLetters[] = {"%T%", "%A%", "%B%", "%N%"};
 const char* const kPositions[] = {"%PX%", "%PY%", "%PS%", "%PN%"};
 
@@ -248,10 +249,9 @@ void add(Rows& rows, std::uint32_t id, const std::string& text, bool optional_wh
 
 Rows expected_directory() {
   // Directory number, base, step, count; 122 and 125 store base, count, step.
-  const std::uint32_t kinds[][4] = {{107, 1000, 6, 22}, {110, 5000, 8, 4},  {116, 6000, 8, 18},
-                                    {119, 8000, 3, 6},  {122, 9000, 8, 57}, {125, 2000, 8, 9},
-                                    {128, 2100, 6, 46}, {131, 2500, 3, 6},  {134, 2600, 4, 4},
-                                    {140, 2700, 4, 4}};
+  const std::uint32_t kinds[][4] = {
+      {107, 1000, 6, 22}, {110, 5000, 8, 4},  {116, 6000, 8, 18}, {119, 8000, 3, 6}, {122, 9000, 8, 57},
+      {125, 2000, 8, 9},  {128, 2100, 6, 46}, {131, 2500, 3, 6},  {134, 2600, 4, 4}, {140, 2700, 4, 4}};
   Rows rows;
   for (const auto& k : kinds) {
     const bool count_first = k[0] == 122 || k[0] == 125;
@@ -458,6 +458,7 @@ TEST(BuiltinTexts, IsTheBlocksInOrderEndedByTheTerminator) {
 }
 
 TEST(BuiltinTexts, AnswersTheNumbersOtherPartsOfTheLibraryUse) {
+  // clang-format off
   const std::pair<std::uint32_t, const char*> cases[] = {
       {9016, "%DriverName%"}, {9020, "String"},  {9021, "%CommonSettings%"}, {9023, "32"},
       {109, "22"},            {9007, "-1"},      {9003, ""},                 {9120, "%BaseDrv%"},
@@ -466,6 +467,7 @@ TEST(BuiltinTexts, AnswersTheNumbersOtherPartsOfTheLibraryUse) {
       {1000, "%CI_ArcLimit%"}, {1126, "%CI_ReverseOpen%"}, {1130, "(REV:1)"}, {1131, "String"},
       {1023, "Bool"},         {9227, ";\\r\\n"},
   };
+  // clang-format on
   for (const auto& [id, text] : cases) {
     const auto found = builtin_text(id);
     ASSERT_TRUE(found.has_value()) << id;
@@ -474,11 +476,13 @@ TEST(BuiltinTexts, AnswersTheNumbersOtherPartsOfTheLibraryUse) {
 }
 
 TEST(BuiltinTexts, NumbersWithoutARowAreNotFound) {
+  // clang-format off
   const std::uint32_t absent[] = {
       0,    1,    106,  113,  114,  115,  137,  138,  139,  143,  999,  1001, 1002, 1003, 9001,
       9002, 9017, 9019, 9027, 9457, 2500, 2501, 2503, 2376, 2072, 5006, 5007, 6006, 6007, 12001,
       kBuiltinTextEnd, kBuiltinTextEnd - 1,
   };
+  // clang-format on
   for (std::uint32_t id : absent) {
     EXPECT_EQ(find_builtin_text(id), nullptr) << id;
     EXPECT_FALSE(builtin_text(id).has_value()) << id;
@@ -558,15 +562,16 @@ TEST(BuiltinTexts, SelectionNumbersNameKinds) {
   for (const auto& [id, base] : cases) {
     const auto text = builtin_text(id);
     ASSERT_TRUE(text.has_value());
-    const auto layout = kerfline::driver::kind_layout(static_cast<std::uint32_t>(std::stoul(std::string(*text))));
+    const auto layout =
+        kerfline::driver::kind_layout(static_cast<std::uint32_t>(std::stoul(std::string(*text))));
     ASSERT_TRUE(layout.has_value()) << id;
     EXPECT_EQ(layout->base, base);
   }
 }
 
 TEST(BuiltinTexts, NumbersOutsideEveryDirectoryKindAreNotLocated) {
-  for (std::uint32_t id : {0u, 999u, 1132u, 2072u, 2376u, 2518u, 5032u, 5300u, 6144u, 8018u, 9456u,
-                           12000u, kBuiltinTextEnd}) {
+  for (std::uint32_t id :
+       {0u, 999u, 1132u, 2072u, 2376u, 2518u, 5032u, 5300u, 6144u, 8018u, 9456u, 12000u, kBuiltinTextEnd}) {
     EXPECT_FALSE(kerfline::driver::locate_text_number(id).has_value()) << id;
   }
 }

@@ -81,36 +81,61 @@ const std::string kMarker = "Dlx not found!";
 INSTANTIATE_TEST_SUITE_P(
     Cases, Lookup,
     ::testing::Values(
-        LookupCase{"built-in row wins over both tables", 9016,
-                   {{kCutter, "cutter"}, {kKerfline, "kerfline"}}, {}, "%DriverName%"},
-        LookupCase{"built-in text is not translated", 9016, {}, {{"%DriverName%", "%Treibername%"}},
+        LookupCase{"built-in row wins over both tables",
+                   9016,
+                   {{kCutter, "cutter"}, {kKerfline, "kerfline"}},
+                   {},
                    "%DriverName%"},
+        LookupCase{
+            "built-in text is not translated", 9016, {}, {{"%DriverName%", "%Treibername%"}}, "%DriverName%"},
         LookupCase{"a built-in row with the empty text answers", 9003, {{kCutter, "cutter"}}, {}, ""},
-        LookupCase{"number without a built-in row goes to cutterx", 9019, {{kCutter, "cutter"}}, {}, "cutter"},
-        LookupCase{"cutterx before kerfline", 40000, {{kCutter, "cutter"}, {kKerfline, "kerfline"}}, {},
-                   "cutter"},
+        LookupCase{
+            "number without a built-in row goes to cutterx", 9019, {{kCutter, "cutter"}}, {}, "cutter"},
+        LookupCase{
+            "cutterx before kerfline", 40000, {{kCutter, "cutter"}, {kKerfline, "kerfline"}}, {}, "cutter"},
         LookupCase{"kerfline when cutterx has nothing", 40000, {{kKerfline, "kerfline"}}, {}, "kerfline"},
         LookupCase{"unknown everywhere", 40000, {}, {}, ""},
-        LookupCase{"cutterx answer translated", 40000, {{kCutter, "Speed"}}, {{"Speed", "Geschwindigkeit"}},
+        LookupCase{"cutterx answer translated",
+                   40000,
+                   {{kCutter, "Speed"}},
+                   {{"Speed", "Geschwindigkeit"}},
                    "Geschwindigkeit"},
-        LookupCase{"kerfline answer translated", 40000, {{kKerfline, "Pressure"}}, {{"Pressure", "Druck"}},
-                   "Druck"},
-        LookupCase{"translation to the empty text is an answer", 40000, {{kCutter, "Speed"}}, {{"Speed", ""}},
+        LookupCase{
+            "kerfline answer translated", 40000, {{kKerfline, "Pressure"}}, {{"Pressure", "Druck"}}, "Druck"},
+        LookupCase{
+            "translation to the empty text is an answer", 40000, {{kCutter, "Speed"}}, {{"Speed", ""}}, ""},
+        LookupCase{"marker from cutterx is a miss",
+                   40000,
+                   {{kCutter, kMarker}, {kKerfline, "kerfline"}},
+                   {},
+                   "kerfline"},
+        LookupCase{"marker from both tables gives the empty text",
+                   40000,
+                   {{kCutter, kMarker}, {kKerfline, kMarker}},
+                   {},
                    ""},
-        LookupCase{"marker from cutterx is a miss", 40000, {{kCutter, kMarker}, {kKerfline, "kerfline"}}, {},
+        LookupCase{"translation to the marker is a miss",
+                   40000,
+                   {{kCutter, "Speed"}, {kKerfline, "kerfline"}},
+                   {{"Speed", kMarker}},
                    "kerfline"},
-        LookupCase{"marker from both tables gives the empty text", 40000,
-                   {{kCutter, kMarker}, {kKerfline, kMarker}}, {}, ""},
-        LookupCase{"translation to the marker is a miss", 40000, {{kCutter, "Speed"}, {kKerfline, "kerfline"}},
-                   {{"Speed", kMarker}}, "kerfline"},
-        LookupCase{"translated marker in the last table gives the empty text", 40000, {{kKerfline, "Speed"}},
-                   {{"Speed", kMarker}}, ""},
-        LookupCase{"empty string-table entry is a miss", 40000, {{kCutter, ""}, {kKerfline, "kerfline"}}, {},
+        LookupCase{"translated marker in the last table gives the empty text",
+                   40000,
+                   {{kKerfline, "Speed"}},
+                   {{"Speed", kMarker}},
+                   ""},
+        LookupCase{"empty string-table entry is a miss",
+                   40000,
+                   {{kCutter, ""}, {kKerfline, "kerfline"}},
+                   {},
                    "kerfline"},
-        LookupCase{"string-table text ends at a zero byte", 40000,
-                   {{kCutter, std::string("Speed\0junk", 10)}}, {}, "Speed"},
-        LookupCase{"text longer than the marker is kept", 40000, {{kCutter, kMarker + " "}}, {},
-                   kMarker + " "},
+        LookupCase{"string-table text ends at a zero byte",
+                   40000,
+                   {{kCutter, std::string("Speed\0junk", 10)}},
+                   {},
+                   "Speed"},
+        LookupCase{
+            "text longer than the marker is kept", 40000, {{kCutter, kMarker + " "}}, {}, kMarker + " "},
         LookupCase{"directory number", 109, {{kCutter, "cutter"}}, {}, "22"},
         LookupCase{"terminator number is not a text", 0xFFFFFFFFu, {{kCutter, "cutter"}}, {}, "cutter"}),
     kerfline::test::RowIndex());
@@ -121,7 +146,8 @@ TEST_F(TextDictionary, AsksCutterxThenKerflineAndStopsAtTheFirstAnswer) {
   EXPECT_EQ(dictionary_text(40001), "first");
   EXPECT_EQ(dictionary_text(40002), "second");
   EXPECT_EQ(dictionary_text(9016), "%DriverName%");
-  const std::vector<std::pair<int, std::uint32_t>> asked = {{kCutter, 40001}, {kCutter, 40002}, {kKerfline, 40002}};
+  const std::vector<std::pair<int, std::uint32_t>> asked = {
+      {kCutter, 40001}, {kCutter, 40002}, {kKerfline, 40002}};
   EXPECT_EQ(fakes_.asked, asked);
   EXPECT_EQ(fakes_.translated, (std::vector<std::string>{"first", "second"}));
 }
@@ -153,7 +179,7 @@ TEST_F(TextDictionary, DescriptionIsTheNextNumber) {
       {9016, "Name of the driver"},  // name from the table, description from cutterx
       {9014, "-1"},                  // a built-in row can be a description
       {108, "22"},
-      {0xFFFFFFFFu, "zero"},         // wraps to number 0
+      {0xFFFFFFFFu, "zero"},  // wraps to number 0
       {40000, ""},
   };
   for (const auto& [id, text] : cases) EXPECT_EQ(dictionary_description(id), text) << id;
