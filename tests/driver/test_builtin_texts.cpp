@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <ostream>
 #include <set>
 #include <string>
 #include <thread>
@@ -382,6 +382,8 @@ struct Block {
   Rows rows;
 };
 
+void PrintTo(const Block& block, std::ostream* os) { *os << block.what; }
+
 std::vector<Block> expected_blocks() {
   return {
       {"directory", 107, 143, expected_directory()},
@@ -511,6 +513,8 @@ struct LayoutCase {
   std::uint32_t step;
   std::uint32_t count;
 };
+
+void PrintTo(const LayoutCase& c, std::ostream* os) { *os << "kind " << static_cast<std::uint32_t>(c.kind); }
 
 class KindLayoutTest : public ::testing::TestWithParam<LayoutCase> {};
 

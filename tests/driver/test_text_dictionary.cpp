@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -61,6 +62,8 @@ struct LookupCase {
   std::vector<std::pair<std::string, std::string>> translations;
   std::string expected;
 };
+
+void PrintTo(const LookupCase& c, std::ostream* os) { *os << c.what; }
 
 class Lookup : public ::testing::TestWithParam<LookupCase> {
  protected:
