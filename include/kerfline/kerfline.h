@@ -145,6 +145,182 @@ KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
  * Mark data sets and mesh correction
  * ====================================================================== */
 
+/*
+ * Registration marks of printed jobs, kept per job as the measured marks
+ * followed by the designed marks (see PROBEJOB). Job and mark entries use
+ * 4-byte packing so that an entry is exactly 73 and 7 32-bit words on 32-bit
+ * builds; the set record is laid out naturally.
+ */
+#if defined(__GNUC__) || defined(_MSC_VER)
+#  pragma pack(push, 4)
+#endif
+
+/* One mark: position, size and a flag (7 words). */
+typedef struct PROBEPOS {
+  double x;
+  double y;
+  double dSize;
+  int32_t nFlag;
+} PROBEPOS;
+
+/*
+ * One job. pMarks holds nMarkCount marks from the C run-time allocator
+ * (realloc), owned by the entry once the entry is in a set. The first
+ * nMarkCount / 2 marks are the measured ones, the rest the designed ones in
+ * the same order. dwJobData is carried and copied as it is.
+ */
+typedef struct PROBEJOB {
+  int32_t nFlags;
+  double dRotation;
+  double dMarkSize;
+  int32_t nMarkCount;
+  PROBEPOS* pMarks;
+  uint32_t dwJobData[66];
+} PROBEJOB;
+
+#if defined(__GNUC__) || defined(_MSC_VER)
+#  pragma pack(pop)
+#endif
+
+/*
+ * A set of jobs, owned by the caller. pJobs holds nJobCount entries from the
+ * C run-time allocator, owned by the set; release them with ProbeDataFree.
+ * The reserved words stay zero.
+ */
+typedef struct PROBEDATA {
+  uint32_t dwFlags;
+  int32_t nJobCount;
+  uint32_t dwReserved;
+  PROBEJOB* pJobs;
+  uint32_t dwReserved2[4];
+} PROBEDATA;
+
+/*
+ * In every function below a negative count, or a null array with a positive
+ * count, is taken as no entries: nothing is read outside the arrays. A null
+ * record pointer gives -2 (nothing from functions without a result).
+ */
+
+/* Zeroes every field of the set (without freeing anything). Returns 1. */
+KERFLINE_API int32_t ProbeDataInit(PROBEDATA* set);
+
+/* Frees every job's mark array, then the job array; the set is left with no
+   jobs. Returns 1. */
+KERFLINE_API int32_t ProbeDataFree(PROBEDATA* set);
+
+/* Appends a copy of the job entry to the set. The set takes over the entry's
+   mark array (freed by ProbeDataFree). Nothing is changed when the array
+   cannot grow. */
+KERFLINE_API void ProbeDataAdd(PROBEDATA* set, const PROBEJOB* job);
+
+/* Copies job `index` to *job (the mark array is shared, not copied). Returns
+   1, or 0 (nothing written) when index is negative or not below the count. */
+KERFLINE_API int32_t ProbeDataGetAt(const PROBEDATA* set, int32_t index, PROBEJOB* job);
+
+/* Re-initialises dst without freeing what it held and gives it src's flags.
+   No job is copied: the result is an empty set with the source's flags.
+   Returns 1. */
+KERFLINE_API int32_t ProbeDataCopy(PROBEDATA* dst, const PROBEDATA* src);
+
+/* Appends a copy of the mark to the job's mark array (realloc). Nothing is
+   changed when the array cannot grow. */
+KERFLINE_API void ProbeDataAddPos(PROBEJOB* job, const PROBEPOS* pos);
+
+/* Copies mark `index` to *pos. Returns 1, or 0 (nothing written) when index
+   is negative or not below the mark count. */
+KERFLINE_API int32_t ProbeDataGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos);
+
+/* Overwrites mark `index` with *pos. Returns 1, or 0 when index is negative
+   or not below the mark count. */
+KERFLINE_API int32_t ProbeDataSetPosAt(PROBEJOB* job, int32_t index, const PROBEPOS* pos);
+
+/* As ProbeDataGetPosAt, then mirrors the copy: y = height - y. */
+KERFLINE_API int32_t ProbeDataXeneTecGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos,
+                                              double height);
+
+/* Mirrors every mark of every job: y = height - y. Returns 1. */
+KERFLINE_API int32_t ProbeDataTransformXene(PROBEDATA* set, double height);
+
+/* Moves every mark of the job by (dx, dy). Returns 1. */
+KERFLINE_API int32_t ProbeDataOffsetJob(PROBEJOB* job, double dx, double dy);
+
+/* Moves only the measured marks (the first half) by (dx, dy). Returns 1. */
+KERFLINE_API int32_t ProbeDataOffsetJobMarks(PROBEJOB* job, double dx, double dy);
+
+/* Formats the set as debugging text and discards it. Returns 1. */
+KERFLINE_API int32_t ProbeDataTrace(const PROBEDATA* set);
+
+/*
+ * Appends the marks of every job as HPGL circles to a plot file. mode != 0:
+ * a new file "IN_<unique>.plt" is created in dir (dir must be given) and its
+ * name remembered for the process; the measured marks are drawn with pen 6,
+ * the designed marks with pen 8. mode 0: dir is ignored and the remembered
+ * file is appended to; only the measured marks are drawn, with pen 7 or a pen
+ * chosen by the mark's flag (8: 7, 16: 9, 4: 5, 1: 10). Returns 1, or 0 when
+ * the file could not be created or opened (mode 0 before any call with a
+ * mode != 0 included).
+ */
+KERFLINE_API int32_t ProbeDataTrace2PLT(const PROBEDATA* set, const char* dir, int32_t mode);
+
+/*
+ * Writes an HPGL circle of diameter `size` around (x, y) (in mark units, 0.4
+ * plotter units each) to buffer: "PU <X+size*0.2>,<Y>;\r\nAA <X>,<Y>,360;\r\n"
+ * with six decimals, NUL-terminated. The buffer must hold both lines (128
+ * bytes hold them for coordinates and sizes below 1e9 in magnitude). Returns
+ * the length of the text, or -2 for a null buffer.
+ */
+KERFLINE_API int32_t FrmtHpglCircle(double x, double y, double size, char* buffer);
+
+/* Cell of a row-major grid: row = index / columns, column = index % columns,
+   result 1; -1 (nothing written) when index < 0 or index >= rows * columns;
+   -2 for a null output pointer. */
+KERFLINE_API int32_t GetCellFromArray(int32_t index, int32_t rows, int32_t columns, int32_t* row,
+                                      int32_t* column);
+
+/* A point of the mesh functions: x then y. */
+typedef struct MESHPOINT {
+  double x;
+  double y;
+} MESHPOINT;
+
+/*
+ * Triangulates `count` mark positions (one process-wide mesh at a time) with
+ * the plug-in "ocv.dll" (ocv.so / libocv.so on POSIX, looked for in the suite
+ * directory and on the library search path). A mesh made earlier is released
+ * first. The positions are copied. Returns -1 when the plug-in cannot be
+ * loaded, -2 when it has no "DelaunayInit" (it stays loaded until
+ * FreeDelaunay), -3 when the copy cannot be allocated, else DelaunayInit's
+ * result: 1 triangulated, 0 the positions span no triangle. A null `points`
+ * or a negative count is taken as no positions.
+ */
+KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points);
+
+/*
+ * Finds the mesh triangle that contains *query (for a point outside the mesh,
+ * the nearest triangle) and writes the indices of the stored positions that
+ * lie within 0.1 (in x and in y) of one of its corners, in ascending order, at
+ * most 3, to out (room for 3; slots beyond those written are left alone).
+ * Returns 1; 0 (nothing written) when no plug-in with "DelaunayLocate" is
+ * loaded; -2 for a null pointer.
+ */
+KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out);
+
+/* Releases the mesh, the copy of the positions and the plug-in. */
+KERFLINE_API void FreeDelaunay(void);
+
+/* Euclidean distance of a and b; -2.0 for a null pointer. */
+KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b);
+
+/*
+ * Distance of p from the line through a and b (by Heron's formula; a base of
+ * length 0 counts as 1e-7). The foot point written to *foot lies on the ray
+ * from a towards b at the distance from a that the true foot has, so a point
+ * behind a gets a foot ahead of a. Returns -2.0 (nothing written) for a null
+ * pointer.
+ */
+KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p,
+                                MESHPOINT* foot);
+
 /* ======================================================================
  * Device access, device list and plot-manager coupling
  * ====================================================================== */
