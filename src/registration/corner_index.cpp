@@ -104,10 +104,13 @@ int CornerIndex::match(const std::array<MESHPOINT, 3>& corners, std::int32_t* ou
     for (const std::int32_t i : far_) {
       if (near(points_[i], corner)) found.add(i);
     }
-    // The cells that the open square of side 0.2 around the corner touches
-    // (two per axis, three when rounding puts an edge on a cell border).
-    const auto x0 = cell_of(corner.x - kCornerTolerance), x1 = cell_of(corner.x + kCornerTolerance);
-    const auto y0 = cell_of(corner.y - kCornerTolerance), y1 = cell_of(corner.y + kCornerTolerance);
+    // The cells that the open square of side 0.2 around the corner touches,
+    // widened by more than the rounding of these sums (two cells per axis,
+    // at most three).
+    const double mx = kCornerTolerance + std::min(kCornerTolerance, 1e-12 * (1 + std::fabs(corner.x)));
+    const double my = kCornerTolerance + std::min(kCornerTolerance, 1e-12 * (1 + std::fabs(corner.y)));
+    const auto x0 = cell_of(corner.x - mx), x1 = cell_of(corner.x + mx);
+    const auto y0 = cell_of(corner.y - my), y1 = cell_of(corner.y + my);
     if (!x0 || !x1 || !y0 || !y1) continue;
     for (std::int64_t x = *x0; x <= *x1; ++x) {
       for (std::int64_t y = *y0; y <= *y1; ++y) {

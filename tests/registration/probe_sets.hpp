@@ -27,13 +27,10 @@ inline PROBEJOB job_with(std::initializer_list<PROBEPOS> marks, int32_t flags = 
   return job;
 }
 
-// A set that frees itself.
+// A set that frees itself (and every job added to it).
 struct OwnedSet {
   PROBEDATA set{};
-  OwnedSet() { ProbeDataInit(&set); }
   ~OwnedSet() { ProbeDataFree(&set); }
-  OwnedSet(const OwnedSet&) = delete;
-  OwnedSet& operator=(const OwnedSet&) = delete;
   void add(const PROBEJOB& job) { ProbeDataAdd(&set, &job); }
   PROBEJOB& job(int i) { return set.pJobs[i]; }
 };
