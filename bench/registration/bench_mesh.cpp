@@ -63,5 +63,9 @@ void BM_LocatePt(benchmark::State& state) {
 }  // namespace
 
 BENCHMARK(BM_CreateDelaunay)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_LocatePt)->Args({1000, 0})->Args({10000, 0})->Args({1000, 1})->Args({10000, 1})
+BENCHMARK(BM_LocatePt)
+    ->Args({1000, 0})
+    ->Args({10000, 0})
+    ->Args({1000, 1})
+    ->Args({10000, 1})
     ->Unit(benchmark::kMillisecond);

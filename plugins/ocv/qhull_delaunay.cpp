@@ -20,11 +20,19 @@ struct ScratchFile {
   }
 };
 
+double orientation(Point a, Point b, Point c) {
+  return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
 }  // namespace
 
 std::vector<Triangle> delaunay_triangles(const std::vector<Point>& points) {
   std::vector<Triangle> triangles;
   if (points.size() < 3) return triangles;
+  if (points.size() == 3) {  // too few for Qhull's lifted hull
+    if (orientation(points[0], points[1], points[2]) != 0) triangles.push_back({{0, 1, 2}});
+    return triangles;
+  }
 
   std::vector<coordT> coords;
   coords.reserve(points.size() * 2);
@@ -36,10 +44,10 @@ std::vector<Triangle> delaunay_triangles(const std::vector<Point>& points) {
   ScratchFile messages;
   auto qh = std::make_unique<qhT>();
   qh_zero(qh.get(), messages.file);
-  // d: Delaunay; Qt: split cocircular facets (grids of marks) into
-  // triangles; Qbb: scale the lifted coordinate; Qz: extra point at
-  // infinity, which keeps cocircular input stable.
-  char options[] = "qhull d Qt Qbb Qz";
+  // d: Delaunay; QJ: joggle the input so every facet is a triangle (merging
+  // the facets of cocircular input, as a grid of marks is, costs far more);
+  // Qbb: scale the lifted coordinate.
+  char options[] = "qhull d QJ Qbb";
   const int failed = qh_new_qhull(qh.get(), 2, static_cast<int>(points.size()), coords.data(), False, options,
                                   nullptr, messages.file);
   bool out_of_memory = false;
@@ -59,7 +67,11 @@ std::vector<Triangle> delaunay_triangles(const std::vector<Point>& points) {
           if (id < 0 || id >= static_cast<int>(points.size())) usable = false;
           ++n;
         }
-        if (usable && n == 3) triangles.push_back(t);
+        // The joggle can make a flat triangle of three points on one line;
+        // it is no triangle of the points as given.
+        if (usable && n == 3 && orientation(points[t.v[0]], points[t.v[1]], points[t.v[2]]) != 0) {
+          triangles.push_back(t);
+        }
       }
     } catch (const std::bad_alloc&) {
       out_of_memory = true;

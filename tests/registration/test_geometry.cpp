@@ -29,22 +29,21 @@ TEST_P(PointToLineTable, DistanceAndFootOnTheRayFromA) {
   EXPECT_NEAR(foot.y, c.foot.y, 1e-7);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, PointToLineTable,
-    ::testing::Values(
-        // above the middle of a horizontal segment
-        LineCase{{0, 0}, {10, 0}, {4, 3}, 3.0, {4, 0}},
-        // beyond B: the foot lies on the line past B
-        LineCase{{0, 0}, {10, 0}, {13, -4}, 4.0, {13, 0}},
-        // behind A: the foot is mirrored onto the ray towards B
-        LineCase{{0, 0}, {10, 0}, {-3, 4}, 4.0, {3, 0}},
-        // a slanted line, P on it: distance 0, foot = P
-        LineCase{{1, 1}, {4, 5}, {7, 9}, 0.0, {7, 9}},
-        // a slanted line, P off it
-        LineCase{{1, 1}, {4, 5}, {5, -2}, 5.0, {1, 1}},
-        // A = B: the base counts as 1e-7 (so Heron loses digits), the foot stays at A
-        LineCase{{1, 1}, {1, 1}, {4, 5}, 5.0, {1, 1}, 1e-5}),
-    kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(Table, PointToLineTable,
+                         ::testing::Values(
+                             // above the middle of a horizontal segment
+                             LineCase{{0, 0}, {10, 0}, {4, 3}, 3.0, {4, 0}},
+                             // beyond B: the foot lies on the line past B
+                             LineCase{{0, 0}, {10, 0}, {13, -4}, 4.0, {13, 0}},
+                             // behind A: the foot is mirrored onto the ray towards B
+                             LineCase{{0, 0}, {10, 0}, {-3, 4}, 4.0, {3, 0}},
+                             // a slanted line, P on it: distance 0, foot = P
+                             LineCase{{1, 1}, {4, 5}, {7, 9}, 0.0, {7, 9}},
+                             // a slanted line, P off it
+                             LineCase{{1, 1}, {4, 5}, {5, -2}, 5.0, {1, 1}},
+                             // A = B: the base counts as 1e-7 (so Heron loses digits), the foot stays at A
+                             LineCase{{1, 1}, {1, 1}, {4, 5}, 5.0, {1, 1}, 1e-5}),
+                         kerfline::test::RowIndex());
 
 TEST(PointToLine, NullPointersWriteNothing) {
   const MESHPOINT a{0, 0}, b{1, 0};

@@ -18,7 +18,9 @@ namespace {
 
 using Points = std::vector<MESHPOINT>;
 
-double cross(MESHPOINT o, MESHPOINT a, MESHPOINT b) { return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x); }
+double cross(MESHPOINT o, MESHPOINT a, MESHPOINT b) {
+  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
 
 double segment_distance(MESHPOINT q, MESHPOINT a, MESHPOINT b) {
   const double dx = b.x - a.x, dy = b.y - a.y;
@@ -119,11 +121,13 @@ TEST_F(Mesh, GridCellsAnswerTheirCorners) {
   ASSERT_EQ(CreateDelaunay(static_cast<int32_t>(marks.size()), marks.data()), 1);
   for (int r = 0; r + 1 < kRows; ++r) {
     for (int c = 0; c + 1 < kCols; ++c) {
-      const int32_t corner[4] = {r * kCols + c, r * kCols + c + 1, (r + 1) * kCols + c, (r + 1) * kCols + c + 1};
+      const int32_t corner[4] = {r * kCols + c, r * kCols + c + 1, (r + 1) * kCols + c,
+                                 (r + 1) * kCols + c + 1};
       const MESHPOINT centre{3.0 + 10.0 * c + 5.0, 7.0 + 12.5 * r + 6.25};
       std::set<int32_t> seen;
       for (const int32_t k : corner) {
-        const MESHPOINT q{marks[k].x + 0.2 * (centre.x - marks[k].x), marks[k].y + 0.2 * (centre.y - marks[k].y)};
+        const MESHPOINT q{marks[k].x + 0.2 * (centre.x - marks[k].x),
+                          marks[k].y + 0.2 * (centre.y - marks[k].y)};
         const auto found = locate(q);
         ASSERT_EQ(found.size(), 3u) << "cell " << r << "," << c << " corner " << k;
         EXPECT_TRUE(std::is_sorted(found.begin(), found.end()));

@@ -150,10 +150,11 @@ TEST_P(Cells, RowMajorOrNothing) {
   EXPECT_EQ(column, c.result == 1 ? c.column : -99);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, Cells,
-    ::testing::Values(CellCase{7, 3, 4, 1, 1, 3}, CellCase{11, 3, 4, 1, 2, 3}, CellCase{12, 3, 4, -1, 0, 0},
-                      CellCase{-1, 3, 4, -1, 0, 0}, CellCase{0, 3, 0, -1, 0, 0},
-                      // 65536 x 65536 cells: the product does not fit 32 bits
-                      CellCase{2147483647, 65536, 65536, 1, 32767, 65535}, CellCase{5, 65536, -65536, -1, 0, 0}),
-    kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(Table, Cells,
+                         ::testing::Values(CellCase{7, 3, 4, 1, 1, 3}, CellCase{11, 3, 4, 1, 2, 3},
+                                           CellCase{12, 3, 4, -1, 0, 0}, CellCase{-1, 3, 4, -1, 0, 0},
+                                           CellCase{0, 3, 0, -1, 0, 0},
+                                           // 65536 x 65536 cells: the product does not fit 32 bits
+                                           CellCase{2147483647, 65536, 65536, 1, 32767, 65535},
+                                           CellCase{5, 65536, -65536, -1, 0, 0}),
+                         kerfline::test::RowIndex());

@@ -51,8 +51,8 @@ TEST(FrmtHpglCircle, NumbersMatchPrintfFixedNotation) {
   for (const double x : values) {
     for (const double size : {0.0, 1.0, -3.3}) {
       char expected[1024];
-      std::snprintf(expected, sizeof expected, "PU %f,%f;\r\nAA %f,%f,360;\r\n", x * 0.4 + size * 0.2, x * 0.4,
-                    x * 0.4, x * 0.4);
+      std::snprintf(expected, sizeof expected, "PU %f,%f;\r\nAA %f,%f,360;\r\n", x * 0.4 + size * 0.2,
+                    x * 0.4, x * 0.4, x * 0.4);
       EXPECT_EQ(circle(x, x, size), expected) << x << " " << size;
     }
   }
@@ -124,7 +124,8 @@ TEST_P(PenByFlag, ModeZeroSelectsThePenBeforeEachMeasuredMark) {
   const auto files = plot_files(dir);
   ASSERT_EQ(files.size(), 1u);
   EXPECT_EQ(dir.read(files[0].filename().string()),
-            std::string("IN;\r\nPA;\r\nSP7;") + GetParam().pen + "PU 104.000000,8.000000;\r\nAA 4.000000,8.000000,360;\r\n");
+            std::string("IN;\r\nPA;\r\nSP7;") + GetParam().pen +
+                "PU 104.000000,8.000000;\r\nAA 4.000000,8.000000,360;\r\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, PenByFlag,
