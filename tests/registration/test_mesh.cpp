@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ostream>
 #include <random>
 #include <set>
 #include <vector>
@@ -197,6 +198,8 @@ struct NoTriangleCase {
   Points marks;
   int32_t count;
 };
+
+void PrintTo(const NoTriangleCase& c, std::ostream* os) { *os << c.count << " marks"; }
 
 class MeshWithoutTriangles : public Mesh, public ::testing::WithParamInterface<NoTriangleCase> {};
 

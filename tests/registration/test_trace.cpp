@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -112,6 +113,8 @@ struct PenCase {
   int32_t flag;
   const char* pen;
 };
+
+void PrintTo(const PenCase& c, std::ostream* os) { *os << "flag " << c.flag; }
 
 class PenByFlag : public ::testing::TestWithParam<PenCase> {};
 
