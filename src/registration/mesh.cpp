@@ -92,21 +92,28 @@ KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points) {
 
 KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out) {
   if (query == nullptr || out == nullptr) return -2;
-  MeshState& m = mesh();
-  std::lock_guard<std::mutex> guard(m.lock);
-  if (!m.library || m.locate == nullptr) return 0;
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  // A plug-in that finds no triangle leaves corners that match nothing.
-  std::array<MESHPOINT, 3> corners{{{nan, nan}, {nan, nan}, {nan, nan}}};
-  m.locate(query, corners.data());
-  if (m.count > 0) m.corners.match(corners, out);
-  return 1;
+  try {
+    MeshState& m = mesh();
+    std::lock_guard<std::mutex> guard(m.lock);
+    if (!m.library || m.locate == nullptr) return 0;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    // A plug-in that finds no triangle leaves corners that match nothing.
+    std::array<MESHPOINT, 3> corners{{{nan, nan}, {nan, nan}, {nan, nan}}};
+    m.locate(query, corners.data());
+    if (m.count > 0) m.corners.match(corners, out);
+    return 1;
+  } catch (...) {
+    return 0;
+  }
 }
 
 KERFLINE_API void FreeDelaunay(void) {
-  MeshState& m = mesh();
-  std::lock_guard<std::mutex> guard(m.lock);
-  m.release();
+  try {
+    MeshState& m = mesh();
+    std::lock_guard<std::mutex> guard(m.lock);
+    m.release();
+  } catch (...) {
+  }
 }
 
 }  // extern "C"
