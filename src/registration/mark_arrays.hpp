@@ -3,6 +3,7 @@
 // ever reads outside what the host handed over.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "kerfline/kerfline.h"
