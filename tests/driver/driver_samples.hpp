@@ -1,0 +1,127 @@
+// Texts and documents the driver tests share: a small dictionary in the
+// layout of the standard texts, and a document that holds every item class
+// with every optional field.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "driver/drv_item_cut_instr.hpp"
+#include "driver/drv_item_dlg_var.hpp"
+#include "driver/drv_item_list.hpp"
+#include "driver/drv_item_mat_db.hpp"
+#include "driver/drv_item_tool_parm_var.hpp"
+#include "driver/text_definitions.hpp"
+#include "driver/vm6drv.hpp"
+
+namespace kerfline::test {
+
+namespace drv = kerfline::driver;
+
+inline const std::map<std::uint32_t, std::string>& sample_texts() {
+  static const std::map<std::uint32_t, std::string> texts = {
+      // directory: cut instructions (base, step, count), standard variables
+      // (base, count, step)
+      {107, "1000"}, {108, "6"}, {109, "2"}, {122, "9000"}, {123, "57"}, {124, "8"},
+      {1000, "%CI_ArcLimit%"}, {1001, "Arc limit"}, {1004, "(AL:10e6)"}, {1005, "String"},
+      {1006, "%CI_AltHPGL%"}, {1007, "Alternative HPGL"}, {1010, "(AT:PA)"}, {1011, "String"},
+      {9016, "%DriverName%"}, {9017, "Name of the driver"}, {9020, "String"},
+      {9120, "%BaseDrv%"}, {9121, "Base driver"}, {9124, "String"},
+      {9288, "%Digits%"}, {9289, "Digits after the point"}, {9291, "0"}, {9292, "Integer"},
+  };
+  return texts;
+}
+
+inline drv::TextLookup sample_lookup() {
+  return [](std::uint32_t id) {
+    const auto it = sample_texts().find(id);
+    return it == sample_texts().end() ? std::string() : it->second;
+  };
+}
+
+template <typename T>
+std::shared_ptr<T> make_named(const std::string& name, const std::string& value = {}) {
+  auto item = std::make_shared<T>();
+  item->Name = name;
+  item->Value = value;
+  return item;
+}
+
+// Every class, every optional field, every string-prefix form.
+inline void fill_sample_document(drv::CVm6Drv& doc) {
+  auto& root = doc.Root();
+  root.Name = "%Root%";
+  root.ListParam1 = 1;  // fills itself with the special cut instructions
+
+  auto full = make_named<drv::CDrvItem>("%Full%", "12");
+  full->Description = "an item defined by the file";
+  full->AuxText = "aux";
+  full->Attributes = 0xDEADBEEF;
+  full->Type = drv::type_code::kInteger;
+  full->ValueIndex = 1;
+  root.AddChild(full);
+
+  auto driver_name = make_named<drv::CDrvItem>("%DriverName%", "Sample Cutter 1000");
+  driver_name->DictId = 9016;
+  root.AddChild(driver_name);
+
+  auto linked = make_named<drv::CDrvItem>("%Digits%", "3");
+  linked->DictId = 9288;
+  linked->Linked = 1;
+  root.AddChild(linked);
+
+  root.AddChild(make_named<drv::CDrvItem>("%Long%", std::string(300, 'x')));
+  root.AddChild(make_named<drv::CDrvItem>("%Huge%", std::string(70000, 'y')));
+
+  auto cut = make_named<drv::CDrvItemCutInstr>("%CI_ArcLimit%", "(AL:5)");
+  cut->DictId = 1000;
+  cut->CutInstrText = "cut text";
+  cut->AuxText = "cut aux";
+  root.AddChild(cut);
+
+  auto group = make_named<drv::CDrvItemList>("%OutputFrmt%");
+  group->Description = "Output";
+  group->ListParam0 = 7;
+  group->ListParam2 = 1;
+  group->ListParam3 = 9;
+  group->ListParam4 = 0x12345678;
+  group->ListAtEnd = 1;
+
+  auto dlg = make_named<drv::CDrvItemDlgVar>("%Speed%", "50");
+  dlg->DlgText = "Speed";
+  dlg->DlgFormat = "%d cm/s";
+  dlg->AuxText = "dlg aux";
+  dlg->Ext = std::make_unique<drv::CDrvItemDlgVar::ExtParms>(drv::CDrvItemDlgVar::ExtParms{3, 100.5, -2.25, 0.5});
+  dlg->Conditions = {"%A%>1", "", "%B%"};
+  group->AddChild(dlg);
+
+  auto plain_dlg = make_named<drv::CDrvItemDlgVar>("%Plain%", "1");
+  group->AddChild(plain_dlg);
+
+  auto tool = make_named<drv::CDrvItemToolParmVar>("%IToolDepth%", "2");
+  tool->ToolParmText = "depth;1.0";
+  tool->Linked = 1;
+  tool->DictId = 5000;
+  group->AddChild(tool);
+
+  auto mat = make_named<drv::CDrvItemMatDB>("%MatDB%", "materials.mdb");
+  mat->AuxText = "mat aux";
+  mat->Description = "Materials";
+  group->AddChild(mat);
+
+  auto mat_numbered = make_named<drv::CDrvItemMatDB>("%MatDB2%", "other.mdb");
+  mat_numbered->DictId = 6000;
+  group->AddChild(mat_numbered);
+
+  root.AddChild(group);
+  root.AddChild(make_named<drv::CDrvItemList>("%Empty%"));
+
+  auto reserved = make_named<drv::CDrvItemList>("Dialogvariablen");
+  reserved->AddChild(make_named<drv::CDrvItemList>("Page 1"));
+  root.AddChild(reserved);
+  doc.RefreshGroupList();
+}
+
+}  // namespace kerfline::test

@@ -1,0 +1,233 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "driver/archive_reader.hpp"
+#include "driver/archive_writer.hpp"
+#include "driver/drv_item_cut_instr.hpp"
+#include "driver/drv_item_dlg_var.hpp"
+#include "driver/drv_item_list.hpp"
+#include "driver/text_definitions.hpp"
+#include "driver_samples.hpp"
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/table_names.hpp"
+
+namespace drv = kerfline::driver;
+using kerfline::test::make_named;
+
+namespace {
+
+TEST(ItemValue, FollowsLinksToTheFirstLocalItem) {
+  auto base = make_named<drv::CDrvItem>("%A%", "base");
+  auto middle = make_named<drv::CDrvItem>("%A%", "middle");
+  middle->Linked = 1;
+  middle->SetLinkTarget(base);
+  drv::CDrvItem item;
+  item.Value = "own";
+  item.Linked = 1;
+  EXPECT_EQ(item.GetValue(), "own") << "linked without a target";
+  item.SetLinkTarget(middle);
+  EXPECT_EQ(item.GetValue(), "base");
+  base.reset();
+  middle.reset();
+  EXPECT_EQ(item.GetValue(), "own") << "a target that went away";
+}
+
+TEST(ItemValue, SettingALinkedValueTakesTheDescriptionAndUnlinks) {
+  auto target = make_named<drv::CDrvItem>("%A%", "base");
+  target->Description = "from the base";
+  drv::CDrvItem item;
+  item.Description = "mine";
+  item.Linked = 1;
+  item.SetLinkTarget(target);
+  item.SetValue("new");
+  EXPECT_EQ(item.Value, "new");
+  EXPECT_EQ(item.Description, "from the base");
+  EXPECT_EQ(item.Linked, 0u);
+  item.Description = "kept";
+  item.SetValue("again");
+  EXPECT_EQ(item.Description, "kept") << "a local item keeps its description";
+}
+
+TEST(ItemType, NamesAndCodes) {
+  const struct {
+    std::uint32_t code;
+    const char* name;
+  } names[] = {{0, "Double"}, {1, "Integer"}, {2, "Bool"}, {3, "Date"}, {4, "String"}, {8, "String"}, {77, "String"}};
+  for (const auto& n : names) EXPECT_EQ(drv::CDrvItem::TypeName(n.code), n.name) << n.code;
+
+  const struct {
+    const char* name;
+    std::uint32_t code;
+  } set[] = {{"String", 4}, {"Integer", 1}, {"Double", 0}, {"Date", 3}, {"Bool", 2}, {"integer", 3}, {"", 3}};
+  for (const auto& s : set) {
+    drv::CDrvItem item;
+    item.Type = 3;
+    item.SetTypeByName(s.name);
+    EXPECT_EQ(item.Type, s.code) << s.name;
+  }
+}
+
+TEST(ItemType, SettingTheTypeOfALinkedItemMakesItLocal) {
+  auto target = make_named<drv::CDrvItem>("%A%", "7");
+  target->Description = "base text";
+  drv::CDrvItem item;
+  item.Linked = 1;
+  item.SetLinkTarget(target);
+  item.SetTypeByName("Nonsense");
+  EXPECT_EQ(item.Value, "7");
+  EXPECT_EQ(item.Description, "base text");
+  EXPECT_EQ(item.Linked, 0u);
+  EXPECT_EQ(item.Type, drv::type_code::kString);
+}
+
+TEST(ItemValue, EscapesControlBytesAnd254Up) {
+  const struct {
+    std::string value;
+    std::string escaped;
+  } cases[] = {
+      {"\t\x1b", "\\t\\X1b"},
+      {std::string("\a\b\n\v\f\r", 6), "\\a\\b\\n\\v\\f\\r"},
+      {std::string("a\0b", 3), "a\\X0b"},
+      {"\x1f \xfd\xfe\xff", "\\X1f \xfd\\Xfe\\Xff"},
+      {"PU %x%,%y%;", "PU %x%,%y%;"},
+  };
+  for (const auto& c : cases) {
+    drv::CDrvItem item;
+    item.Value = c.value;
+    EXPECT_EQ(item.ValueAsEscapedText(), c.escaped);
+  }
+}
+
+TEST(ItemDate, PackedDayMonthYear) {
+  drv::CDrvItem item;
+  item.SetDate(0x07D90C1F);
+  EXPECT_EQ(item.Value, "31.12.2009");
+  EXPECT_EQ(item.GetDate(), 0x07D90C1Fu);
+  const struct {
+    const char* text;
+    std::uint32_t packed;
+  } parsed[] = {{"1.2.2020", 0x07E40201}, {" 5. 6. 7", 0x00070605}, {"9", 0x00000009}, {"x", 0}, {"3.4", 0x0403}};
+  for (const auto& p : parsed) {
+    item.Value = p.text;
+    EXPECT_EQ(item.GetDate(), p.packed) << p.text;
+  }
+}
+
+TEST(DialogVariable, IntegerCheckRefusesFractionsWithAMessage) {
+  kerfline::test::HostRecorder host;
+  drv::CDrvItemDlgVar var;
+  var.Type = drv::type_code::kInteger;
+  var.Description = "Speed";
+  var.Value = "10";
+  for (const char* bad : {"1.5", "1,5", "1;5", "1e3", "1E3"}) {
+    EXPECT_FALSE(var.SetCheckedValue(bad, "Input for %s:"));
+  }
+  EXPECT_EQ(var.Value, "10");
+  ASSERT_EQ(host.boxes.size(), 5u);
+  EXPECT_EQ(host.boxes[0].text, "1.5 (Integer Error)");
+  EXPECT_EQ(host.boxes[0].caption, "Input for Speed:");
+  EXPECT_EQ(host.boxes[0].type, KERFLINE_MB_OK | KERFLINE_MB_ICONWARNING);
+
+  EXPECT_TRUE(var.SetCheckedValue("25", "Input for %s:"));
+  EXPECT_EQ(var.Value, "25");
+  var.Type = drv::type_code::kDouble;
+  EXPECT_TRUE(var.SetCheckedValue("2.5", "Input for %s:"));
+  EXPECT_EQ(host.boxes.size(), 5u);
+}
+
+TEST(Group, FindByNameTrimsUnmappedChildren) {
+  drv::CDrvItemList group;
+  auto abc = make_named<drv::CDrvItem>("abc   ");
+  group.AddChild(make_named<drv::CDrvItem>("ab"));
+  group.AddChild(abc);
+  EXPECT_EQ(group.FindChild("abc"), abc.get());
+  EXPECT_EQ(abc->Name, "abc");
+  EXPECT_EQ(group.FindChild("ABC"), nullptr) << "names compare case-sensitively";
+}
+
+TEST(Group, MapsLetTheLaterChildWin) {
+  drv::CDrvItemList group;
+  auto first = make_named<drv::CDrvItem>("%A%");
+  first->DictId = 9000;
+  auto second = make_named<drv::CDrvItem>("%A%");
+  second->DictId = 9000;
+  group.AddChild(first);
+  group.AddChild(second);
+  EXPECT_EQ(group.FindChild("%A%"), first.get()) << "before the maps, the first in order";
+  group.BuildMaps();
+  EXPECT_EQ(group.FindChild("%A%"), second.get());
+  EXPECT_EQ(group.FindChildByDictId(9000), second.get());
+  auto third = make_named<drv::CDrvItem>("%A%");
+  group.AddChild(third);
+  EXPECT_EQ(group.FindChild("%A%"), third.get()) << "a child added later joins the maps";
+  group.RemoveChild(third.get());
+  EXPECT_EQ(group.FindChild("%A%"), second.get());
+}
+
+TEST(Group, PopulateAddsOnlyMissingCutInstructions) {
+  const drv::TextDefinitions texts(kerfline::test::sample_lookup());
+  drv::CDrvItemList group;
+  auto own = make_named<drv::CDrvItemCutInstr>("%CI_AltHPGL%", "(AT:PR)");
+  group.AddChild(own);
+  group.Populate(texts);
+  group.Populate(texts);
+  ASSERT_EQ(group.GetChildren().size(), 2u);
+  EXPECT_EQ(group.GetChildren()[0], own);
+  const auto* added = dynamic_cast<const drv::CDrvItemCutInstr*>(group.GetChildren()[1].get());
+  ASSERT_NE(added, nullptr);
+  EXPECT_EQ(added->Name, "%CI_ArcLimit%");
+  EXPECT_EQ(added->Description, "Arc limit");
+  EXPECT_EQ(added->Value, "(AL:10e6)");
+  EXPECT_EQ(added->DictId, 1000u);
+  EXPECT_EQ(added->Type, drv::type_code::kCutInstr);
+  EXPECT_EQ(added->Code(), "AL");
+  EXPECT_EQ(added->Arguments(), "10e6");
+}
+
+TEST(TextDefinitions, TakeTypeAndDefaultFromTheKindsBlock) {
+  const drv::TextDefinitions texts(kerfline::test::sample_lookup());
+  const auto digits = texts.definition(9288);
+  EXPECT_EQ(digits.name, "%Digits%");
+  EXPECT_EQ(digits.description, "Digits after the point");
+  EXPECT_EQ(digits.default_value, "0");
+  EXPECT_EQ(digits.type, drv::type_code::kInteger);
+  const auto between = texts.definition(9289);
+  EXPECT_EQ(between.name, "Digits after the point");
+  EXPECT_FALSE(between.type) << "not the start of a block";
+  EXPECT_EQ(texts.cut_instruction_count(), 2u);
+  const drv::TextDefinitions none([](std::uint32_t id) { return id == 109 ? std::string("99999") : ""; });
+  EXPECT_EQ(none.cut_instruction_count(), 0u) << "an absurd count populates nothing";
+}
+
+TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
+  kerfline::test::HostRecorder host;
+  const struct {
+    const char* name;
+    const char* description;
+    std::uint32_t dict_id;
+    bool reserved;
+  } groups[] = {{"Dialogvariablen", "", 0, true},   {"", "Werkzeugvariablen", 0, true}, {"x", "", 33025, true},
+                {"x", "", 33058, true},             {"dialogvariablen", "", 0, false}, {"x", "", 33026, false}};
+  for (const auto& g : groups) {
+    host.boxes.clear();
+    drv::CDrvItemList group;
+    group.Name = g.name;
+    group.Description = g.description;
+    group.DictId = g.dict_id;
+    auto page = make_named<drv::CDrvItemList>("Page");
+    group.AddChild(make_named<drv::CDrvItem>("%A%"));
+    group.AddChild(page);
+    group.AddChild(make_named<drv::CDrvItemDlgVar>("%B%"));
+    drv::ArchiveWriter w;
+    group.Serialize(w);
+    EXPECT_EQ(group.GetChildren().size(), g.reserved ? 1u : 3u) << g.name << g.dict_id;
+    ASSERT_EQ(host.boxes.size(), g.reserved ? 2u : 0u);
+    for (const auto& box : host.boxes) {
+      EXPECT_EQ(box.caption, "Driver check:");
+      EXPECT_EQ(box.text, "(1) - Removed unexpected link");
+    }
+  }
+}
+
+}  // namespace
