@@ -1,0 +1,262 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "driver/archive_writer.hpp"
+#include "driver/drv_item_cut_instr.hpp"
+#include "driver/drv_item_dlg_var.hpp"
+#include "driver/drv_item_mat_db.hpp"
+#include "driver/vm6drv.hpp"
+#include "driver_samples.hpp"
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/table_names.hpp"
+#include "fixtures/temp_dir.hpp"
+
+namespace drv = kerfline::driver;
+using kerfline::test::make_named;
+using kerfline::test::sample_lookup;
+
+namespace {
+
+std::string bytes(std::initializer_list<int> values) {
+  std::string out;
+  for (const int v : values) out.push_back(static_cast<char>(v));
+  return out;
+}
+
+std::string dword(std::uint32_t v) {
+  drv::ArchiveWriter w;
+  w.write_dword(v);
+  return w.bytes();
+}
+
+// The group-style head and list parameters of an unnamed root with `count`
+// children.
+std::string root_record(std::uint16_t count) {
+  drv::ArchiveWriter w;
+  for (int i = 0; i < 3; ++i) w.write_string("");
+  w.write_dword(0);
+  w.write_dword(4);
+  w.write_dword(0);
+  w.write_dword(0);
+  w.write_long(-1);
+  for (int i = 0; i < 5; ++i) w.write_dword(0);
+  w.write_count(count);
+  return w.bytes();
+}
+
+std::string new_class(int schema, const std::string& name) {
+  return bytes({0xFF, 0xFF, schema, 0x00, static_cast<int>(name.size()), 0x00}) + name;
+}
+
+TEST(DriverDocument, RoundTripsEveryClassByteForByte) {
+  kerfline::test::HostRecorder host;
+  drv::CVm6Drv doc(sample_lookup());
+  kerfline::test::fill_sample_document(doc);
+  doc.WriteToBytes();  // the root group completes its cut instructions
+  const std::string first = doc.WriteToBytes();
+  EXPECT_EQ(first.substr(0, 7), "\x06VM6DRV");
+
+  drv::CVm6Drv copy(sample_lookup());
+  ASSERT_TRUE(copy.ReadFromBytes(first)) << copy.LastError();
+  EXPECT_EQ(copy.WriteToBytes(), first);
+  EXPECT_TRUE(host.boxes.empty());
+
+  EXPECT_EQ(copy.Title, "Sample Cutter 1000");
+  const auto* full = copy.FindItem("%Full%");
+  ASSERT_NE(full, nullptr);
+  EXPECT_EQ(full->Description, "an item defined by the file");
+  EXPECT_EQ(full->AuxText, "aux");
+  EXPECT_EQ(full->Attributes, 0xDEADBEEFu);
+  EXPECT_EQ(full->Type, drv::type_code::kInteger);
+  EXPECT_EQ(full->ValueIndex, 1);
+  EXPECT_TRUE(full->AtEnd);
+  EXPECT_EQ(copy.FindItem("%Huge%")->Value, std::string(70000, 'y'));
+
+  const auto* speed = dynamic_cast<const drv::CDrvItemDlgVar*>(copy.FindItem("%Speed%"));
+  ASSERT_NE(speed, nullptr);
+  ASSERT_NE(speed->Ext, nullptr);
+  EXPECT_EQ(speed->Ext->Flags, 3u);
+  EXPECT_EQ(speed->Ext->Max, 100.5);
+  EXPECT_EQ(speed->Ext->Min, -2.25);
+  EXPECT_EQ(speed->Ext->Increments, 0.5);
+  EXPECT_EQ(speed->Conditions, (std::vector<std::string>{"%A%>1", "", "%B%"}));
+  EXPECT_EQ(speed->AuxText, "dlg aux");
+  EXPECT_EQ(dynamic_cast<const drv::CDrvItemDlgVar*>(copy.FindItem("%Plain%"))->Ext, nullptr);
+
+  const auto* mat = dynamic_cast<const drv::CDrvItemMatDB*>(copy.FindItem("%MatDB%"));
+  ASSERT_NE(mat, nullptr);
+  EXPECT_TRUE(mat->IsLoaded());
+  EXPECT_EQ(mat->AuxText, "mat aux");
+
+  auto groups = copy.Groups();
+  ASSERT_EQ(groups.size(), 4u);
+  EXPECT_EQ(groups[0]->Name, "%OutputFrmt%");
+  EXPECT_EQ(groups[0]->ListParam4, 0x12345678u);
+  EXPECT_EQ(groups[0]->ListAtEnd, 1u);
+}
+
+TEST(DriverDocument, ATextNumberedItemKeepsOnlyFourFields) {
+  drv::CVm6Drv doc(sample_lookup());
+  auto name = make_named<drv::CDrvItem>("%DriverName%", "v");
+  name->DictId = 9016;
+  doc.Root().AddChild(name);
+  const std::string expected = bytes({6}) + "VM6DRV" + bytes({1, 'v'}) + dword(0) + root_record(1) +
+                               new_class(2, "CDrvItem") + bytes({1, 'v'}) + dword(0) + dword(0) + dword(9016);
+  EXPECT_EQ(doc.WriteToBytes(), expected);
+
+  drv::CVm6Drv copy(sample_lookup());
+  ASSERT_TRUE(copy.ReadFromBytes(expected)) << copy.LastError();
+  const auto& item = *copy.Root().GetChildren().at(0);
+  EXPECT_EQ(item.Name, "%DriverName%");
+  EXPECT_EQ(item.Description, "Name of the driver");
+  EXPECT_EQ(item.Type, drv::type_code::kString);
+}
+
+struct HeaderCase {
+  drv::ExtendedHeader header;
+  std::string title;
+};
+
+class ExtendedHeaderRoundTrip : public ::testing::TestWithParam<HeaderCase> {};
+
+TEST_P(ExtendedHeaderRoundTrip, KeepsTheStoredBytesAndTheDword) {
+  drv::CVm6Drv doc(sample_lookup());
+  doc.Header = GetParam().header;
+  doc.Title = GetParam().title;
+  doc.Root().Name = "%Root%";
+  doc.Root().AddChild(make_named<drv::CDrvItem>("%A%", "1"));
+  const std::string written = doc.WriteToBytes();
+  EXPECT_EQ(written.substr(0, 8), "\x07VM6DRV$");
+
+  drv::CVm6Drv copy(sample_lookup());
+  ASSERT_TRUE(copy.ReadFromBytes(written)) << copy.LastError();
+  EXPECT_EQ(copy.Header.EncodedText, GetParam().header.EncodedText);
+  EXPECT_EQ(copy.Header.Note, GetParam().header.Note);
+  EXPECT_EQ(copy.Header.DwordFollows, GetParam().header.DwordFollows);
+  EXPECT_EQ(copy.Title, GetParam().title);
+  EXPECT_EQ(copy.WriteToBytes(), written);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ExtendedHeaderRoundTrip,
+    ::testing::Values(HeaderCase{{true, "\x93\x01\xfe", "note", true}, "Title"},
+                      HeaderCase{{true, "\x93\x01\xfe", "note", false}, "Title"},
+                      HeaderCase{{true, "x", "", true}, ""}, HeaderCase{{true, "x", "", false}, ""},
+                      HeaderCase{{true, "", "", false}, "T"}),
+    kerfline::test::RowIndex());
+
+TEST(DriverDocument, ReadsOlderSchemas) {
+  // A dialog variable of schema 1, 2 and 3, a plain item of schema 1 and a
+  // material database of schema 1, in their own streams.
+  drv::ArchiveWriter head;
+  head.write_string("%D%");
+  head.write_string("v");
+  head.write_string("d");
+  for (const std::uint32_t v : {0u, 4u, 0u, 0u}) head.write_dword(v);
+  head.write_long(-1);
+  head.write_string("dlg");
+  head.write_string("fmt");
+  head.write_dword(0);
+  const std::string dlg = head.bytes();
+  const std::string tail = bytes({3}) + "aux" + dword(1) + bytes({4}) + "cond";
+
+  const struct {
+    std::string object;
+    std::string aux;
+    std::size_t conditions;
+  } dialogs[] = {
+      {new_class(1, "CDrvItemDlgVar") + dlg, "", 0},
+      {new_class(2, "CDrvItemDlgVar") + dlg + bytes({3}) + "aux", "aux", 0},
+      {new_class(3, "CDrvItemDlgVar") + dlg + tail, "aux", 1},
+  };
+  for (const auto& d : dialogs) {
+    drv::CVm6Drv doc(sample_lookup());
+    const std::string file = bytes({6}) + "VM6DRV" + bytes({0}) + dword(0) + root_record(1) + d.object;
+    ASSERT_TRUE(doc.ReadFromBytes(file)) << doc.LastError();
+    const auto* var = dynamic_cast<const drv::CDrvItemDlgVar*>(doc.Root().GetChildren().at(0).get());
+    ASSERT_NE(var, nullptr);
+    EXPECT_EQ(var->DlgFormat, "fmt");
+    EXPECT_EQ(var->AuxText, d.aux);
+    EXPECT_EQ(var->Conditions.size(), d.conditions);
+    // Written back, it is a current dialog variable.
+    EXPECT_NE(doc.WriteToBytes().find(new_class(3, "CDrvItemDlgVar")), std::string::npos);
+  }
+
+  const std::string plain_v1 = new_class(1, "CDrvItem") + bytes({1, '5'}) + dword(0) + dword(0) + dword(0) +
+                               bytes({3}) + "%P%" + dword(0xFFFFFFFF) + dword(1) + bytes({2}) + "de";
+  const std::string matdb_v1 = new_class(1, "CDrvItemMatDB") + bytes({2, 'm', 'm'}) + dword(0) + dword(0) + dword(0) +
+                               bytes({3}) + "%M%" + dword(0) + dword(4) + bytes({0});
+  drv::CVm6Drv doc(sample_lookup());
+  ASSERT_TRUE(doc.ReadFromBytes(bytes({6}) + "VM6DRV" + bytes({0}) + dword(0) + root_record(2) + plain_v1 + matdb_v1))
+      << doc.LastError();
+  const auto* plain = doc.FindItem("%P%");
+  ASSERT_NE(plain, nullptr);
+  EXPECT_EQ(plain->Description, "de");
+  EXPECT_EQ(plain->Type, drv::type_code::kInteger);
+  EXPECT_TRUE(plain->AuxText.empty());
+  const auto* mat = dynamic_cast<const drv::CDrvItemMatDB*>(doc.FindItem("%M%"));
+  ASSERT_NE(mat, nullptr);
+  EXPECT_EQ(mat->Value, "mm");
+  EXPECT_EQ(mat->ValueIndex, 0);
+  EXPECT_FALSE(mat->AtEnd) << "index 0 is before the last byte of \"mm\"";
+  EXPECT_TRUE(plain->AtEnd) << "index -1";
+}
+
+TEST(DriverDocument, CutInstructionsTakeTheirDefinitionWhateverTheLink) {
+  drv::CVm6Drv doc(sample_lookup());
+  auto cut = make_named<drv::CDrvItemCutInstr>("%Mine%", "(OC:100)");
+  cut->DictId = 1006;
+  cut->Linked = 1;
+  cut->Type = 0;
+  doc.Root().AddChild(cut);
+  drv::CVm6Drv copy(sample_lookup());
+  ASSERT_TRUE(copy.ReadFromBytes(doc.WriteToBytes()));
+  const auto* read = dynamic_cast<const drv::CDrvItemCutInstr*>(copy.Root().GetChildren().at(0).get());
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->Name, "%CI_AltHPGL%");
+  EXPECT_EQ(read->Description, "Alternative HPGL");
+  EXPECT_EQ(read->Type, drv::type_code::kCutInstr);
+  EXPECT_EQ(read->Code(), "OC");
+  EXPECT_EQ(cut->Type, drv::type_code::kCutInstr) << "the writer forces the type";
+}
+
+TEST(DriverDocument, ACutInstructionWithoutTextNumberDoesNotReadBack) {
+  // The plain record inside a cut instruction is read under schema 1 and so
+  // misses the AuxText that the writer put there: the texts shift.
+  drv::CVm6Drv doc(sample_lookup());
+  auto cut = make_named<drv::CDrvItemCutInstr>("%Local%", "(OC:1)");
+  cut->AuxText = "first";
+  cut->CutInstrText = "second";
+  doc.Root().AddChild(cut);
+  drv::CVm6Drv copy(sample_lookup());
+  ASSERT_TRUE(copy.ReadFromBytes(doc.WriteToBytes()));
+  const auto* read = dynamic_cast<const drv::CDrvItemCutInstr*>(copy.Root().GetChildren().at(0).get());
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->CutInstrText, "first");
+  EXPECT_EQ(read->AuxText, "second");
+}
+
+TEST(DriverDocument, FindItemSearchesRootThenGroupsInOrder) {
+  drv::CVm6Drv doc(sample_lookup());
+  auto g1 = make_named<drv::CDrvItemList>("%G1%");
+  auto g2 = make_named<drv::CDrvItemList>("%G2%");
+  auto in_root = make_named<drv::CDrvItem>("%A%", "root");
+  auto in_g1 = make_named<drv::CDrvItem>("%A%", "g1");
+  auto b1 = make_named<drv::CDrvItem>("%B%", "g1");
+  auto b2 = make_named<drv::CDrvItem>("%B%", "g2");
+  g1->AddChild(in_g1);
+  g1->AddChild(b1);
+  g2->AddChild(b2);
+  doc.Root().AddChild(g1);
+  doc.Root().AddChild(g2);
+  doc.Root().AddChild(in_root);
+  doc.RefreshGroupList();
+  EXPECT_EQ(doc.FindItem("%A%"), in_root.get());
+  EXPECT_EQ(doc.FindItem("%B%"), b1.get());
+  EXPECT_EQ(doc.FindItem("%G2%"), g2.get());
+  EXPECT_EQ(doc.FindItem("%C%"), nullptr);
+}
+
+}  // namespace
