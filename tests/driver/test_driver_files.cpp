@@ -1,0 +1,192 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "driver/vm6drv.hpp"
+#include "driver_samples.hpp"
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/temp_dir.hpp"
+
+namespace drv = kerfline::driver;
+namespace fs = std::filesystem;
+using kerfline::test::make_named;
+using kerfline::test::sample_lookup;
+
+namespace {
+
+// A driver file built from a document that `fill` sets up.
+template <typename Fill>
+std::string driver_bytes(Fill&& fill) {
+  drv::CVm6Drv doc(sample_lookup());
+  fill(doc);
+  doc.RefreshGroupList();
+  return doc.WriteToBytes();
+}
+
+std::string base_driver() {
+  return driver_bytes([](drv::CVm6Drv& doc) {
+    auto speed = make_named<drv::CDrvItem>("%Speed%", "50");
+    speed->Description = "base speed";
+    auto group = make_named<drv::CDrvItemList>("%G%");
+    group->Value = "base group";
+    auto dlg = make_named<drv::CDrvItemDlgVar>("%Dlg%", "base dialog");
+    group->AddChild(dlg);
+    doc.Root().AddChild(speed);
+    doc.Root().AddChild(group);
+  });
+}
+
+// A driver that builds on `base_name` and links %Speed%, %G% and %Dlg%.
+std::string derived_driver(const std::string& base_name) {
+  return driver_bytes([&](drv::CVm6Drv& doc) {
+    doc.BaseDriverFlag = 1;
+    auto base = make_named<drv::CDrvItem>("%BaseDrv%", base_name);
+    base->Linked = 1;
+    auto speed = make_named<drv::CDrvItem>("%Speed%", "stale");
+    speed->Linked = 1;
+    auto group = make_named<drv::CDrvItemList>("%G%", "own group");
+    group->Linked = 1;
+    auto dlg = make_named<drv::CDrvItemDlgVar>("%Dlg%", "own dialog");
+    dlg->Linked = 1;
+    auto local = make_named<drv::CDrvItem>("%Local%", "mine");
+    group->AddChild(dlg);
+    doc.Root().AddChild(base);
+    doc.Root().AddChild(speed);
+    doc.Root().AddChild(group);
+    doc.Root().AddChild(local);
+  });
+}
+
+TEST(BaseDriver, LinkedItemsReportTheBaseDriversValues) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  dir.write("sub/base.vmd", base_driver());
+  const auto path = dir.write("main.vmd", derived_driver("sub\\base.vmd"));
+
+  drv::CVm6Drv doc(sample_lookup());
+  ASSERT_TRUE(doc.LoadDriver(path.string())) << doc.LastError();
+  ASSERT_NE(doc.BaseDriver(), nullptr);
+  EXPECT_EQ(doc.FindItem("%BaseDrv%")->Linked, 0u);
+  EXPECT_EQ(doc.FindItem("%Speed%")->GetValue(), "50");
+  EXPECT_EQ(doc.FindItem("%G%")->GetValue(), "base group");
+  EXPECT_EQ(doc.FindItem("%Dlg%")->GetValue(), "base dialog");
+  EXPECT_EQ(doc.FindItem("%Local%")->GetValue(), "mine");
+
+  auto* speed = doc.FindItem("%Speed%");
+  speed->SetValue("70");
+  EXPECT_EQ(speed->Description, "base speed");
+  EXPECT_EQ(speed->Linked, 0u);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST(BaseDriver, AMissingOrSelfNamedBaseIsNoError) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  for (const char* base : {"absent.vmd", "", "self.vmd", "."}) {
+    const auto path = dir.write("self.vmd", derived_driver(base));
+    drv::CVm6Drv doc(sample_lookup());
+    ASSERT_TRUE(doc.LoadDriver(path.string())) << base << ": " << doc.LastError();
+    EXPECT_EQ(doc.FindItem("%Speed%")->GetValue(), "stale") << base;
+  }
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST(LoadDriver, AFileThatCannotBeOpenedIsShownAndKeepsTheDocument) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  const std::string path = (dir.path() / "missing.vmd").string();
+  drv::CVm6Drv doc(sample_lookup());
+  doc.Root().AddChild(make_named<drv::CDrvItem>("%A%", "1"));
+  EXPECT_FALSE(doc.LoadDriver(path));
+  EXPECT_EQ(doc.Path, path);
+  EXPECT_NE(doc.Root().FindChild("%A%"), nullptr);
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
+  EXPECT_EQ(host.boxes[0].text, "Can not open driver:\n" + path + "\n\nCode = (2)\n\nNo such file or directory");
+}
+
+TEST(LoadDriver, BrokenAndLegacyFilesFailQuietlyWithAReason) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  const struct {
+    const char* name;
+    std::string contents;
+    const char* reason;
+  } files[] = {
+      {"legacy.vdv", std::string(10209, '\0'), "legacy"},
+      {"empty.vmd", "", "legacy"},
+      {"cut.vmd", std::string("\x06VM6DRV\x00", 8), "invalid driver file"},
+  };
+  for (const auto& f : files) {
+    drv::CVm6Drv doc(sample_lookup());
+    EXPECT_FALSE(doc.LoadDriver(dir.write(f.name, f.contents).string())) << f.name;
+    EXPECT_NE(doc.LastError().find(f.reason), std::string::npos) << doc.LastError();
+  }
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST(ReadDriverTitle, ReadsOnlyTheTitle) {
+  kerfline::test::TempDir dir;
+  const struct {
+    const char* name;
+    std::string contents;
+    bool ok;
+    const char* title;
+  } files[] = {
+      {"plain.vmd", std::string("\x06VM6DRV\x05Title", 13), true, "Title"},
+      {"ext.vmd", std::string("\x07VM6DRV$\x02xy\x01n\x03" "Abc", 17), true, "Abc"},
+      {"ext-dword.vmd", driver_bytes([](drv::CVm6Drv& d) {
+         d.Header = {true, "enc", "note", true};
+         d.Title = "With dword";
+       }), true, "With dword"},
+      {"other.vmd", std::string("\x06VM7DRV\x05Title", 13), false, ""},
+      {"short.vmd", std::string("\x06VM6DRV\x05Ti", 10), false, ""},
+  };
+  for (const auto& f : files) {
+    std::string title = "untouched";
+    EXPECT_EQ(drv::CVm6Drv::ReadDriverTitle(dir.write(f.name, f.contents).string(), title), f.ok) << f.name;
+    EXPECT_EQ(title, f.ok ? f.title : "untouched") << f.name;
+  }
+  std::string title = "untouched";
+  EXPECT_FALSE(drv::CVm6Drv::ReadDriverTitle((dir.path() / "none.vmd").string(), title));
+  EXPECT_EQ(title, "untouched");
+}
+
+TEST(StoreDriver, ReplacesTheFileWhole) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  const auto path = dir.write("d.vmd", "old contents");
+  drv::CVm6Drv doc(sample_lookup());
+  kerfline::test::fill_sample_document(doc);
+  doc.WriteToBytes();  // the root group completes its cut instructions
+  ASSERT_TRUE(doc.StoreDriver(path.string()));
+  const std::string stored = dir.read("d.vmd");
+  EXPECT_TRUE(stored == doc.WriteToBytes());
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1)
+      << "no temporary file is left";
+
+  drv::CVm6Drv copy(sample_lookup());
+  ASSERT_TRUE(copy.LoadDriver(path.string())) << copy.LastError();
+  EXPECT_TRUE(copy.WriteToBytes() == stored);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST(StoreDriver, AFailedStoreLeavesWhatWasThere) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  dir.write("busy.vmd/keep", "x");  // a directory where the file should go
+  drv::CVm6Drv doc(sample_lookup());
+  const std::string path = (dir.path() / "busy.vmd").string();
+  EXPECT_FALSE(doc.StoreDriver(path));
+  EXPECT_EQ(dir.read("busy.vmd/keep"), "x");
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
+  EXPECT_EQ(host.boxes[0].text.rfind("Can not write driver:\n" + path + "\n\nCode = (", 0), 0u);
+
+  EXPECT_FALSE(doc.StoreDriver((dir.path() / "no-such-dir" / "d.vmd").string()));
+  EXPECT_EQ(host.boxes.size(), 2u);
+}
+
+}  // namespace
