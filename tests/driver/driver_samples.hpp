@@ -49,8 +49,9 @@ std::shared_ptr<T> make_named(const std::string& name, const std::string& value 
   return item;
 }
 
-// Every class, every optional field, every string-prefix form.
-inline void fill_sample_document(drv::CVm6Drv& doc) {
+// Every class, every optional field, every string-prefix form (the DWORD
+// form only with `huge`).
+inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   auto& root = doc.Root();
   root.Name = "%Root%";
   root.ListParam1 = 1;  // fills itself with the special cut instructions
@@ -73,7 +74,7 @@ inline void fill_sample_document(drv::CVm6Drv& doc) {
   root.AddChild(linked);
 
   root.AddChild(make_named<drv::CDrvItem>("%Long%", std::string(300, 'x')));
-  root.AddChild(make_named<drv::CDrvItem>("%Huge%", std::string(70000, 'y')));
+  if (huge) root.AddChild(make_named<drv::CDrvItem>("%Huge%", std::string(70000, 'y')));
 
   auto cut = make_named<drv::CDrvItemCutInstr>("%CI_ArcLimit%", "(AL:5)");
   cut->DictId = 1000;
