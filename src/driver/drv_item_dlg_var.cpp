@@ -2,6 +2,7 @@
 
 #include "driver/archive_reader.hpp"
 #include "driver/archive_writer.hpp"
+#include "driver/text_dictionary.hpp"
 #include "platform/host_hooks.hpp"
 
 namespace kerfline::driver {
@@ -60,6 +61,11 @@ bool CDrvItemDlgVar::SetCheckedValue(const std::string& text, const std::string&
   }
   SetValue(text);
   return true;
+}
+
+bool CDrvItemDlgVar::SetCheckedValue(const std::string& text) {
+  if (Type != type_code::kInteger) return SetCheckedValue(text, std::string());
+  return SetCheckedValue(text, kerfline_dictionary_text(kIntegerErrorCaptionId));
 }
 
 }  // namespace kerfline::driver

@@ -25,6 +25,8 @@ class CDrvItemDlgVar : public CDrvItem {
   // that refusal is shown in a message box captioned by `caption_format`
   // (text 35589 of the second dictionary: "%s" stands for the description).
   bool SetCheckedValue(const std::string& text, const std::string& caption_format);
+  // The same with the caption of the library's dictionary.
+  bool SetCheckedValue(const std::string& text);
 
   struct ExtParms {
     std::uint32_t Flags = 0;

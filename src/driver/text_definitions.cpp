@@ -3,10 +3,10 @@
 #include <charconv>
 #include <utility>
 
-namespace kerfline::driver {
+#include "driver/builtin_texts.hpp"
+#include "driver/text_dictionary.hpp"
 
-// The one place that reaches the library's text dictionary.
-std::string dictionary_text(std::uint32_t id);
+namespace kerfline::driver {
 
 TextLookup standard_text_lookup() {
   return [](std::uint32_t id) { return dictionary_text(id); };
@@ -31,43 +31,28 @@ std::optional<std::uint32_t> parse_number(const std::string& text) {
   return value;
 }
 
-// Directory entries: the first of three numbers, whether they stand as
-// base, count, step (instead of base, step, count), and where the default
-// and the type name sit in a block.
-struct DirectoryEntry {
-  std::uint32_t first;
-  bool count_before_step;
-  int default_offset;
-  int type_offset;
-};
-
-constexpr DirectoryEntry kDirectory[] = {
-    {107, false, 4, 5},    // special cut instructions
-    {110, false, 3, 5},    // tool variables
-    {116, false, 3, 5},    // material variables
-    {119, false, -1, -1},  // group names
-    {122, true, 3, 4},     // standard variables
-    {125, true, 3, 4},     // output-mode variables
-    {128, false, -1, -1},  // plot-time variables
-    {131, false, -1, -1},  // current selections
-    {134, false, -1, -1},  // single-letter variables
-    {140, false, -1, -1},  // position variables
-};
+// The standard-variable and output-mode kinds store base, count, step; the
+// others base, step, count.
+bool count_before_step(TextKind kind) {
+  return kind == TextKind::StandardVariables || kind == TextKind::OutputModes;
+}
 
 }  // namespace
 
 TextDefinitions::TextDefinitions(TextLookup lookup) : lookup_(std::move(lookup)) {
-  for (const DirectoryEntry& e : kDirectory) {
-    const auto base = parse_number(text(e.first));
-    const auto second = parse_number(text(e.first + 1));
-    const auto third = parse_number(text(e.first + 2));
+  for (const TextKind k : kAllTextKinds) {
+    const auto first = static_cast<std::uint32_t>(k);
+    const auto base = parse_number(text(first));
+    const auto second = parse_number(text(first + 1));
+    const auto third = parse_number(text(first + 2));
     if (!base || !second || !third) continue;
     Kind kind;
     kind.base = *base;
-    kind.step = e.count_before_step ? *third : *second;
-    kind.count = e.count_before_step ? *second : *third;
-    kind.default_offset = e.default_offset;
-    kind.type_offset = e.type_offset;
+    kind.step = count_before_step(k) ? *third : *second;
+    kind.count = count_before_step(k) ? *second : *third;
+    const BlockFields fields = block_fields(k);
+    kind.default_offset = fields.default_value;
+    kind.type_offset = fields.type;
     if (kind.step == 0) continue;
     kinds_.push_back(kind);
   }

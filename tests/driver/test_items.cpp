@@ -8,6 +8,7 @@
 #include "driver/drv_item_dlg_var.hpp"
 #include "driver/drv_item_list.hpp"
 #include "driver/text_definitions.hpp"
+#include "driver/text_dictionary.hpp"
 #include "driver_samples.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
@@ -136,6 +137,23 @@ TEST(DialogVariable, IntegerCheckRefusesFractionsWithAMessage) {
   EXPECT_EQ(host.boxes.size(), 5u);
 }
 
+TEST(DialogVariable, IntegerCheckCaptionComesFromTheSecondDictionaryOnly) {
+  kerfline::test::HostRecorder host;
+  drv::TextServices services;
+  services.resource_text = [](int table, std::uint32_t id) -> std::optional<std::string> {
+    if (id != drv::kIntegerErrorCaptionId) return std::nullopt;
+    return table == 1 ? "Wrong input for %s" : "from the first table";
+  };
+  drv::install_text_services(services);
+  drv::CDrvItemDlgVar var;
+  var.Type = drv::type_code::kInteger;
+  var.Description = "Copies";
+  EXPECT_FALSE(var.SetCheckedValue("2.5"));
+  drv::install_text_services({});
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Wrong input for Copies");
+}
+
 TEST(Group, FindByNameTrimsUnmappedChildren) {
   drv::CDrvItemList group;
   auto abc = make_named<drv::CDrvItem>("abc   ");
@@ -198,6 +216,21 @@ TEST(TextDefinitions, TakeTypeAndDefaultFromTheKindsBlock) {
   EXPECT_EQ(texts.cut_instruction_count(), 2u);
   const drv::TextDefinitions none([](std::uint32_t id) { return id == 109 ? std::string("99999") : ""; });
   EXPECT_EQ(none.cut_instruction_count(), 0u) << "an absurd count populates nothing";
+}
+
+TEST(TextDefinitions, ComeFromTheLibrarysDictionaryByDefault) {
+  const drv::TextDefinitions texts(drv::standard_text_lookup());
+  EXPECT_EQ(texts.cut_instruction_count(), 22u);
+  const auto arc = texts.definition(1000);
+  EXPECT_EQ(arc.name, "%CI_ArcLimit%");
+  EXPECT_EQ(arc.default_value, "(AL:10e6)");
+  EXPECT_EQ(arc.type, drv::type_code::kString);
+  const auto change_axis = texts.definition(drv::TextDefinitions::cut_instruction_id(3));
+  EXPECT_EQ(change_axis.type, drv::type_code::kBool);
+  const auto digits = texts.definition(9000 + 8 * 36);
+  EXPECT_EQ(digits.name, "%Digits%");
+  EXPECT_EQ(digits.type, drv::type_code::kInteger);
+  EXPECT_EQ(texts.definition(6000 + 8).default_value, "20");
 }
 
 TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
