@@ -133,6 +133,53 @@ KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
  * Cut data
  * ====================================================================== */
 
+/* One named variable of a job, handed to the output templates. In the record
+   both texts are copies owned by the library. */
+typedef struct CUTVAR {
+  char* pszName;
+  char* pszValue;
+} CUTVAR;
+
+/* One layer of a job: seven words copied as the host gives them; their
+   meaning belongs to the output templates. */
+typedef struct CUTLAYER {
+  int32_t anWords[7];
+} CUTLAYER;
+
+/* The description of one job. The host fills the job fields itself; the two
+   arrays are built with AddVariable and AddLayer and released with
+   FreeCutData (never with free()). */
+typedef struct CUTDATA {
+  uint8_t abJob[40];
+  int32_t nVarCount;
+  CUTVAR* pVars;
+  int32_t nLayerCount;
+  CUTLAYER* pLayers;
+} CUTDATA;
+
+/* Sets every field of the record to 0. 1; 0 for a null record. */
+KERFLINE_API int32_t InitCutData(CUTDATA* data);
+
+/*
+ * Appends a copy of a variable (both texts copied; a null text is taken as
+ * ""). 1; 0 for a null record or entry; -3 out of memory.
+ * Add every variable before the first layer: from the second variable on,
+ * adding a variable drops the layers added so far (they are released and the
+ * record is left with no layers), as hosts of this interface have always
+ * seen it.
+ */
+KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable);
+
+/* Appends a copy of a layer. 1; 0 for a null record or layer; -3 out of memory. */
+KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer);
+
+/*
+ * Releases the arrays and the variable texts. The counts and pointers are
+ * left as they were: call InitCutData before using the record again.
+ * 1; 0 for a null record.
+ */
+KERFLINE_API int32_t FreeCutData(CUTDATA* data);
+
 /* ======================================================================
  * Evaluation
  * ====================================================================== */

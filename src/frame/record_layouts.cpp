@@ -16,3 +16,14 @@ static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnBroadcast) == 5 * kPtr);
 static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnSetWaitCursor) == 6 * kPtr);
 static_assert(sizeof(KERFLINE_HOST_HOOKS) == 7 * kPtr);
 }  // namespace
+
+namespace {
+static_assert(sizeof(CUTVAR) == 2 * kPtr);
+static_assert(sizeof(CUTLAYER) == 28);
+static_assert(offsetof(CUTDATA, abJob) == 0);
+static_assert(offsetof(CUTDATA, nVarCount) == 40);
+static_assert(offsetof(CUTDATA, pVars) == (kPtr == 8 ? 48 : 44));
+static_assert(offsetof(CUTDATA, nLayerCount) == (kPtr == 8 ? 56 : 48));
+static_assert(offsetof(CUTDATA, pLayers) == (kPtr == 8 ? 64 : 52));
+static_assert(sizeof(CUTDATA) == (kPtr == 8 ? 72 : 56));
+}  // namespace

@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "kerfline/kerfline.h"
+
+namespace {
+
+CUTLAYER layer(int first) {
+  CUTLAYER l{};
+  for (int i = 0; i < 7; ++i) l.anWords[i] = first + i;
+  return l;
+}
+
+class CutData : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::memset(&data, 0xAB, sizeof(data));
+    ASSERT_EQ(InitCutData(&data), 1);
+  }
+  void TearDown() override { EXPECT_EQ(FreeCutData(&data), 1); }
+  CUTDATA data;
+};
+
+}  // namespace
+
+TEST_F(CutData, InitClearsEveryField) {
+  const CUTDATA zero{};
+  EXPECT_EQ(std::memcmp(&data, &zero, sizeof(data)), 0);
+}
+
+TEST_F(CutData, AddVariableCopiesTheHostTexts) {
+  char name[] = "%Speed%";
+  char value[] = "40";
+  const CUTVAR var{name, value};
+  ASSERT_EQ(AddVariable(&data, &var), 1);
+  std::strcpy(name, "changed");
+  std::strcpy(value, "xx");
+  ASSERT_EQ(data.nVarCount, 1);
+  EXPECT_STREQ(data.pVars[0].pszName, "%Speed%");
+  EXPECT_STREQ(data.pVars[0].pszValue, "40");
+  EXPECT_NE(data.pVars[0].pszName, name);
+  EXPECT_NE(data.pVars[0].pszValue, value);
+}
+
+TEST_F(CutData, VariablesKeepTheirOrderAndNullTextsBecomeEmpty) {
+  const char* names[] = {"a", "b", nullptr};
+  const char* values[] = {"1", nullptr, "3"};
+  for (int i = 0; i < 3; ++i) {
+    const CUTVAR var{const_cast<char*>(names[i]), const_cast<char*>(values[i])};
+    ASSERT_EQ(AddVariable(&data, &var), 1);
+  }
+  ASSERT_EQ(data.nVarCount, 3);
+  EXPECT_STREQ(data.pVars[0].pszName, "a");
+  EXPECT_STREQ(data.pVars[1].pszValue, "");
+  EXPECT_STREQ(data.pVars[2].pszName, "");
+  EXPECT_STREQ(data.pVars[2].pszValue, "3");
+}
+
+TEST_F(CutData, LayersAreCopiedInOrder) {
+  for (int i = 0; i < 3; ++i) {
+    const CUTLAYER l = layer(10 * i);
+    ASSERT_EQ(AddLayer(&data, &l), 1);
+  }
+  ASSERT_EQ(data.nLayerCount, 3);
+  EXPECT_EQ(data.pLayers[0].anWords[0], 0);
+  EXPECT_EQ(data.pLayers[1].anWords[6], 16);
+  EXPECT_EQ(data.pLayers[2].anWords[3], 23);
+}
+
+TEST_F(CutData, ASecondVariableDropsTheLayersAddedBeforeIt) {
+  const CUTVAR a{const_cast<char*>("a"), const_cast<char*>("1")};
+  const CUTVAR b{const_cast<char*>("b"), const_cast<char*>("2")};
+  const CUTLAYER l = layer(1);
+
+  ASSERT_EQ(AddVariable(&data, &a), 1);
+  ASSERT_EQ(AddLayer(&data, &l), 1);  // kept: only one variable so far
+  ASSERT_EQ(AddLayer(&data, &l), 1);
+  ASSERT_EQ(data.nLayerCount, 2);
+
+  ASSERT_EQ(AddVariable(&data, &b), 1);
+  EXPECT_EQ(data.nLayerCount, 0);
+  EXPECT_EQ(data.pLayers, nullptr);
+  ASSERT_EQ(data.nVarCount, 2);
+  EXPECT_STREQ(data.pVars[0].pszName, "a");
+  EXPECT_STREQ(data.pVars[1].pszValue, "2");
+
+  ASSERT_EQ(AddLayer(&data, &l), 1);  // layers after the last variable stay
+  EXPECT_EQ(data.nLayerCount, 1);
+}
+
+TEST(CutDataArguments, NullRecordsAndEntries) {
+  EXPECT_EQ(InitCutData(nullptr), 0);
+  EXPECT_EQ(FreeCutData(nullptr), 0);
+  CUTDATA data{};
+  const CUTVAR var{};
+  const CUTLAYER l{};
+  EXPECT_EQ(AddVariable(nullptr, &var), 0);
+  EXPECT_EQ(AddVariable(&data, nullptr), 0);
+  EXPECT_EQ(AddLayer(nullptr, &l), 0);
+  EXPECT_EQ(AddLayer(&data, nullptr), 0);
+  EXPECT_EQ(FreeCutData(&data), 1);  // fresh record: nothing to release
+}
