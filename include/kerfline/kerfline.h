@@ -125,6 +125,27 @@ KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
  * Driver handle
  * ====================================================================== */
 
+/*
+ * Releases a block that the library allocated and handed out for release
+ * with QuickFree. A null block is accepted. Always 1.
+ */
+KERFLINE_API int32_t QuickFree(void* block);
+
+/*
+ * Fixed entries: hosts call these, and this library has nothing to do for
+ * them. They ignore whatever arguments a caller passes (C calling
+ * convention) and always return the value given.
+ */
+KERFLINE_API int32_t AddObjects(void);           /* 1 */
+KERFLINE_API int32_t Log(void);                  /* 1 */
+KERFLINE_API int32_t ReadFromDevice(void);       /* 1 */
+KERFLINE_API int32_t SerializeCutData(void);     /* 1 */
+KERFLINE_API int32_t DoDeviceSetupDlgTest(void); /* 1 */
+KERFLINE_API int32_t WriteDeviceFlags(void);     /* 1 */
+KERFLINE_API int32_t IsRemoteAvailable(void);    /* 1 */
+KERFLINE_API int32_t QuickRead(void);            /* 0 */
+KERFLINE_API int32_t ReadDeviceValsEx(void);     /* 0 */
+
 /* ======================================================================
  * Variables, tools and materials
  * ====================================================================== */
