@@ -126,6 +126,19 @@ KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
  * ====================================================================== */
 
 /*
+ * The host's handle of one open driver. The host fills szFileName and
+ * nAppMode, passes the record to InitDrv and to every later call, and ends
+ * with FreeDrv. pDrv is the library's driver document (never look inside);
+ * null while the record is closed. nAppMode 0 opens the driver in library
+ * mode (as SetDllMode does); nonzero leaves it in application mode.
+ */
+typedef struct VMV6DRV {
+  char szFileName[260];
+  void* pDrv;
+  int32_t nAppMode;
+} VMV6DRV;
+
+/*
  * Releases a block that the library allocated and handed out for release
  * with QuickFree. A null block is accepted. Always 1.
  */

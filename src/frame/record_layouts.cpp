@@ -27,3 +27,10 @@ static_assert(offsetof(CUTDATA, nLayerCount) == (kPtr == 8 ? 56 : 48));
 static_assert(offsetof(CUTDATA, pLayers) == (kPtr == 8 ? 64 : 52));
 static_assert(sizeof(CUTDATA) == (kPtr == 8 ? 72 : 56));
 }  // namespace
+
+namespace {
+static_assert(offsetof(VMV6DRV, szFileName) == 0);
+static_assert(offsetof(VMV6DRV, pDrv) == (kPtr == 8 ? 264 : 260));
+static_assert(offsetof(VMV6DRV, nAppMode) == (kPtr == 8 ? 272 : 264));
+static_assert(sizeof(VMV6DRV) == (kPtr == 8 ? 280 : 268));
+}  // namespace
