@@ -76,4 +76,16 @@ bool delete_section(std::string_view section, const std::string& file);
 // directory); exposed for callers that build messages.
 std::string resolve_file(const std::string& file);
 
+// --- Cache -----------------------------------------------------------------
+// Reads are served from parsed copies of the last few files, checked against
+// the file on disk at every call. These counters let tests and diagnostics
+// see whether a read parsed the file again.
+struct CacheStats {
+  std::uint64_t hits = 0;   // reads served from a parsed copy
+  std::uint64_t loads = 0;  // files read from disk and parsed
+};
+CacheStats cache_stats();
+// Drops every parsed copy (the counters stay).
+void clear_cache();
+
 }  // namespace kerfline::platform::ini
