@@ -28,6 +28,11 @@ struct FileIdentity {
 struct FileContents {
   std::string bytes;
   FileIdentity identity;  // of the version the bytes were read from
+  // True when the modification time lay far enough in the past at the read
+  // that any later change must give a different identity. A file changed in
+  // place within the same tick of the file system's clock keeps its size and
+  // time, so a fresh file's identity alone does not prove it unchanged.
+  bool settled = false;
 };
 
 // The identity of the file at `path`; nothing when there is no such file.

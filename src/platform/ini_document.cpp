@@ -135,21 +135,40 @@ void IniDocument::parse() {
     ++sections_.back().entry_count;
   }
 
-  for (Section& s : sections_) {
-    s.first_key = u32(key_order_.size());
-    for (std::uint32_t i = s.first_entry; i < s.first_entry + s.entry_count; ++i) {
-      if (entries_[i].eq != kNone) key_order_.push_back(i);
+}
+
+void IniDocument::build_index() const {
+  std::call_once(index_once_, [this] {
+    for (const Section& s : sections_) {
+      s.first_key = u32(key_order_.size());
+      for (std::uint32_t i = s.first_entry; i < s.first_entry + s.entry_count; ++i) {
+        if (entries_[i].eq != kNone) key_order_.push_back(i);
+      }
+      s.key_count = u32(key_order_.size()) - s.first_key;
+      std::stable_sort(key_order_.begin() + s.first_key, key_order_.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return less_no_case(key_of(entries_[a]), key_of(entries_[b]));
+      });
     }
-    s.key_count = u32(key_order_.size()) - s.first_key;
-    std::stable_sort(key_order_.begin() + s.first_key, key_order_.end(), [this](std::uint32_t a, std::uint32_t b) {
-      return less_no_case(key_of(entries_[a]), key_of(entries_[b]));
+    section_order_.resize(sections_.size());
+    std::iota(section_order_.begin(), section_order_.end(), 0u);
+    std::stable_sort(section_order_.begin(), section_order_.end(), [this](std::uint32_t a, std::uint32_t b) {
+      return less_no_case(name_of(sections_[a]), name_of(sections_[b]));
     });
-  }
-  section_order_.resize(sections_.size());
-  std::iota(section_order_.begin(), section_order_.end(), 0u);
-  std::stable_sort(section_order_.begin(), section_order_.end(), [this](std::uint32_t a, std::uint32_t b) {
-    return less_no_case(name_of(sections_[a]), name_of(sections_[b]));
   });
+}
+
+const IniDocument::Section* IniDocument::scan_section(std::string_view name) const {
+  for (const Section& s : sections_) {
+    if (cp1252::equals_no_case(name_of(s), name)) return &s;
+  }
+  return nullptr;
+}
+
+const IniDocument::Line* IniDocument::scan_key(const Section& s, std::string_view key) const {
+  for (std::uint32_t i = s.first_entry; i < s.first_entry + s.entry_count; ++i) {
+    if (entries_[i].eq != kNone && cp1252::equals_no_case(key_of(entries_[i]), key)) return &entries_[i];
+  }
+  return nullptr;
 }
 
 std::string_view IniDocument::name_of(const Section& s) const {
@@ -179,6 +198,7 @@ std::string_view IniDocument::trimmed(const Line& line) const {
 }
 
 const IniDocument::Section* IniDocument::find_section(std::string_view name) const {
+  build_index();
   const auto it = std::lower_bound(section_order_.begin(), section_order_.end(), name,
                                    [this](std::uint32_t i, std::string_view n) {
                                      return less_no_case(name_of(sections_[i]), n);
@@ -188,6 +208,7 @@ const IniDocument::Section* IniDocument::find_section(std::string_view name) con
 }
 
 const IniDocument::Line* IniDocument::find_key(const Section& s, std::string_view key) const {
+  build_index();
   const auto first = key_order_.begin() + s.first_key;
   const auto last = first + s.key_count;
   const auto it = std::lower_bound(first, last, key, [this](std::uint32_t i, std::string_view k) {
@@ -280,14 +301,14 @@ std::string IniDocument::end_of_file_prefix(std::uint32_t at) const {
 
 std::string IniDocument::with_value(std::string_view section, std::string_view key, std::string_view value) const {
   const std::string_view eol = line_ending();
-  const Section* s = find_section(section);
+  const Section* s = scan_section(section);
   if (s == nullptr) {
     std::string insert = end_of_file_prefix(text_size_);
     insert.append("[").append(section).append("]").append(eol);
     insert.append(key).append("=").append(value).append(eol);
     return apply(bytes_, {Splice{text_size_, 0, std::move(insert)}});
   }
-  if (const Line* line = find_key(*s, key)) {
+  if (const Line* line = scan_key(*s, key)) {
     // The line keeps its indentation, its line ending and the file's
     // spelling of the key; only "key=value" is written anew.
     std::uint32_t start = line->begin;
@@ -303,7 +324,7 @@ std::string IniDocument::with_value(std::string_view section, std::string_view k
 }
 
 std::string IniDocument::without_key(std::string_view section, std::string_view key) const {
-  const Section* s = find_section(section);
+  const Section* s = scan_section(section);
   if (s == nullptr) return bytes_;
   std::vector<Splice> splices;
   for (std::uint32_t i = s->first_entry; i < s->first_entry + s->entry_count; ++i) {
@@ -330,7 +351,7 @@ std::string IniDocument::with_section_lines(std::string_view section,
   const std::string_view eol = line_ending();
   std::string text;
   for (std::string_view line : lines) text.append(line).append(eol);
-  const Section* s = find_section(section);
+  const Section* s = scan_section(section);
   if (s == nullptr) {
     std::string insert = end_of_file_prefix(text_size_);
     insert.append("[").append(section).append("]").append(eol).append(text);

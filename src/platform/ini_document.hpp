@@ -12,10 +12,15 @@
 // kept but cannot be read.
 //
 // Memory is linear in the file size: the bytes plus a fixed-size record per
-// section and per non-blank, non-comment line.
+// section and per non-blank, non-comment line. Parsing is one linear pass;
+// the sorted indexes that make lookups logarithmic are built at the first
+// lookup (edits scan linearly, as they copy the file anyway), so a writer
+// that parses the file under the lock pays no sort. A document is immutable
+// once built and may be shared between threads.
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,6 +36,8 @@ class IniDocument {
   IniDocument() = default;
   // Takes the file's bytes (at most kMaxFileSize of them).
   explicit IniDocument(std::string bytes);
+  IniDocument(const IniDocument&) = delete;
+  IniDocument& operator=(const IniDocument&) = delete;
 
   [[nodiscard]] const std::string& bytes() const { return bytes_; }
 
@@ -83,13 +90,17 @@ class IniDocument {
     std::uint32_t name_end;
     std::uint32_t first_entry;  // index into entries_
     std::uint32_t entry_count;
-    std::uint32_t first_key;  // index into key_order_
-    std::uint32_t key_count;
+    mutable std::uint32_t first_key;  // index into key_order_, set by build_index
+    mutable std::uint32_t key_count;
     std::uint32_t body_end;  // start of the next header line, or end of text
   };
   static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
 
   void parse();
+  void build_index() const;
+  // The first section / key of the name in file order, by scanning.
+  [[nodiscard]] const Section* scan_section(std::string_view name) const;
+  [[nodiscard]] const Line* scan_key(const Section& s, std::string_view key) const;
   [[nodiscard]] std::string_view name_of(const Section& s) const;
   [[nodiscard]] std::string_view key_of(const Line& line) const;
   [[nodiscard]] std::string_view value_of(const Line& line) const;
@@ -105,8 +116,9 @@ class IniDocument {
   std::uint32_t text_size_ = 0;  // bytes_ without an ignored final NUL
   std::vector<Line> entries_;       // non-comment lines inside sections
   std::vector<Section> sections_;   // in file order
-  std::vector<std::uint32_t> section_order_;  // sections_ sorted by name, stable
-  std::vector<std::uint32_t> key_order_;      // per section: key lines sorted by name, stable
+  mutable std::once_flag index_once_;
+  mutable std::vector<std::uint32_t> section_order_;  // sections_ sorted by name, stable
+  mutable std::vector<std::uint32_t> key_order_;      // per section: key lines sorted by name, stable
 };
 
 // The value with one pair of matching surrounding quotes ("x" or 'x') removed.

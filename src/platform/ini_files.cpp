@@ -20,25 +20,31 @@ namespace {
 using Document = std::shared_ptr<const IniDocument>;
 
 // The parsed copies of the files read last, most recent first. A copy is
-// used only while the file still has the identity it was read with.
+// used only while the file still has the identity it was read with; a copy
+// of a file whose time was too fresh to prove it unchanged ("unsettled") is
+// checked against the bytes on disk before use.
 class DocumentCache {
  public:
-  Document find(const std::string& path, const file_io::FileIdentity& identity) {
+  struct Found {
+    Document document;
+    bool settled = false;
+  };
+
+  Found find(const std::string& path, const file_io::FileIdentity& identity) {
     std::lock_guard<std::mutex> lock(mutex_);
     for (auto it = entries_.begin(); it != entries_.end(); ++it) {
       if (it->path != path) continue;
-      if (!(it->identity == identity)) return nullptr;
+      if (!(it->identity == identity)) return {};
       entries_.splice(entries_.begin(), entries_, it);
-      hits_.fetch_add(1, std::memory_order_relaxed);
-      return entries_.front().document;
+      return {entries_.front().document, entries_.front().settled};
     }
-    return nullptr;
+    return {};
   }
 
-  void store(const std::string& path, const file_io::FileIdentity& identity, Document document) {
+  void store(const std::string& path, const file_io::FileIdentity& identity, Document document, bool settled) {
     std::lock_guard<std::mutex> lock(mutex_);
     entries_.remove_if([&path](const Entry& e) { return e.path == path; });
-    entries_.push_front(Entry{path, identity, std::move(document)});
+    entries_.push_front(Entry{path, identity, std::move(document), settled});
     if (entries_.size() > kCapacity) entries_.pop_back();
   }
 
@@ -47,6 +53,7 @@ class DocumentCache {
     entries_.clear();
   }
 
+  void count_hit() { hits_.fetch_add(1, std::memory_order_relaxed); }
   void count_load() { loads_.fetch_add(1, std::memory_order_relaxed); }
   CacheStats stats() const { return CacheStats{hits_.load(), loads_.load()}; }
 
@@ -56,6 +63,7 @@ class DocumentCache {
     std::string path;
     file_io::FileIdentity identity;
     Document document;
+    bool settled;
   };
   std::mutex mutex_;
   std::list<Entry> entries_;
@@ -74,12 +82,23 @@ Document load(const std::string& path) {
   if (path.empty()) return nullptr;
   auto identity = file_io::identify(path);
   if (!identity.ok() || !identity.value()) return nullptr;
-  if (Document cached = cache().find(path, *identity.value())) return cached;
+  const DocumentCache::Found cached = cache().find(path, *identity.value());
+  if (cached.document && cached.settled) {
+    cache().count_hit();
+    return cached.document;
+  }
   auto contents = file_io::read_whole(path, kMaxFileSize);
   if (!contents.ok() || !contents.value()) return nullptr;
-  cache().count_load();
-  auto document = std::make_shared<const IniDocument>(std::move(contents.value()->bytes));
-  cache().store(path, contents.value()->identity, document);
+  file_io::FileContents& read = *contents.value();
+  Document document;
+  if (cached.document && cached.document->bytes() == read.bytes) {
+    cache().count_hit();
+    document = cached.document;
+  } else {
+    cache().count_load();
+    document = std::make_shared<const IniDocument>(std::move(read.bytes));
+  }
+  cache().store(path, read.identity, document, read.settled);
   return document;
 }
 
@@ -96,22 +115,16 @@ bool modify(const std::string& file, const std::function<std::string(const IniDo
 
   auto lock = file_io::lock_exclusive(path);
   if (!lock.ok()) return false;
-  Document current;
-  auto identity = file_io::identify(path);
-  if (!identity.ok() || !identity.value()) return false;
-  current = cache().find(path, *identity.value());
-  if (!current) {
-    auto contents = file_io::read_whole(path, kMaxFileSize);
-    if (!contents.ok() || !contents.value()) return false;
-    cache().count_load();
-    current = std::make_shared<const IniDocument>(std::move(contents.value()->bytes));
-  }
+  const Document current = load(path);
+  if (!current) return false;
 
   std::string updated = edit(*current);
   if (existed && updated == current->bytes()) return true;
   auto written = file_io::replace_atomically(path, updated);
   if (!written.ok()) return false;
-  cache().store(path, written.value(), std::make_shared<const IniDocument>(std::move(updated)));
+  // Our writers always replace the file, so this version changes only by
+  // being replaced: its identity is proof enough.
+  cache().store(path, written.value(), std::make_shared<const IniDocument>(std::move(updated)), true);
   return true;
 }
 

@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,6 +23,17 @@ FileIdentity identity_of(const struct stat& st) {
   id.size = static_cast<std::uint64_t>(st.st_size);
   id.mtime_ns = static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
   return id;
+}
+
+// File times come from a clock that ticks every few milliseconds (or every
+// second or two on file systems that keep whole seconds); a file whose time
+// is older than a few ticks cannot change without its time changing.
+bool settled_at_read(const FileIdentity& id) {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  const std::int64_t now_ns = static_cast<std::int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
+  const std::int64_t margin_ns = id.mtime_ns % 1000000000 == 0 ? 2100000000 : 30000000;
+  return now_ns - id.mtime_ns > margin_ns;
 }
 
 bool absent(int code) { return code == ENOENT || code == ENOTDIR; }
@@ -106,6 +118,7 @@ Result<std::optional<FileContents>> read_whole(const std::string& path, std::uin
 
   FileContents contents;
   contents.identity = identity_of(st);
+  contents.settled = settled_at_read(contents.identity);
   contents.bytes.resize(static_cast<std::size_t>(st.st_size));
   std::size_t got = 0;
   for (;;) {
