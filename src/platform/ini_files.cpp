@@ -78,11 +78,30 @@ DocumentCache& cache() {
 
 // The file as it is on disk now; null when it is missing or cannot be read
 // (both read as a missing file, as Windows does).
+std::string spelled_path(const std::string& file);
+
+Document load_at(const std::string& path, const file_io::FileIdentity& identity);
+
 Document load(const std::string& path) {
   if (path.empty()) return nullptr;
   auto identity = file_io::identify(path);
   if (!identity.ok() || !identity.value()) return nullptr;
-  const DocumentCache::Found cached = cache().find(path, *identity.value());
+  return load_at(path, *identity.value());
+}
+
+// A file named by the caller: one stat when it exists as spelled, the
+// case-insensitive search only when it does not.
+Document load_file(const std::string& file) {
+  if (file.empty()) return nullptr;
+  const std::string path = spelled_path(file);
+  auto identity = file_io::identify(path);
+  if (identity.ok() && identity.value()) return load_at(path, *identity.value());
+  if (auto found = resolve_case_insensitive(path)) return load(*found);
+  return nullptr;
+}
+
+Document load_at(const std::string& path, const file_io::FileIdentity& identity) {
+  const DocumentCache::Found cached = cache().find(path, identity);
   if (cached.document && cached.settled) {
     cache().count_hit();
     return cached.document;
@@ -175,10 +194,16 @@ std::vector<std::string> to_strings(const std::vector<std::string_view>& views) 
 
 }  // namespace
 
+namespace {
+// The path as the caller spelled it: a bare name in the suite directory.
+std::string spelled_path(const std::string& file) {
+  return file.find_first_of("/\\") == std::string::npos ? join_path(home_dir(), file) : native_separators(file);
+}
+}  // namespace
+
 std::string resolve_file(const std::string& file) {
   if (file.empty()) return {};
-  std::string path = file.find_first_of("/\\") == std::string::npos ? join_path(home_dir(), file)
-                                                                     : native_separators(file);
+  std::string path = spelled_path(file);
   if (!path_exists(path)) {
     if (auto found = resolve_case_insensitive(path)) path = std::move(*found);
   }
@@ -187,7 +212,7 @@ std::string resolve_file(const std::string& file) {
 
 std::uint32_t get_string(const char* section, const char* key, const char* default_value, char* buffer,
                          std::uint32_t size, const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   if (section == nullptr) return copy_list(doc ? doc->section_name_list() : std::string(), buffer, size, !doc);
   if (key == nullptr) {
     const std::string keys = doc ? doc->key_name_list(section) : std::string();
@@ -202,20 +227,20 @@ std::uint32_t get_string(const char* section, const char* key, const char* defau
 std::uint32_t get_int(const char* section, const char* key, std::int32_t default_value, const std::string& file) {
   const auto fallback = static_cast<std::uint32_t>(default_value);
   if (section == nullptr || key == nullptr) return fallback;
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   const auto value = doc ? doc->find_value(section, key) : std::nullopt;
   if (!value || unquote(*value).empty()) return fallback;
   return parse_int(unquote(*value));
 }
 
 std::uint32_t get_section(const char* section, char* buffer, std::uint32_t size, const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   if (section == nullptr || !doc) return copy_list({}, buffer, size, !doc);
   return copy_list(doc->section_line_list(section), buffer, size, false);
 }
 
 std::uint32_t get_section_names(char* buffer, std::uint32_t size, const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   return copy_list(doc ? doc->section_name_list() : std::string(), buffer, size, !doc);
 }
 
@@ -242,7 +267,7 @@ std::string read_string(std::string_view section, std::string_view key, std::str
 }
 
 std::optional<std::string> find_string(std::string_view section, std::string_view key, const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   const auto value = doc ? doc->find_value(section, key) : std::nullopt;
   if (!value) return std::nullopt;
   return std::string(unquote(*value));
@@ -250,24 +275,24 @@ std::optional<std::string> find_string(std::string_view section, std::string_vie
 
 std::int32_t read_int(std::string_view section, std::string_view key, std::int32_t default_value,
                       const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   const auto value = doc ? doc->find_value(section, key) : std::nullopt;
   if (!value || unquote(*value).empty()) return default_value;
   return static_cast<std::int32_t>(parse_int(unquote(*value)));
 }
 
 std::vector<std::string> read_section_names(const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   return doc ? to_strings(doc->section_names()) : std::vector<std::string>{};
 }
 
 std::vector<std::string> read_key_names(std::string_view section, const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   return doc ? to_strings(doc->key_names(section)) : std::vector<std::string>{};
 }
 
 std::vector<std::string> read_section(std::string_view section, const std::string& file) {
-  const Document doc = load(resolve_file(file));
+  const Document doc = load_file(file);
   return doc ? to_strings(doc->section_lines(section)) : std::vector<std::string>{};
 }
 
