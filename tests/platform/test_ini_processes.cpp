@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <random>
@@ -108,6 +109,28 @@ TEST(IniConcurrency, FourProcessesLoseNoKey) {
     EXPECT_EQ(ini::read_int("Writer" + std::to_string(w), "count", -1, file.path()), kKeysPerWriter);
   }
   EXPECT_EQ(file.bytes().rfind("; shared by four writers\r\n[Shared]\r\nw", 0), 0u);
+}
+
+TEST(IniConcurrency, ThreadsOfOneProcessWriteAndReadTogether) {
+  IniFile file;
+  constexpr int kThreads = 4;
+  constexpr int kKeys = 40;
+  std::vector<std::thread> threads;
+  std::atomic<bool> torn{false};
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < kKeys; ++i) {
+        ini::write_value("T", key_name(t, i), std::to_string(i), file.path());
+        // Whatever another thread did meanwhile, our own keys are all there.
+        for (int j = 0; j <= i; ++j) {
+          if (ini::read_int("T", key_name(t, j), -1, file.path()) != j) torn = true;
+        }
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_FALSE(torn);
+  EXPECT_EQ(ini::read_key_names("T", file.path()).size(), static_cast<std::size_t>(kThreads * kKeys));
 }
 
 TEST(IniCrash, KilledWriterLeavesAWholeFileWithEveryReturnedWrite) {
