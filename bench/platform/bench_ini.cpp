@@ -20,12 +20,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kKeys[] = {"DevOut", "DevPortType", "DevDriver", "DevWidth", "DevComSettings", "DevSpooler"};
+constexpr const char* kKeys[] = {"DevOut",   "DevPortType",    "DevDriver",
+                                 "DevWidth", "DevComSettings", "DevSpooler"};
 
 // One plotman.ini per device count, removed at exit.
 class Files {
  public:
-  Files() : dir_(fs::temp_directory_path() / ("kerfline-bench-ini-" + std::to_string(std::random_device{}()))) {
+  Files()
+      : dir_(fs::temp_directory_path() / ("kerfline-bench-ini-" + std::to_string(std::random_device{}()))) {
     fs::create_directories(dir_);
   }
   ~Files() {
@@ -46,8 +48,8 @@ class Files {
           << "DevDriver=Graphtec CE6000-" << i << ".vdv\r\nDevWidth=" << 12000 + i << "\r\n"
           << "DevComSettings=9600,n,8,1,p\r\nDevSpooler=1\r\nDevSpoolDir=Spooler\\SL_Cutter " << i << "\r\n"
           << "DevLength=50000\r\nDevOffsetX=0\r\nDevOffsetY=0\r\nDevTool=1\r\nDevSpeed=400\r\n"
-          << "DevPressure=120\r\nDevCopies=1\r\nDevRotate=0\r\nDevMirror=0\r\nDevIPAddress=192.168.0." << i % 250
-          << "\r\nDevIPPort=9100\r\nDevUsbName=\r\nDevFlags=0x0010\r\n";
+          << "DevPressure=120\r\nDevCopies=1\r\nDevRotate=0\r\nDevMirror=0\r\nDevIPAddress=192.168.0."
+          << i % 250 << "\r\nDevIPPort=9100\r\nDevUsbName=\r\nDevFlags=0x0010\r\n";
     }
     out.close();
     // Old enough that the cache trusts the file's identity.
@@ -77,21 +79,23 @@ void BM_CachedEngine(benchmark::State& state) {
   const auto names = device_names(devices);
   std::vector<char> buffer(64 * 1024);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(ini::get_section("DeviceNames", buffer.data(), static_cast<std::uint32_t>(buffer.size()), path));
+    benchmark::DoNotOptimize(
+        ini::get_section("DeviceNames", buffer.data(), static_cast<std::uint32_t>(buffer.size()), path));
     for (const std::string& name : names) {
       char value[256];
       benchmark::DoNotOptimize(ini::get_string(name.c_str(), "DevOut", "", value, sizeof value, path));
       benchmark::DoNotOptimize(ini::get_int(name.c_str(), "DevPortType", 0, path));
       benchmark::DoNotOptimize(ini::get_string(name.c_str(), "DevDriver", "", value, sizeof value, path));
       benchmark::DoNotOptimize(ini::get_int(name.c_str(), "DevWidth", 0, path));
-      benchmark::DoNotOptimize(ini::get_string(name.c_str(), "DevComSettings", "", value, sizeof value, path));
+      benchmark::DoNotOptimize(
+          ini::get_string(name.c_str(), "DevComSettings", "", value, sizeof value, path));
       benchmark::DoNotOptimize(ini::get_int(name.c_str(), "DevSpooler", 0, path));
     }
   }
   state.SetItemsProcessed(state.iterations() * devices * 6);
   state.counters["per_device"] =
-      benchmark::Counter(static_cast<double>(devices), benchmark::Counter::kIsIterationInvariantRate |
-                                                           benchmark::Counter::kInvert);
+      benchmark::Counter(static_cast<double>(devices),
+                         benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 // The baseline: the whole file read and scanned line by line for each key,
@@ -134,8 +138,8 @@ void BM_ReparseBaseline(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * devices * 6);
   state.counters["per_device"] =
-      benchmark::Counter(static_cast<double>(devices), benchmark::Counter::kIsIterationInvariantRate |
-                                                           benchmark::Counter::kInvert);
+      benchmark::Counter(static_cast<double>(devices),
+                         benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 // Our own parser without the cache: read, parse, one lookup, for each key.

@@ -57,7 +57,8 @@ std::string read_string(std::string_view section, std::string_view key, std::str
                         const std::string& file);
 
 // The value, or nothing when the key is missing.
-std::optional<std::string> find_string(std::string_view section, std::string_view key, const std::string& file);
+std::optional<std::string> find_string(std::string_view section, std::string_view key,
+                                       const std::string& file);
 
 // get_int with the result read as signed.
 std::int32_t read_int(std::string_view section, std::string_view key, std::int32_t default_value,
@@ -68,7 +69,8 @@ std::vector<std::string> read_key_names(std::string_view section, const std::str
 // The section's lines as get_section returns them ("k=v", trimmed).
 std::vector<std::string> read_section(std::string_view section, const std::string& file);
 
-bool write_value(std::string_view section, std::string_view key, std::string_view value, const std::string& file);
+bool write_value(std::string_view section, std::string_view key, std::string_view value,
+                 const std::string& file);
 bool delete_key(std::string_view section, std::string_view key, const std::string& file);
 bool delete_section(std::string_view section, const std::string& file);
 

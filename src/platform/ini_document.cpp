@@ -23,7 +23,8 @@ struct Splice {
 // The text with the splices applied; they are sorted by position and do not
 // overlap. Bytes past `text_size` (an ignored final NUL) stay at the end.
 std::string apply(const std::string& bytes, std::vector<Splice> splices) {
-  std::stable_sort(splices.begin(), splices.end(), [](const Splice& a, const Splice& b) { return a.at < b.at; });
+  std::stable_sort(splices.begin(), splices.end(),
+                   [](const Splice& a, const Splice& b) { return a.at < b.at; });
   std::size_t grow = 0;
   for (const Splice& s : splices) grow += s.insert.size();
   std::string out;
@@ -64,10 +65,17 @@ std::uint32_t parse_int(std::string_view value) {
   std::uint32_t base = 10;
   if (i + 1 < n && value[i] == '0') {
     switch (value[i + 1]) {
-      case 'x': base = 16; break;
-      case 'o': base = 8; break;
-      case 'b': base = 2; break;
-      default: break;
+      case 'x':
+        base = 16;
+        break;
+      case 'o':
+        base = 8;
+        break;
+      case 'b':
+        base = 2;
+        break;
+      default:
+        break;
     }
     if (base != 10) i += 2;
   }
@@ -124,7 +132,8 @@ void IniDocument::parse() {
         while (nb < ne && is_space(p[nb])) ++nb;
         while (ne > nb && is_space(p[ne - 1])) --ne;
         if (!sections_.empty()) sections_.back().body_end = begin;
-        sections_.push_back(Section{Line{begin, end, next, kNone}, nb, ne, u32(entries_.size()), 0, 0, 0, text_size_});
+        sections_.push_back(
+            Section{Line{begin, end, next, kNone}, nb, ne, u32(entries_.size()), 0, 0, 0, text_size_});
         continue;
       }
     }
@@ -134,7 +143,6 @@ void IniDocument::parse() {
     entries_.push_back(Line{begin, end, next, eq_at});
     ++sections_.back().entry_count;
   }
-
 }
 
 void IniDocument::build_index() const {
@@ -145,9 +153,10 @@ void IniDocument::build_index() const {
         if (entries_[i].eq != kNone) key_order_.push_back(i);
       }
       s.key_count = u32(key_order_.size()) - s.first_key;
-      std::stable_sort(key_order_.begin() + s.first_key, key_order_.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return less_no_case(key_of(entries_[a]), key_of(entries_[b]));
-      });
+      std::stable_sort(key_order_.begin() + s.first_key, key_order_.end(),
+                       [this](std::uint32_t a, std::uint32_t b) {
+                         return less_no_case(key_of(entries_[a]), key_of(entries_[b]));
+                       });
     }
     section_order_.resize(sections_.size());
     std::iota(section_order_.begin(), section_order_.end(), 0u);
@@ -199,10 +208,9 @@ std::string_view IniDocument::trimmed(const Line& line) const {
 
 const IniDocument::Section* IniDocument::find_section(std::string_view name) const {
   build_index();
-  const auto it = std::lower_bound(section_order_.begin(), section_order_.end(), name,
-                                   [this](std::uint32_t i, std::string_view n) {
-                                     return less_no_case(name_of(sections_[i]), n);
-                                   });
+  const auto it = std::lower_bound(
+      section_order_.begin(), section_order_.end(), name,
+      [this](std::uint32_t i, std::string_view n) { return less_no_case(name_of(sections_[i]), n); });
   if (it == section_order_.end() || !cp1252::equals_no_case(name_of(sections_[*it]), name)) return nullptr;
   return &sections_[*it];
 }
@@ -220,7 +228,8 @@ const IniDocument::Line* IniDocument::find_key(const Section& s, std::string_vie
 
 bool IniDocument::has_section(std::string_view section) const { return find_section(section) != nullptr; }
 
-std::optional<std::string_view> IniDocument::find_value(std::string_view section, std::string_view key) const {
+std::optional<std::string_view> IniDocument::find_value(std::string_view section,
+                                                        std::string_view key) const {
   const Section* s = find_section(section);
   if (s == nullptr) return std::nullopt;
   const Line* line = find_key(*s, key);
@@ -256,7 +265,8 @@ std::vector<std::string_view> IniDocument::section_lines(std::string_view sectio
   const Section* s = find_section(section);
   if (s == nullptr) return out;
   out.reserve(s->entry_count);
-  for (std::uint32_t i = s->first_entry; i < s->first_entry + s->entry_count; ++i) out.push_back(trimmed(entries_[i]));
+  for (std::uint32_t i = s->first_entry; i < s->first_entry + s->entry_count; ++i)
+    out.push_back(trimmed(entries_[i]));
   return out;
 }
 
@@ -275,7 +285,9 @@ std::string join_with_nuls(const std::vector<std::string_view>& items) {
 }  // namespace
 
 std::string IniDocument::section_name_list() const { return join_with_nuls(section_names()); }
-std::string IniDocument::key_name_list(std::string_view section) const { return join_with_nuls(key_names(section)); }
+std::string IniDocument::key_name_list(std::string_view section) const {
+  return join_with_nuls(key_names(section));
+}
 std::string IniDocument::section_line_list(std::string_view section) const {
   return join_with_nuls(section_lines(section));
 }
@@ -293,13 +305,15 @@ std::uint32_t IniDocument::append_point(const Section& s) const {
 }
 
 std::string IniDocument::end_of_file_prefix(std::uint32_t at) const {
-  if (at == text_size_ && text_size_ > 0 && bytes_[text_size_ - 1] != '\n' && bytes_[text_size_ - 1] != '\r') {
+  if (at == text_size_ && text_size_ > 0 && bytes_[text_size_ - 1] != '\n' &&
+      bytes_[text_size_ - 1] != '\r') {
     return std::string(line_ending());
   }
   return {};
 }
 
-std::string IniDocument::with_value(std::string_view section, std::string_view key, std::string_view value) const {
+std::string IniDocument::with_value(std::string_view section, std::string_view key,
+                                    std::string_view value) const {
   const std::string_view eol = line_ending();
   const Section* s = scan_section(section);
   if (s == nullptr) {

@@ -43,7 +43,8 @@ class IniDocument {
 
   [[nodiscard]] bool has_section(std::string_view section) const;
   // The value of the key as written (trimmed, quotes kept), or nothing.
-  [[nodiscard]] std::optional<std::string_view> find_value(std::string_view section, std::string_view key) const;
+  [[nodiscard]] std::optional<std::string_view> find_value(std::string_view section,
+                                                           std::string_view key) const;
 
   // Lists as the profile functions give them, each item followed by a NUL
   // ("a\0b\0"; the caller adds the final extra NUL).
@@ -60,7 +61,8 @@ class IniDocument {
   // --- Edits: each returns the bytes of the changed file. ---
   // Changes the key in place, or adds it after the section's last line, or
   // adds the section at the end of the file.
-  [[nodiscard]] std::string with_value(std::string_view section, std::string_view key, std::string_view value) const;
+  [[nodiscard]] std::string with_value(std::string_view section, std::string_view key,
+                                       std::string_view value) const;
   // Removes every line of the key in the section (the file is unchanged when
   // there is none).
   [[nodiscard]] std::string without_key(std::string_view section, std::string_view key) const;
@@ -113,9 +115,9 @@ class IniDocument {
   [[nodiscard]] std::string end_of_file_prefix(std::uint32_t at) const;
 
   std::string bytes_;
-  std::uint32_t text_size_ = 0;  // bytes_ without an ignored final NUL
-  std::vector<Line> entries_;       // non-comment lines inside sections
-  std::vector<Section> sections_;   // in file order
+  std::uint32_t text_size_ = 0;    // bytes_ without an ignored final NUL
+  std::vector<Line> entries_;      // non-comment lines inside sections
+  std::vector<Section> sections_;  // in file order
   mutable std::once_flag index_once_;
   mutable std::vector<std::uint32_t> section_order_;  // sections_ sorted by name, stable
   mutable std::vector<std::uint32_t> key_order_;      // per section: key lines sorted by name, stable

@@ -41,7 +41,8 @@ class DocumentCache {
     return {};
   }
 
-  void store(const std::string& path, const file_io::FileIdentity& identity, Document document, bool settled) {
+  void store(const std::string& path, const file_io::FileIdentity& identity, Document document,
+             bool settled) {
     std::lock_guard<std::mutex> lock(mutex_);
     entries_.remove_if([&path](const Entry& e) { return e.path == path; });
     entries_.push_front(Entry{path, identity, std::move(document), settled});
@@ -197,7 +198,8 @@ std::vector<std::string> to_strings(const std::vector<std::string_view>& views) 
 namespace {
 // The path as the caller spelled it: a bare name in the suite directory.
 std::string spelled_path(const std::string& file) {
-  return file.find_first_of("/\\") == std::string::npos ? join_path(home_dir(), file) : native_separators(file);
+  return file.find_first_of("/\\") == std::string::npos ? join_path(home_dir(), file)
+                                                        : native_separators(file);
 }
 }  // namespace
 
@@ -213,7 +215,8 @@ std::string resolve_file(const std::string& file) {
 std::uint32_t get_string(const char* section, const char* key, const char* default_value, char* buffer,
                          std::uint32_t size, const std::string& file) {
   const Document doc = load_file(file);
-  if (section == nullptr) return copy_list(doc ? doc->section_name_list() : std::string(), buffer, size, !doc);
+  if (section == nullptr)
+    return copy_list(doc ? doc->section_name_list() : std::string(), buffer, size, !doc);
   if (key == nullptr) {
     const std::string keys = doc ? doc->key_name_list(section) : std::string();
     if (keys.empty()) return copy_default(default_value, buffer, size);
@@ -224,7 +227,8 @@ std::uint32_t get_string(const char* section, const char* key, const char* defau
   return copy_default(default_value, buffer, size);
 }
 
-std::uint32_t get_int(const char* section, const char* key, std::int32_t default_value, const std::string& file) {
+std::uint32_t get_int(const char* section, const char* key, std::int32_t default_value,
+                      const std::string& file) {
   const auto fallback = static_cast<std::uint32_t>(default_value);
   if (section == nullptr || key == nullptr) return fallback;
   const Document doc = load_file(file);
@@ -266,7 +270,8 @@ std::string read_string(std::string_view section, std::string_view key, std::str
   return std::string(trim_right(default_value));
 }
 
-std::optional<std::string> find_string(std::string_view section, std::string_view key, const std::string& file) {
+std::optional<std::string> find_string(std::string_view section, std::string_view key,
+                                       const std::string& file) {
   const Document doc = load_file(file);
   const auto value = doc ? doc->find_value(section, key) : std::nullopt;
   if (!value) return std::nullopt;
@@ -296,7 +301,8 @@ std::vector<std::string> read_section(std::string_view section, const std::strin
   return doc ? to_strings(doc->section_lines(section)) : std::vector<std::string>{};
 }
 
-bool write_value(std::string_view section, std::string_view key, std::string_view value, const std::string& file) {
+bool write_value(std::string_view section, std::string_view key, std::string_view value,
+                 const std::string& file) {
   return modify(file, [&](const IniDocument& doc) { return doc.with_value(section, key, value); });
 }
 

@@ -23,7 +23,8 @@ class IniFile {
   [[nodiscard]] bool exists() const { return std::filesystem::exists(path_); }
   // Moves the file's time into the past, as for a file nobody touched lately.
   void age() const {
-    std::filesystem::last_write_time(path_, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    std::filesystem::last_write_time(path_,
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   }
 
  private:

@@ -49,7 +49,8 @@ TEST(IniMalformed, BinaryFileReadsAndWritesSafely) {
 TEST(IniMalformed, MegabyteLines) {
   IniFile file;
   const std::string big(1 << 20, 'x');
-  file.put("[s]\r\nbig=" + big + "\r\n" + big + "\r\n[" + big + "]\r\nk=in big section\r\n[t]\r\nafter=1\r\n");
+  file.put("[s]\r\nbig=" + big + "\r\n" + big + "\r\n[" + big +
+           "]\r\nk=in big section\r\n[t]\r\nafter=1\r\n");
   EXPECT_EQ(ini::read_string("s", "big", "", file.path()), big);
   std::vector<char> buffer(100);
   EXPECT_EQ(ini::get_string("s", "big", "", buffer.data(), 100, file.path()), 99u);
@@ -65,12 +66,14 @@ TEST(IniMalformed, HundredThousandSections) {
   IniFile file;
   constexpr int kSections = 100000;
   std::string text;
-  for (int i = 0; i < kSections; ++i) text += "[s" + std::to_string(i) + "]\r\nk=" + std::to_string(i) + "\r\n";
+  for (int i = 0; i < kSections; ++i)
+    text += "[s" + std::to_string(i) + "]\r\nk=" + std::to_string(i) + "\r\n";
   file.put(text);
   const auto names = ini::read_section_names(file.path());
   ASSERT_EQ(names.size(), static_cast<std::size_t>(kSections));
   EXPECT_EQ(names.back(), "s99999");
-  for (int i = 0; i < kSections; i += 997) EXPECT_EQ(ini::read_int("S" + std::to_string(i), "K", -1, file.path()), i);
+  for (int i = 0; i < kSections; i += 997)
+    EXPECT_EQ(ini::read_int("S" + std::to_string(i), "K", -1, file.path()), i);
   std::vector<char> buffer(16);
   EXPECT_EQ(ini::get_section_names(buffer.data(), 16, file.path()), 14u);
   ASSERT_TRUE(ini::write_value("s50000", "new", "1", file.path()));

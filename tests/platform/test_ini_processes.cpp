@@ -39,7 +39,9 @@ int run_writer(const std::string& file, int writer) {
     if (!ini::write_value("Shared", key_name(writer, i), std::to_string(writer * 100000 + i), file)) return 1;
   }
   // A section of its own, added while the others still write.
-  return ini::write_value("Writer" + std::to_string(writer), "count", std::to_string(kKeysPerWriter), file) ? 0 : 1;
+  return ini::write_value("Writer" + std::to_string(writer), "count", std::to_string(kKeysPerWriter), file)
+             ? 0
+             : 1;
 }
 
 // Child: writes keys until killed, telling the parent through the pipe
@@ -56,8 +58,9 @@ const int kChildStatus = [] {
   if (role == nullptr) return 0;
   const std::string file = std::getenv("KERFLINE_INI_FILE");
   const int arg = std::atoi(std::getenv("KERFLINE_INI_ARG"));
-  const int status = std::string(role) == "writer" ? run_writer(file, arg)
-                                                   : run_crasher(file, arg, std::atoi(std::getenv("KERFLINE_INI_FD")));
+  const int status = std::string(role) == "writer"
+                         ? run_writer(file, arg)
+                         : run_crasher(file, arg, std::atoi(std::getenv("KERFLINE_INI_FD")));
   std::_Exit(status);
 }();
 

@@ -76,37 +76,26 @@ TEST_P(GetString, GivesValueOrDefaultWithWin32Count) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, GetString,
-    ::testing::Values(GetCase{"section1", "name1", "d", 64, 4, "val1"},
-                      GetCase{"SECTION1", "NAME1", "d", 64, 4, "val1"},
-                      GetCase{"section1", "name1", "d", 5, 4, "val1"},
-                      GetCase{"section1", "name1", "d", 4, 3, "val"},
-                      GetCase{"section1", "name1", "d", 1, 0, ""},
-                      GetCase{"section1", "name1", "d", 0, 0, nullptr},
-                      GetCase{"section1", "name2", "d", 64, 0, ""},
-                      GetCase{"section1", "name3", "d", 64, 1, "d"},
-                      GetCase{"section1", "name4", "d", 64, 4, "val4"},
-                      GetCase{"section1", "", "d", 64, 4, "val5"},
-                      GetCase{"section2", "key", "d", 64, 12, "spaced value"},
-                      GetCase{"section2", "quoted", "d", 64, 4, "val2"},
-                      GetCase{"section2", "single", "d", 64, 4, "val2"},
-                      GetCase{"section2", "mixed", "d", 64, 6, "\"val2'"},
-                      GetCase{"section2", "half", "d", 64, 1, "\""},
-                      GetCase{"section2", "inline", "d", 64, 4, "v ;x"},
-                      GetCase{"section2", "name", "d", 64, 1, "d"},
-                      GetCase{"section2", ";name", "d", 64, 1, "d"},
-                      GetCase{"section2", "#hash", "d", 64, 3, "yes"},
-                      GetCase{"section2", "eq", "d", 64, 3, "a=b"},
-                      GetCase{"section1", "extra", "d", 64, 1, "d"},
-                      GetCase{"section3", "dup", "d", 64, 5, "first"},
-                      GetCase{"section3", "\xE4RGER", "d", 64, 6, "umlaut"},
-                      GetCase{"section3", "[no bracket", "d", 64, 1, "d"},
-                      GetCase{"a]b", "k", "d", 64, 6, "in a]b"},
-                      GetCase{"a]b", "last", "d", 64, 3, "end"},
-                      GetCase{"", "orphan", "d", 64, 1, "d"},
-                      GetCase{"nosuch", "name1", "default  ", 64, 7, "default"},
-                      GetCase{"section1", "nosuch", nullptr, 64, 0, ""},
-                      GetCase{"section1", "nosuch", "  lead \t", 64, 6, "  lead"},
-                      GetCase{"section1", "nosuch", "default", 4, 3, "def"}),
+    ::testing::Values(
+        GetCase{"section1", "name1", "d", 64, 4, "val1"}, GetCase{"SECTION1", "NAME1", "d", 64, 4, "val1"},
+        GetCase{"section1", "name1", "d", 5, 4, "val1"}, GetCase{"section1", "name1", "d", 4, 3, "val"},
+        GetCase{"section1", "name1", "d", 1, 0, ""}, GetCase{"section1", "name1", "d", 0, 0, nullptr},
+        GetCase{"section1", "name2", "d", 64, 0, ""}, GetCase{"section1", "name3", "d", 64, 1, "d"},
+        GetCase{"section1", "name4", "d", 64, 4, "val4"}, GetCase{"section1", "", "d", 64, 4, "val5"},
+        GetCase{"section2", "key", "d", 64, 12, "spaced value"},
+        GetCase{"section2", "quoted", "d", 64, 4, "val2"}, GetCase{"section2", "single", "d", 64, 4, "val2"},
+        GetCase{"section2", "mixed", "d", 64, 6, "\"val2'"}, GetCase{"section2", "half", "d", 64, 1, "\""},
+        GetCase{"section2", "inline", "d", 64, 4, "v ;x"}, GetCase{"section2", "name", "d", 64, 1, "d"},
+        GetCase{"section2", ";name", "d", 64, 1, "d"}, GetCase{"section2", "#hash", "d", 64, 3, "yes"},
+        GetCase{"section2", "eq", "d", 64, 3, "a=b"}, GetCase{"section1", "extra", "d", 64, 1, "d"},
+        GetCase{"section3", "dup", "d", 64, 5, "first"},
+        GetCase{"section3", "\xE4RGER", "d", 64, 6, "umlaut"},
+        GetCase{"section3", "[no bracket", "d", 64, 1, "d"}, GetCase{"a]b", "k", "d", 64, 6, "in a]b"},
+        GetCase{"a]b", "last", "d", 64, 3, "end"}, GetCase{"", "orphan", "d", 64, 1, "d"},
+        GetCase{"nosuch", "name1", "default  ", 64, 7, "default"},
+        GetCase{"section1", "nosuch", nullptr, 64, 0, ""},
+        GetCase{"section1", "nosuch", "  lead \t", 64, 6, "  lead"},
+        GetCase{"section1", "nosuch", "default", 4, 3, "def"}),
     kerfline::test::RowIndex());
 
 // The list forms, with the whole buffer checked: '#' marks bytes that must
@@ -143,12 +132,18 @@ TEST_P(ListForms, FillTheBufferAsWindowsDoes) {
   std::string buffer(c.buffer.size(), '#');
   std::uint32_t result = 0;
   switch (c.kind) {
-    case ListKind::kSectionNames: result = ini::get_section_names(buffer.data(), c.size, file.path()); break;
+    case ListKind::kSectionNames:
+      result = ini::get_section_names(buffer.data(), c.size, file.path());
+      break;
     case ListKind::kNamesViaGetString:
       result = ini::get_string(nullptr, "ignored", "ignored", buffer.data(), c.size, file.path());
       break;
-    case ListKind::kKeyNames: result = ini::get_string(c.section, nullptr, "dflt ", buffer.data(), c.size, file.path()); break;
-    case ListKind::kWholeSection: result = ini::get_section(c.section, buffer.data(), c.size, file.path()); break;
+    case ListKind::kKeyNames:
+      result = ini::get_string(c.section, nullptr, "dflt ", buffer.data(), c.size, file.path());
+      break;
+    case ListKind::kWholeSection:
+      result = ini::get_section(c.section, buffer.data(), c.size, file.path());
+      break;
   }
   EXPECT_EQ(result, c.result);
   EXPECT_EQ(buffer, c.buffer);
@@ -167,7 +162,8 @@ INSTANTIATE_TEST_SUITE_P(
         ListCase{ListKind::kSectionNames, nullptr, 0, 0, "#"_b},
         ListCase{ListKind::kNamesViaGetString, nullptr, 16, 14, "section1\0secti\0\0#"_b},
         ListCase{ListKind::kNamesViaGetString, nullptr, 29, 27, "section1\0section2\0section3\0\0"_b},
-        ListCase{ListKind::kWholeSection, "section1", 40, 35, "name1=val1\0name2=\0name3\0name4=val4\0\0###"_b},
+        ListCase{ListKind::kWholeSection, "section1", 40, 35,
+                 "name1=val1\0name2=\0name3\0name4=val4\0\0###"_b},
         ListCase{ListKind::kWholeSection, "SECTION1", 24, 22, "name1=val1\0name2=\0name\0\0#"_b},
         ListCase{ListKind::kWholeSection, "section3", 16, 8, "=val5\0k\0\0###"_b},
         ListCase{ListKind::kWholeSection, "section2", 16, 0, "\0\0##"_b},
@@ -193,10 +189,11 @@ TEST(IniLists, StringFormsMatchTheBufferForms) {
   file.put(kSample);
   EXPECT_EQ(ini::read_section_names(file.path()),
             (std::vector<std::string>{"section1", "section2", "Section1", "section3", "a]b"}));
-  EXPECT_EQ(ini::read_key_names("section1", file.path()), (std::vector<std::string>{"name1", "name2", "name4"}));
+  EXPECT_EQ(ini::read_key_names("section1", file.path()),
+            (std::vector<std::string>{"name1", "name2", "name4"}));
   EXPECT_EQ(ini::read_section("section2", file.path()),
-            (std::vector<std::string>{"key \t= spaced value", "quoted=\"val2\"", "single='val2'", "mixed=\"val2'",
-                                      "half=\"", "inline=v ;x", "#hash=yes", "eq=a=b"}));
+            (std::vector<std::string>{"key \t= spaced value", "quoted=\"val2\"", "single='val2'",
+                                      "mixed=\"val2'", "half=\"", "inline=v ;x", "#hash=yes", "eq=a=b"}));
   EXPECT_EQ(ini::find_string("section2", "quoted", file.path()), "val2");
   EXPECT_EQ(ini::find_string("section1", "name2", file.path()), "");
   EXPECT_EQ(ini::find_string("section1", "name3", file.path()), std::nullopt);
@@ -222,7 +219,8 @@ TEST(IniMissingFile, ReadsAsDefaultsAndEmptyLists) {
   EXPECT_EQ(buffer, "default\0"_b);
   EXPECT_EQ(ini::get_int("s", "k", -5, file.path()), static_cast<std::uint32_t>(-5));
   EXPECT_EQ(ini::read_section_names(file.path()), std::vector<std::string>{});
-  EXPECT_EQ(ini::get_string("s", "k", "d", buffer.data(), 8, ""), 1u) << "an empty file name reads as missing";
+  EXPECT_EQ(ini::get_string("s", "k", "d", buffer.data(), 8, ""), 1u)
+      << "an empty file name reads as missing";
   EXPECT_FALSE(file.exists()) << "reading must not create the file";
 }
 
@@ -241,18 +239,17 @@ TEST_P(GetInt, ParsesLikeWindows) {
   EXPECT_EQ(ini::read_int("n", "v", 77, file.path()), static_cast<std::int32_t>(c.result));
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, GetInt,
-                         ::testing::Values(IntCase{"1", 1}, IntCase{"+1", 1}, IntCase{"-1", 4294967295u},
-                                           IntCase{"4294967296", 0}, IntCase{"4294967297", 1},
-                                           IntCase{"-4294967297", 4294967295u}, IntCase{"42A94967297", 42},
-                                           IntCase{"B4294967297", 0}, IntCase{"0X10", 0}, IntCase{"0x10", 16},
-                                           IntCase{"0xfF", 255}, IntCase{"-0x10", 0xFFFFFFF0u},
-                                           IntCase{"0o17", 15}, IntCase{"0o8", 0}, IntCase{"0b101", 5},
-                                           IntCase{"0b2", 0}, IntCase{"017", 17}, IntCase{"2147483648", 2147483648u},
-                                           IntCase{"+-1", 0}, IntCase{"-", 0}, IntCase{"\" 12\"", 12},
-                                           IntCase{"'-3'", 4294967293u}, IntCase{"12 34", 12},
-                                           IntCase{"\"\"", 77}, IntCase{"", 77}, IntCase{nullptr, 77}),
-                         kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(
+    Table, GetInt,
+    ::testing::Values(IntCase{"1", 1}, IntCase{"+1", 1}, IntCase{"-1", 4294967295u}, IntCase{"4294967296", 0},
+                      IntCase{"4294967297", 1}, IntCase{"-4294967297", 4294967295u},
+                      IntCase{"42A94967297", 42}, IntCase{"B4294967297", 0}, IntCase{"0X10", 0},
+                      IntCase{"0x10", 16}, IntCase{"0xfF", 255}, IntCase{"-0x10", 0xFFFFFFF0u},
+                      IntCase{"0o17", 15}, IntCase{"0o8", 0}, IntCase{"0b101", 5}, IntCase{"0b2", 0},
+                      IntCase{"017", 17}, IntCase{"2147483648", 2147483648u}, IntCase{"+-1", 0},
+                      IntCase{"-", 0}, IntCase{"\" 12\"", 12}, IntCase{"'-3'", 4294967293u},
+                      IntCase{"12 34", 12}, IntCase{"\"\"", 77}, IntCase{"", 77}, IntCase{nullptr, 77}),
+    kerfline::test::RowIndex());
 
 TEST(IniNulBytes, AreOrdinaryBytesExceptAtTheVeryEnd) {
   IniFile file;

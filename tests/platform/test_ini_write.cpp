@@ -67,8 +67,8 @@ INSTANTIATE_TEST_SUITE_P(
         WriteCase{"[a]", set("a", "x", "1"), true, "[a]\r\nx=1\r\n"},
         WriteCase{"", set("a", "x", "1"), true, "[a]\r\nx=1\r\n"},
         // Changed in place; everything else byte for byte.
-        WriteCase{"; c\r\norphan=1\r\n[a]\r\n  K = old ;x\r\nother = 1\r\n\r\njunk\r\n", set("a", "k", "new"), true,
-                  "; c\r\norphan=1\r\n[a]\r\n  K=new\r\nother = 1\r\n\r\njunk\r\n"},
+        WriteCase{"; c\r\norphan=1\r\n[a]\r\n  K = old ;x\r\nother = 1\r\n\r\njunk\r\n", set("a", "k", "new"),
+                  true, "; c\r\norphan=1\r\n[a]\r\n  K=new\r\nother = 1\r\n\r\njunk\r\n"},
         WriteCase{"[a]\r\nx=\0y\r\nk=1\r\n"_b, set("a", "k", "2"), true, "[a]\r\nx=\0y\r\nk=2\r\n"_b},
         WriteCase{"[a]\r\nk=1\0"_b, set("a", "n", "2"), true, "[a]\r\nk=1\r\nn=2\r\n\0"_b},
         WriteCase{"[a]\r\nk=1\r\n[A]\r\nk=2\r\n", set("a", "k", "3"), true, "[a]\r\nk=3\r\n[A]\r\nk=2\r\n"},
@@ -80,8 +80,10 @@ INSTANTIATE_TEST_SUITE_P(
         WriteCase{"[a]\r\nk=1\r\n", set("nosuch", "k", nullptr), true, "[a]\r\nk=1\r\n"},
         WriteCase{std::nullopt, set("a", "k", nullptr), true, ""},
         // Deleting sections: header and every line up to the next one.
-        WriteCase{"[a]\r\nk=1\r\n;c\r\n\r\n[b]\r\nx=2\r\n", set("a", nullptr, "ignored"), true, "[b]\r\nx=2\r\n"},
-        WriteCase{"top\r\n[a]\r\nk=1\r\n[b]\r\n[A]\r\nj=2", set("A", nullptr, nullptr), true, "top\r\n[b]\r\n"},
+        WriteCase{"[a]\r\nk=1\r\n;c\r\n\r\n[b]\r\nx=2\r\n", set("a", nullptr, "ignored"), true,
+                  "[b]\r\nx=2\r\n"},
+        WriteCase{"top\r\n[a]\r\nk=1\r\n[b]\r\n[A]\r\nj=2", set("A", nullptr, nullptr), true,
+                  "top\r\n[b]\r\n"},
         WriteCase{std::nullopt, set("a", nullptr, nullptr), true, ""},
         // A null section changes nothing.
         WriteCase{"[a]\r\nk=1\r\n", set(nullptr, "k", "v"), false, "[a]\r\nk=1\r\n"},
@@ -123,7 +125,7 @@ TEST(IniWrite, KeepsPermissionsAndLeavesNoTemporaryFiles) {
   file.put("[a]\r\n");
   ::chmod(file.path().c_str(), 0640);
   ASSERT_TRUE(ini::write_value("a", "k", "1", file.path()));
-  struct stat st{};
+  struct stat st {};
   ASSERT_EQ(::stat(file.path().c_str(), &st), 0);
   EXPECT_EQ(st.st_mode & 07777, 0640u);
   int entries = 0;
@@ -181,7 +183,8 @@ TEST(IniCache, IsBoundedAndKeepsServingEveryFile) {
     dir.write("f" + std::to_string(i) + ".ini", "[a]\r\nk=" + std::to_string(i) + "\r\n");
   }
   for (int round = 0; round < 3; ++round) {
-    for (int i = 0; i < 20; ++i) EXPECT_EQ(ini::read_int("a", "k", -1, dir.str() + "f" + std::to_string(i) + ".ini"), i);
+    for (int i = 0; i < 20; ++i)
+      EXPECT_EQ(ini::read_int("a", "k", -1, dir.str() + "f" + std::to_string(i) + ".ini"), i);
   }
   ini::clear_cache();
   EXPECT_EQ(ini::read_int("a", "k", -1, dir.str() + "f3.ini"), 3);

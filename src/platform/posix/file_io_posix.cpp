@@ -87,7 +87,7 @@ int fsync_retrying(int fd) {
 
 // A symbolic link is replaced through: the file it names is the one written.
 std::string resolve_link(const std::string& path) {
-  struct stat st{};
+  struct stat st {};
   if (::lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) return path;
   std::unique_ptr<char, decltype(&::free)> real(::realpath(path.c_str(), nullptr), &::free);
   return real ? std::string(real.get()) : path;
@@ -96,7 +96,7 @@ std::string resolve_link(const std::string& path) {
 }  // namespace
 
 Result<std::optional<FileIdentity>> identify(const std::string& path) {
-  struct stat st{};
+  struct stat st {};
   if (::stat(path.c_str(), &st) != 0) {
     if (absent(errno)) return std::optional<FileIdentity>{};
     return os_error(errno, "stat " + path);
@@ -111,7 +111,7 @@ Result<std::optional<FileContents>> read_whole(const std::string& path, std::uin
     if (absent(errno)) return std::optional<FileContents>{};
     return os_error(errno, "open " + path);
   }
-  struct stat st{};
+  struct stat st {};
   if (::fstat(fd.get(), &st) != 0) return os_error(errno, "stat " + path);
   if (!S_ISREG(st.st_mode)) return os_error(S_ISDIR(st.st_mode) ? EISDIR : EINVAL, "read " + path);
   if (static_cast<std::uint64_t>(st.st_size) > max_size) return os_error(EFBIG, "read " + path);
@@ -166,11 +166,11 @@ Result<FileIdentity> replace_atomically(const std::string& path_in, std::string_
     return os_error(code, what);
   };
 
-  struct stat old{};
+  struct stat old {};
   if (::stat(path.c_str(), &old) == 0) ::fchmod(fd.get(), old.st_mode & 07777);
   if (!write_all(fd.get(), bytes)) return fail(errno, "write " + temp);
   if (fsync_retrying(fd.get()) != 0) return fail(errno, "flush " + temp);
-  struct stat st{};
+  struct stat st {};
   if (::fstat(fd.get(), &st) != 0) return fail(errno, "stat " + temp);
   if (::close(fd.release()) != 0) return fail(errno, "close " + temp);
   if (::rename(temp.c_str(), path.c_str()) != 0) return fail(errno, "rename " + temp + " to " + path);
@@ -220,10 +220,11 @@ Result<FileLock> lock_exclusive(const std::string& path) {
       rc = ::flock(fd.get(), LOCK_EX);
     } while (rc != 0 && errno == EINTR);
     if (rc != 0) return os_error(errno, "lock " + path);
-    struct stat locked{};
-    struct stat current{};
+    struct stat locked {};
+    struct stat current {};
     if (::fstat(fd.get(), &locked) != 0) return os_error(errno, "stat " + path);
-    if (::stat(path.c_str(), &current) == 0 && current.st_dev == locked.st_dev && current.st_ino == locked.st_ino) {
+    if (::stat(path.c_str(), &current) == 0 && current.st_dev == locked.st_dev &&
+        current.st_ino == locked.st_ino) {
       return FileLock(static_cast<std::intptr_t>(fd.release()));
     }
   }
