@@ -93,6 +93,7 @@ void BM_CachedEngine(benchmark::State& state) {
     }
   }
   state.SetItemsProcessed(state.iterations() * devices * 6);
+  state.counters["file_kb"] = static_cast<double>(fs::file_size(path)) / 1024.0;
   state.counters["per_device"] =
       benchmark::Counter(static_cast<double>(devices),
                          benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
