@@ -57,7 +57,8 @@ std::string read_string(std::string_view section, std::string_view key, std::str
                         const std::string& file);
 
 // The value, or nothing when the key is missing.
-std::optional<std::string> find_string(std::string_view section, std::string_view key, const std::string& file);
+std::optional<std::string> find_string(std::string_view section, std::string_view key,
+                                       const std::string& file);
 
 // get_int with the result read as signed.
 std::int32_t read_int(std::string_view section, std::string_view key, std::int32_t default_value,
@@ -68,12 +69,25 @@ std::vector<std::string> read_key_names(std::string_view section, const std::str
 // The section's lines as get_section returns them ("k=v", trimmed).
 std::vector<std::string> read_section(std::string_view section, const std::string& file);
 
-bool write_value(std::string_view section, std::string_view key, std::string_view value, const std::string& file);
+bool write_value(std::string_view section, std::string_view key, std::string_view value,
+                 const std::string& file);
 bool delete_key(std::string_view section, std::string_view key, const std::string& file);
 bool delete_section(std::string_view section, const std::string& file);
 
 // The path a file name stands for (a bare name is a file in the suite
 // directory); exposed for callers that build messages.
 std::string resolve_file(const std::string& file);
+
+// --- Cache -----------------------------------------------------------------
+// Reads are served from parsed copies of the last few files, checked against
+// the file on disk at every call. These counters let tests and diagnostics
+// see whether a read parsed the file again.
+struct CacheStats {
+  std::uint64_t hits = 0;   // reads served from a parsed copy
+  std::uint64_t loads = 0;  // files read from disk and parsed
+};
+CacheStats cache_stats();
+// Drops every parsed copy (the counters stay).
+void clear_cache();
 
 }  // namespace kerfline::platform::ini
