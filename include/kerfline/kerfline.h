@@ -222,6 +222,87 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  * Shared data block
  * ====================================================================== */
 
+/*
+ * One 4096-byte block of data shared by every process that has the library
+ * loaded, through which one process hands a position request to another and
+ * collects the answer. It holds, in this order: flags (32 bits), blob size
+ * (32 bits), six entries of three coordinates (doubles: all first, then all
+ * second, then all third coordinates), values D, E, F (doubles), G (32-bit
+ * integer), H, I (doubles), a 512-byte blob buffer (a port path in practice)
+ * and a text buffer filling the rest of the block (a device name in
+ * practice). Everything is zero when the first process opens it.
+ *
+ * On POSIX the block is the shared-memory object "/kerfline" (mode 0600, so
+ * it is shared by the processes of one user); the environment variable
+ * KERFLINE_SHM_NAME, read once at the first call, names another block (for
+ * tests or separate installations). If the block cannot be opened the
+ * process works on a private block of its own.
+ */
+
+/* Sizes of the blob and text buffers. */
+#define KERFLINE_SHARED_BLOB_SIZE 512u
+#define KERFLINE_SHARED_TEXT_SIZE 3384u
+
+/* Flag bits as the position readers use them. */
+#define KERFLINE_SHARED_SERVER 0x01u  /* a process that serves requests is present */
+#define KERFLINE_SHARED_REQUEST 0x04u /* request pending; the server clears it when done */
+#define KERFLINE_SHARED_COORDS 0x08u  /* the request's coordinates are present (entry 1) */
+#define KERFLINE_SHARED_ANSWER 0x10u  /* answer ready (entry 1); the requester clears it */
+
+/* A run of bytes handed to or fetched from the blob buffer. */
+typedef struct SHAREDBLOB {
+  uint32_t nSize; /* number of bytes at pData */
+  void* pData;    /* the caller's bytes */
+} SHAREDBLOB;
+
+/*
+ * Runs one operation on the shared block. nArgument is, as the operation
+ * says, a bit mask or a pointer (to a double, an int32_t, a SHAREDBLOB, a
+ * text or a text buffer) cast to uintptr_t.
+ *
+ *   Code                    Action                                   Argument
+ *   1                       flags |= mask                            mask
+ *   2                       flags &= ~mask                           mask
+ *   3                       1 if every bit of mask is set, else 0    mask
+ *                           (mask 0 gives 1)
+ *   4                       copy the blob into the blob buffer and   SHAREDBLOB*
+ *                           store its size; more than 512 bytes are
+ *                           cut to 512 (the stored size is 512)
+ *   5                       copy nSize bytes (at most 512) of the    SHAREDBLOB*
+ *                           blob buffer to pData, then set nSize to
+ *                           the stored blob size
+ *   6, 14, 20, 26, 32, 38   set first coordinate of entry 1 .. 6     const double*
+ *   7, 15, 21, 27, 33, 39   set second coordinate of entry 1 .. 6    const double*
+ *   8, 16, 22, 28, 34, 40   set third coordinate of entry 1 .. 6     const double*
+ *   9, 17, 23, 29, 35, 41   get first coordinate of entry 1 .. 6     double*
+ *   10, 18, 24, 30, 36, 42  get second coordinate of entry 1 .. 6    double*
+ *   11, 19, 25, 31, 37, 43  get third coordinate of entry 1 .. 6     double*
+ *   12                      copy the text into the text buffer; a    const char*
+ *                           longer text than 3383 characters is cut
+ *   13                      copy the text buffer out with its NUL    char* (room for
+ *                                                                    3384 bytes)
+ *   44 / 45                 set / get value D                        double*
+ *   46 / 47                 set / get value E                        double*
+ *   48 / 49                 set / get value F                        double*
+ *   50 / 51                 set / get value G                        int32_t*
+ *   52 / 54                 set / get value H                        double*
+ *   53 / 55                 set / get value I                        double*
+ *
+ * Within each entry the three "set" codes come before the three "get" codes;
+ * 12 and 13 sit between entries 1 and 2; H and I are set by 52 and 53 and
+ * read by 54 and 55.
+ *
+ * Returns 0 for a code outside 1..55 (nothing changes), the test result for
+ * code 3, -2 for a null pointer where an operation needs one (or a blob
+ * pointer that is null while its size is not 0; nothing changes), -3 when
+ * memory runs out while the first call sets up the block, 1 otherwise.
+ *
+ * Flag operations are atomic, so processes setting different bits at the
+ * same time lose none; every other field is read and written without a
+ * lock. A requester writes its data before it sets the flags announcing it.
+ */
+KERFLINE_API int32_t SharedDataMan(int32_t nOperation, uintptr_t nArgument);
+
 /* ======================================================================
  * Mark data sets and mesh correction
  * ====================================================================== */
