@@ -24,7 +24,9 @@ std::size_t bounded_length(const char* text, std::size_t max) {
   return length;
 }
 
-std::atomic_ref<std::uint32_t> flags(SharedBlock& block) { return std::atomic_ref<std::uint32_t>(block.flags); }
+std::atomic_ref<std::uint32_t> flags(SharedBlock& block) {
+  return std::atomic_ref<std::uint32_t>(block.flags);
+}
 
 template <typename T>
 std::int32_t set_value(T& field, std::uintptr_t argument) {

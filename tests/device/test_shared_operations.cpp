@@ -196,7 +196,7 @@ TEST_P(BlobCode, KeepsAtMost512BytesAndReportsTheStoredSize) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, BlobCode,
-                         ::testing::Values(BlobRow{10, 4, 10, 4},  // short read, full size reported
+                         ::testing::Values(BlobRow{10, 4, 10, 4},    // short read, full size reported
                                            BlobRow{10, 20, 10, 20},  // reads past the blob, inside the buffer
                                            BlobRow{0, 8, 0, 8}, BlobRow{512, 512, 512, 512},
                                            BlobRow{513, 513, 512, 512}, BlobRow{600, 1000, 512, 512}),
