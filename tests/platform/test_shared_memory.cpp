@@ -49,18 +49,6 @@ TEST_F(SharedMemoryTest, StartsZeroAgainOnceNobodyHasItOpen) {
   EXPECT_TRUE(all_zero(*c));
 }
 
-TEST_F(SharedMemoryTest, LargerOpenGrowsWithZeros) {
-  auto small = SharedMemory::open(name_, 16);
-  ASSERT_TRUE(small);
-  std::memset(small->data(), 1, 16);
-  auto big = SharedMemory::open(name_, 8192);
-  ASSERT_TRUE(big);
-  const auto* p = static_cast<const unsigned char*>(big->data());
-  EXPECT_EQ(p[15], 1);
-  EXPECT_EQ(p[16], 0);
-  EXPECT_EQ(p[8191], 0);
-}
-
 TEST_F(SharedMemoryTest, RemoveForgetsTheName) {
   ASSERT_TRUE(SharedMemory::open(name_, 64));
   EXPECT_TRUE(SharedMemory::remove(name_));

@@ -275,15 +275,4 @@ TEST_F(JobStatistics, HighHalfAloneDoesNotCountAsStamped) {
   EXPECT_NE(key("lastResetL"), "0");
 }
 
-TEST(JobStatisticsWithoutIni, WorksInMemoryOnly) {
-  CJobStatistics s;
-  s.AddToolDist("Blade", 1.0);
-  s.SaveToolStat();
-  s.LoadToolStat();
-  s.ResetToolStat();
-  EXPECT_EQ(s.GetSize(), 1);
-  EXPECT_EQ(s.GetAt(0)->dDist, 0.0);
-  EXPECT_STRNE(s.FormatTimeString(), "");
-}
-
 }  // namespace
