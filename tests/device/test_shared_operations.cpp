@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <memory>
+#include <ostream>
 #include <vector>
 
 #include "device/shared_block.hpp"
@@ -44,6 +45,8 @@ struct FieldRow {
   std::size_t offset;  // of the field in the block
   std::size_t width;   // 8 for a double, 4 for value G
 };
+
+void PrintTo(const FieldRow& r, std::ostream* os) { *os << "code " << r.code; }
 
 // The coordinate codes as the operation table lists them, entry 1 to 6.
 constexpr int kSetFirst[] = {6, 14, 20, 26, 32, 38};
@@ -119,6 +122,10 @@ struct FlagRow {
   std::uint32_t flags;  // afterwards
 };
 
+void PrintTo(const FlagRow& r, std::ostream* os) {
+  *os << std::hex << "set " << r.set << " clear " << r.clear << " mask " << r.mask;
+}
+
 class FlagCode : public ::testing::TestWithParam<FlagRow> {};
 
 TEST_P(FlagCode, SetsClearsAndTests) {
@@ -146,6 +153,8 @@ struct BlobRow {
   std::uint32_t kept;       // bytes in the block afterwards
   std::uint32_t copied;     // bytes code 5 writes to the caller
 };
+
+void PrintTo(const BlobRow& r, std::ostream* os) { *os << "store " << r.stored << " read " << r.requested; }
 
 class BlobCode : public ::testing::TestWithParam<BlobRow> {};
 
@@ -203,6 +212,8 @@ struct TextRow {
   std::size_t length;
   std::size_t kept;
 };
+
+void PrintTo(const TextRow& r, std::ostream* os) { *os << "length " << r.length; }
 
 class TextCode : public ::testing::TestWithParam<TextRow> {};
 

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -85,6 +86,8 @@ struct DistanceRow {
   const char* text;
 };
 
+void PrintTo(const DistanceRow& r, std::ostream* os) { *os << r.text; }
+
 class DistanceFormat : public JobStatistics, public ::testing::WithParamInterface<DistanceRow> {};
 
 TEST_P(DistanceFormat, IsPrintfF) {
@@ -146,6 +149,8 @@ struct FileRow {
   const char* section;  // lines of [Cutter 1]
   Tools expected;
 };
+
+void PrintTo(const FileRow& r, std::ostream* os) { *os << std::string(r.section).substr(0, 40); }
 
 class LoadFromFile : public JobStatistics, public ::testing::WithParamInterface<FileRow> {};
 
@@ -251,6 +256,8 @@ struct StampRow {
   const char* low;
   const char* text;
 };
+
+void PrintTo(const StampRow& r, std::ostream* os) { *os << r.high << " " << r.low; }
 
 class StoredStamp : public JobStatistics, public ::testing::WithParamInterface<StampRow> {};
 
