@@ -1,14 +1,10 @@
 #include "support/tool_stat_format.hpp"
 
 #include <charconv>
-#include <cmath>
 
 namespace kerfline::support {
 
 std::string format_distance(double value) {
-  // printf spells these without digits; to_chars would agree, but says "-nan"
-  // only for some NaNs, so keep one spelling.
-  if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan";
   char buf[400];  // the longest double in fixed notation needs 317
   const auto r = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::fixed, 6);
   return std::string(buf, r.ptr);
