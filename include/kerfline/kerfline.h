@@ -139,6 +139,146 @@ typedef struct VMV6DRV {
 } VMV6DRV;
 
 /*
+ * Opens the driver named by drv->szFileName into drv->pDrv (library mode when
+ * drv->nAppMode is 0). 1 opened; -2 null record or empty file name; -3 out of
+ * memory; -4 the file could not be opened or is no readable driver (a file
+ * that cannot be opened is also shown in a message box "Kerfline error:").
+ * On -3 and -4 every field of the record is set to 0. Call FreeDrv before
+ * opening a record again: a second open loses the first document.
+ */
+KERFLINE_API int32_t InitDrv(VMV6DRV* drv);
+
+/*
+ * As InitDrv, for calls made from inside the library. On failure the record
+ * is left exactly as it was before the call.
+ */
+KERFLINE_API int32_t InitDrvS(VMV6DRV* drv);
+
+/*
+ * Gives the record a new, empty document without reading the file (the file
+ * name is not looked at). 1; -2 null record; -3 out of memory.
+ */
+KERFLINE_API int32_t InitDrvQuick(VMV6DRV* drv);
+
+/*
+ * Releases the record's document and sets pDrv to null; the file name stays.
+ * 1; -2 null record, empty file name or no document (the document, if any,
+ * then stays open).
+ */
+KERFLINE_API int32_t FreeDrv(VMV6DRV* drv);
+
+/*
+ * Writes the document to drv->szFileName (through a temporary file, so a
+ * failed write leaves the old file whole). 1, also when the write failed:
+ * that is shown in a message box "Kerfline error:". -2 null record, empty
+ * file name or no document.
+ */
+KERFLINE_API int32_t StoreDrv(VMV6DRV* drv);
+
+/* Puts the open document into library mode (there is no way back).
+   1; -2 null record or no document. */
+KERFLINE_API int32_t SetDllMode(VMV6DRV* drv);
+
+/*
+ * The name of the driver file at path: for a file whose path holds ".vdv" or
+ * ".VDV" (the older fixed-layout format) the text at the start of the file,
+ * else the driver name stored after the file header. A file that cannot be
+ * read has the empty name. When size is greater than length + 1 the name is
+ * copied with its terminator and the result is its length; otherwise nothing
+ * is copied and the result is -(length + 1) (a buffer of exactly length + 1
+ * bytes is too small). 0 for a null path or when memory is short.
+ */
+KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size);
+
+/* Name of the driver item that holds the driver's class (GetDrvClass2): a
+   plain item, anywhere in the driver's groups, whose value is the class. */
+#define KERFLINE_DRIVER_CLASS_ITEM "%DriverClass%"
+
+/*
+ * Sets *flags to 0 and then to the flags of the driver file at path (opened
+ * for the call, in library mode), or of one of its tools when toolName is not
+ * null or empty:
+ *  - driver: 0x1-0x80 "%Flags_1%"-"%Flags_8%", 0x100-0x1000 "%OutFlag_1%"-
+ *    "%OutFlag_5%", 0x2000 "%LayerVarFlag%", each set when the variable
+ *    exists and its value is a nonzero number (or "true"/"yes");
+ *  - tool: its own flag bits, plus 0x4 when its type is NOT "Transfer" and
+ *    0x8 when it is NOT "Contour" (types compared without regard to case).
+ * Files whose path holds ".vdv"/".VDV" (fixed layout) are read directly:
+ *  - driver: the byte at 350 gives 0x1-0x80, the low five bits of byte 352
+ *    give 0x100-0x1000;
+ *  - tool (six slots of 1532 bytes from offset 358, names case-sensitive):
+ *    its 16-bit flags, plus 0x4 when its type IS "Transfer" and 0x8 when it
+ *    IS "Contour" - the opposite sense of the driver file, as hosts expect.
+ * A tool that is not found gives the mask 0.
+ * 1 read; 0 the file could not be opened or read; -2 null or empty path, or
+ * null flags.
+ */
+KERFLINE_API int32_t GetFlags(const char* path, const char* toolName, uint32_t* flags);
+
+/*
+ * As GetFlags on the record's open document, except that *flags is NOT set
+ * to 0 first: the bits found are added to what it holds. 1; 0 the record has
+ * no document; -2 null record or null flags.
+ */
+KERFLINE_API int32_t GetDrvFlags(VMV6DRV* drv, const char* toolName, uint32_t* flags);
+
+/*
+ * The driver's class: the value of the item KERFLINE_DRIVER_CLASS_ITEM.
+ * Returns its length and copies it with its terminator only when the length
+ * is below size. 0 when the driver has no such item; -2 null record or no
+ * document.
+ */
+KERFLINE_API int32_t GetDrvClass2(VMV6DRV* drv, char* buffer, uint32_t size);
+
+/*
+ * As GetDrvClass2 on the driver file at path, opened for the call. When the
+ * driver cannot be opened the result is 1 and nothing is copied: a host
+ * cannot tell that from a one-character class, so it must check the buffer.
+ */
+KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size);
+
+/*
+ * Copies the standard text with number id (a variable name such as
+ * "%Flags_1%" for 9352) into buffer, which must have room for it (no length
+ * is passed). Mode 1 writes every "%I" of the name as "%". Unknown numbers
+ * give the empty text. 1; a null buffer copies nothing and gives 1.
+ */
+KERFLINE_API int32_t GetVarName(uint32_t id, int32_t mode, char* buffer);
+
+/* The name and description of a standard variable. Both texts come from the
+   C run-time allocator: release them with FreeVarDesc (or free()). */
+typedef struct VARDESC {
+  char* pszName;
+  char* pszDescription;
+} VARDESC;
+
+/*
+ * Fills desc with new copies of the text id (the name, "%I" written as "%"
+ * in mode 1) and of text id + 1 (the description, never changed). Whatever
+ * desc held before is not released. 1; 0 null record; -3 out of memory (both
+ * fields then null).
+ */
+KERFLINE_API int32_t GetVarDesc(uint32_t id, int32_t mode, VARDESC* desc);
+
+/* Releases both texts with free() and sets the fields to null.
+   1; 0 null record. */
+KERFLINE_API int32_t FreeVarDesc(VARDESC* desc);
+
+/*
+ * The text with driver texts replaced, as a new block from the C run-time
+ * allocator (release it with free()). The items of the root group are
+ * applied in order; when the first child of a group is itself a group, that
+ * group's items are applied first (only the first child is descended into).
+ * A group whose ListParam0 has bit 0x1 set replaces each item's value by its
+ * name; otherwise each item's name is replaced by its value. Occurrences are
+ * replaced left to right without rescanning the inserted text; an empty
+ * search text replaces nothing. *count (when count is not null) receives the
+ * number of replacements. Null for a null record, no document, a null text
+ * or short memory (*count is then 0).
+ */
+KERFLINE_API char* ReplaceStringsFromDriver(VMV6DRV* drv, const char* text, int32_t* count);
+
+/*
  * Releases a block that the library allocated and handed out for release
  * with QuickFree. A null block is accepted. Always 1.
  */

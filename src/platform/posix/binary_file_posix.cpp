@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <string>
@@ -50,6 +51,24 @@ Result<std::string> read_binary_file(const std::string& path) {
   char buf[65536];
   for (;;) {
     const ssize_t n = ::read(fd.get(), buf, sizeof(buf));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return os_error(errno, "read " + path);
+    }
+    if (n == 0) break;
+    out.append(buf, static_cast<std::size_t>(n));
+  }
+  return out;
+}
+
+Result<std::string> read_binary_file_head(const std::string& path, std::size_t max_bytes) {
+  Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (fd.get() < 0) return os_error(errno, "open " + path);
+  std::string out;
+  char buf[65536];
+  while (out.size() < max_bytes) {
+    const std::size_t want = std::min(sizeof(buf), max_bytes - out.size());
+    const ssize_t n = ::read(fd.get(), buf, want);
     if (n < 0) {
       if (errno == EINTR) continue;
       return os_error(errno, "read " + path);
