@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "driver/vm6drv.hpp"
+#include "driver_files.hpp"
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/temp_dir.hpp"
+#include "frame/driver_handle.hpp"
+#include "kerfline/kerfline.h"
+#include "platform/os_error.hpp"
+
+namespace drv = kerfline::driver;
+using kerfline::frame::document_of;
+using kerfline::test::HostRecorder;
+using kerfline::test::named;
+using kerfline::test::record_for;
+using kerfline::test::TempDir;
+using kerfline::test::write_driver;
+
+namespace {
+
+bool all_bytes(const VMV6DRV& drv, unsigned char value) {
+  const auto* bytes = reinterpret_cast<const unsigned char*>(&drv);
+  for (std::size_t i = 0; i < sizeof(drv); ++i) {
+    if (bytes[i] != value) return false;
+  }
+  return true;
+}
+
+class DriverHandle : public ::testing::Test {
+ protected:
+  std::string sample() {
+    return write_driver(dir, "sample.drv", [](drv::CVm6Drv& doc) {
+      doc.Root().AddChild(named("%DriverName%", "Sample Cutter"));
+      doc.Root().AddChild(named("%Speed%", "40"));
+    });
+  }
+  TempDir dir;
+  HostRecorder host;
+};
+
+}  // namespace
+
+TEST_F(DriverHandle, OpenChangeStoreFreeAndReopen) {
+  VMV6DRV drv = record_for(sample(), 1);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  drv::CVm6Drv* doc = document_of(&drv);
+  ASSERT_NE(doc, nullptr);
+  EXPECT_TRUE(doc->AppMode);
+  EXPECT_EQ(doc->PendingState, 0u);
+  ASSERT_NE(doc->FindItem("%Speed%"), nullptr);
+  EXPECT_EQ(doc->FindItem("%Speed%")->GetValue(), "40");
+
+  doc->FindItem("%Speed%")->SetValue("75");
+  doc->Root().AddChild(named("%Added%", "yes"));
+  EXPECT_EQ(StoreDrv(&drv), 1);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  EXPECT_EQ(drv.pDrv, nullptr);
+  EXPECT_STREQ(drv.szFileName, (dir.str() + "sample.drv").c_str()) << "the file name stays";
+
+  ASSERT_EQ(InitDrv(&drv), 1);
+  EXPECT_EQ(document_of(&drv)->FindItem("%Speed%")->GetValue(), "75");
+  ASSERT_NE(document_of(&drv)->FindItem("%Added%"), nullptr);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(DriverHandle, ApplicationModeZeroOpensInLibraryMode) {
+  VMV6DRV drv = record_for(sample(), 0);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  EXPECT_FALSE(document_of(&drv)->AppMode);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+
+  drv.nAppMode = 7;
+  ASSERT_EQ(InitDrvS(&drv), 1);
+  EXPECT_TRUE(document_of(&drv)->AppMode);
+  EXPECT_EQ(SetDllMode(&drv), 1);
+  EXPECT_FALSE(document_of(&drv)->AppMode);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+}
+
+TEST_F(DriverHandle, MissingFileIsShownAndClearsTheRecord) {
+  const std::string path = dir.str() + "absent.drv";
+  VMV6DRV drv = record_for(path, 1);
+  EXPECT_EQ(InitDrv(&drv), -4);
+  EXPECT_TRUE(all_bytes(drv, 0));
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
+  EXPECT_EQ(host.boxes[0].text, "Can not open driver:\n" + path + "\n\nCode = (2)\n\n" +
+                                    kerfline::platform::os_error(2, "").message);
+}
+
+TEST_F(DriverHandle, UnreadableFilesFailWithoutABoxForTheContents) {
+  const std::string cases[] = {"", "VM6DRV", "not a driver at all", std::string("VM6DRV\0\0\xff\xff", 10)};
+  for (const std::string& bytes : cases) {
+    VMV6DRV drv = record_for(dir.write("broken.drv", bytes).string(), 1);
+    EXPECT_EQ(InitDrv(&drv), -4) << bytes;
+    EXPECT_TRUE(all_bytes(drv, 0)) << bytes;
+  }
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(DriverHandle, FailedInitDrvSLeavesTheRecordAsItWas) {
+  VMV6DRV drv = record_for(dir.str() + "absent.drv", 3);
+  int marker = 0;
+  drv.pDrv = &marker;
+  const VMV6DRV before = drv;
+  EXPECT_EQ(InitDrvS(&drv), -4);
+  EXPECT_EQ(std::memcmp(&drv, &before, sizeof(drv)), 0);
+  EXPECT_EQ(host.boxes.size(), 1u);
+}
+
+TEST_F(DriverHandle, BadRecordsAreRefusedWithoutChange) {
+  EXPECT_EQ(InitDrv(nullptr), -2);
+  EXPECT_EQ(InitDrvS(nullptr), -2);
+  EXPECT_EQ(InitDrvQuick(nullptr), -2);
+  EXPECT_EQ(FreeDrv(nullptr), -2);
+  EXPECT_EQ(StoreDrv(nullptr), -2);
+  EXPECT_EQ(SetDllMode(nullptr), -2);
+
+  VMV6DRV empty{};
+  std::memset(&empty, 0x5A, sizeof(empty));
+  empty.szFileName[0] = '\0';
+  const VMV6DRV before = empty;
+  EXPECT_EQ(InitDrv(&empty), -2);
+  EXPECT_EQ(InitDrvS(&empty), -2);
+  EXPECT_EQ(std::memcmp(&empty, &before, sizeof(empty)), 0);
+
+  VMV6DRV closed = record_for(sample());
+  EXPECT_EQ(FreeDrv(&closed), -2);
+  EXPECT_EQ(StoreDrv(&closed), -2);
+  EXPECT_EQ(SetDllMode(&closed), -2);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(DriverHandle, FreeDrvNeedsTheFileNameAndKeepsTheDocumentWithout) {
+  VMV6DRV drv = record_for(sample());
+  ASSERT_EQ(InitDrv(&drv), 1);
+  void* doc = drv.pDrv;
+  drv.szFileName[0] = '\0';
+  EXPECT_EQ(FreeDrv(&drv), -2);
+  EXPECT_EQ(StoreDrv(&drv), -2);
+  EXPECT_EQ(drv.pDrv, doc);
+  drv.szFileName[0] = '/';
+  EXPECT_EQ(FreeDrv(&drv), 1);
+}
+
+TEST_F(DriverHandle, InitDrvQuickCreatesAnEmptyDocumentWithoutReading) {
+  VMV6DRV drv = record_for(dir.str() + "never-read.drv", 0);
+  ASSERT_EQ(InitDrvQuick(&drv), 1);
+  ASSERT_NE(document_of(&drv), nullptr);
+  EXPECT_FALSE(document_of(&drv)->AppMode);
+  EXPECT_TRUE(document_of(&drv)->Root().GetChildren().empty());
+  EXPECT_TRUE(host.boxes.empty());
+
+  // Storing the new document creates the file, which then opens.
+  document_of(&drv)->Root().AddChild(named("%DriverName%", "Fresh"));
+  EXPECT_EQ(StoreDrv(&drv), 1);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  EXPECT_EQ(document_of(&drv)->Title, "Fresh");
+  EXPECT_EQ(FreeDrv(&drv), 1);
+
+  VMV6DRV nameless{};
+  ASSERT_EQ(InitDrvQuick(&nameless), 1);
+  EXPECT_EQ(FreeDrv(&nameless), -2) << "a record without a file name cannot be freed";
+  delete document_of(&nameless);
+}
+
+TEST_F(DriverHandle, FailedStoreIsShownButReportsSuccess) {
+  VMV6DRV drv = record_for(dir.str() + "no-such-dir/driver.drv");
+  ASSERT_EQ(InitDrvQuick(&drv), 1);
+  EXPECT_EQ(StoreDrv(&drv), 1);
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
+  EXPECT_EQ(host.boxes[0].text.rfind("Can not write driver:\n" + dir.str() + "no-such-dir/driver.drv\n\nCode = (", 0),
+            0u)
+      << host.boxes[0].text;
+  EXPECT_EQ(FreeDrv(&drv), 1);
+}
+
+TEST(DriverHandleAccessor, DocumentOfAClosedOrNullRecordIsNull) {
+  VMV6DRV drv{};
+  EXPECT_EQ(document_of(nullptr), nullptr);
+  EXPECT_EQ(document_of(&drv), nullptr);
+}
