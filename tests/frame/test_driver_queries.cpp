@@ -1,0 +1,373 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "driver/drv_item_list.hpp"
+#include "driver/text_dictionary.hpp"
+#include "driver/vm6drv.hpp"
+#include "driver_files.hpp"
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/table_names.hpp"
+#include "fixtures/temp_dir.hpp"
+#include "frame/driver_flags.hpp"
+#include "frame/driver_handle.hpp"
+#include "frame/var_names.hpp"
+#include "kerfline/kerfline.h"
+
+namespace drv = kerfline::driver;
+namespace frame = kerfline::frame;
+using kerfline::test::HostRecorder;
+using kerfline::test::named;
+using kerfline::test::record_for;
+using kerfline::test::TempDir;
+using kerfline::test::write_driver;
+
+namespace {
+
+// A file of the older fixed layout: the name at 0, driver flag bytes at 350
+// and 352, tool slots of 1532 bytes from 358 (name, flags at 672, type at 674).
+struct VdvTool {
+  std::string name;
+  std::uint16_t flags;
+  std::string type;
+};
+
+std::string vdv_bytes(const std::string& name, std::uint8_t low, std::uint8_t high, const std::vector<VdvTool>& tools,
+                      std::size_t size = 10209) {
+  std::string bytes(size, '\0');
+  auto put = [&](std::size_t at, const std::string& text) {
+    if (at < bytes.size()) bytes.replace(at, std::min(text.size(), bytes.size() - at), text);
+  };
+  put(0, name);
+  put(350, std::string(1, static_cast<char>(low)));
+  put(352, std::string(1, static_cast<char>(high)));
+  for (std::size_t i = 0; i < tools.size(); ++i) {
+    const std::size_t slot = 358 + 1532 * i;
+    put(slot, tools[i].name);
+    put(slot + 672, {static_cast<char>(tools[i].flags & 0xFF), static_cast<char>(tools[i].flags >> 8)});
+    put(slot + 674, tools[i].type);
+  }
+  return bytes;
+}
+
+class DriverQueries : public ::testing::Test {
+ protected:
+  std::string flag_driver() {
+    return write_driver(dir, "flags.drv", [](drv::CVm6Drv& doc) {
+      auto group = named<drv::CDrvItemList>("%Flags%");
+      group->AddChild(named("%Flags_1%", "1"));
+      group->AddChild(named("%Flags_3%", "0"));
+      group->AddChild(named("%Flags_8%", " 2.5"));
+      group->AddChild(named("%OutFlag_1%", "True"));
+      group->AddChild(named("%OutFlag_4%", "no"));
+      doc.Root().AddChild(group);
+      doc.Root().AddChild(named("%OutFlag_5%", "-1"));
+      doc.Root().AddChild(named("%LayerVarFlag%", "1"));
+      doc.Root().AddChild(named("%DriverClass%", "Plotter"));
+    });
+  }
+  TempDir dir;
+  HostRecorder host;
+};
+
+}  // namespace
+
+TEST_F(DriverQueries, DriverNameNeedsOneSpareByteInBothFormats) {
+  const std::string drv_path = write_driver(dir, "named.drv", [](drv::CVm6Drv& doc) {
+    doc.Root().AddChild(named("%DriverName%", "Sample Cutter"));
+  });
+  const std::string vdv_path = dir.write("old.VDV", vdv_bytes("Old Plotter X", 0, 0, {})).string();
+  struct Row {
+    std::string path;
+    int32_t size;
+    int32_t expected;
+  };
+  const Row rows[] = {
+      {drv_path, 15, 13}, {drv_path, 14, -14}, {drv_path, 1, -14}, {drv_path, 0, -14}, {drv_path, -5, -14},
+      {vdv_path, 15, 13}, {vdv_path, 14, -14}, {vdv_path, 100, 13},
+  };
+  for (const Row& row : rows) {
+    char buffer[32];
+    std::memset(buffer, '#', sizeof(buffer));
+    EXPECT_EQ(GetDrvName(row.path.c_str(), buffer, row.size), row.expected) << row.path << " size " << row.size;
+    if (row.expected >= 0) {
+      EXPECT_STREQ(buffer, row.path == drv_path ? "Sample Cutter" : "Old Plotter X");
+    } else {
+      EXPECT_EQ(buffer[0], '#') << "nothing is copied into a short buffer";
+    }
+  }
+  char buffer[8] = "xxxxxxx";
+  EXPECT_EQ(GetDrvName(drv_path.c_str(), nullptr, 100), -14);
+  EXPECT_EQ(GetDrvName(nullptr, buffer, 8), 0);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(DriverQueries, DriverNameOfUnreadableFilesIsEmpty) {
+  const std::string unterminated(20000, 'N');
+  const std::string long_vdv = dir.write("long.vdv", unterminated).string();
+  const std::string not_vdv = dir.write("old.Vdv", vdv_bytes("Old", 0, 0, {})).string();
+  const std::string missing = dir.str() + "missing.drv";
+  char buffer[16];
+  EXPECT_EQ(GetDrvName(long_vdv.c_str(), buffer, sizeof(buffer)), -10210) << "only the head of the file is read";
+  EXPECT_EQ(GetDrvName(not_vdv.c_str(), buffer, sizeof(buffer)), 0) << "only .vdv and .VDV are the fixed layout";
+  EXPECT_STREQ(buffer, "");
+  EXPECT_EQ(GetDrvName(missing.c_str(), buffer, 1), -1);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+struct VdvRow {
+  const char* tool;
+  std::vector<VdvTool> tools;
+  std::size_t file_size;
+  uint32_t expected;
+};
+
+class FixedLayoutFlags : public ::testing::TestWithParam<VdvRow> {};
+
+TEST_P(FixedLayoutFlags, ReadFromTheFileHead) {
+  TempDir dir;
+  const VdvRow& row = GetParam();
+  const std::string path = dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, row.tools, row.file_size)).string();
+  uint32_t flags = 0xDEADBEEF;
+  EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1);
+  EXPECT_EQ(flags, row.expected);
+}
+
+const std::vector<VdvTool> kSixTools = {{"Pen", 0x8000, "Pen"},     {"Cut", 0x0104, "contour"},
+                                        {"Drag", 0, "TRANSFER"},    {"Kiss", 0x0001, "Contour"},
+                                        {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
+
+INSTANTIATE_TEST_SUITE_P(
+    Vdv, FixedLayoutFlags,
+    ::testing::Values(
+        // driver: byte 350 as it is, the low five bits of byte 352 at 0x100
+        VdvRow{nullptr, kSixTools, 10209, 0x03A5}, VdvRow{"", kSixTools, 10209, 0x03A5},
+        VdvRow{nullptr, {}, 351, 0x00A5},
+        // tools: the type adds 0x4 for Transfer and 0x8 for Contour
+        VdvRow{"Pen", kSixTools, 10209, 0x8000}, VdvRow{"Cut", kSixTools, 10209, 0x010C},
+        VdvRow{"Drag", kSixTools, 10209, 0x0004}, VdvRow{"Kiss", kSixTools, 10209, 0x0009},
+        VdvRow{"Last", kSixTools, 10209, 0x1234},
+        // names are case-sensitive; a cut-off file has fewer slots
+        VdvRow{"cut", kSixTools, 10209, 0}, VdvRow{"Nope", kSixTools, 10209, 0},
+        VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0}),
+    kerfline::test::RowIndex());
+
+TEST(FixedLayoutFlagsFile, OnlySixSlotsAreSearched) {
+  TempDir dir;
+  std::vector<VdvTool> seven(6, VdvTool{"Filler", 1, ""});
+  seven.push_back({"Seventh", 2, ""});
+  const std::string path = dir.write("seven.vdv", vdv_bytes("X", 0, 0, seven, 20000)).string();
+  uint32_t flags = 5;
+  EXPECT_EQ(GetFlags(path.c_str(), "Seventh", &flags), 1);
+  EXPECT_EQ(flags, 0u);
+  EXPECT_EQ(GetFlags((dir.str() + "missing.vdv").c_str(), nullptr, &flags), 0);
+}
+
+TEST_F(DriverQueries, DocumentFlagsComeFromTheFlagVariables) {
+  const std::string path = flag_driver();
+  uint32_t flags = 0xFFFFFFFF;
+  EXPECT_EQ(GetFlags(path.c_str(), nullptr, &flags), 1);
+  EXPECT_EQ(flags, 0x1u | 0x80u | 0x100u | 0x1000u | 0x2000u);
+
+  // The tool list of a driver document finds no tool yet.
+  EXPECT_EQ(GetFlags(path.c_str(), "Cut", &flags), 1);
+  EXPECT_EQ(flags, 0u);
+
+  VMV6DRV drv = record_for(path);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  flags = 0x40000;
+  EXPECT_EQ(GetDrvFlags(&drv, nullptr, &flags), 1);
+  EXPECT_EQ(flags, 0x40000u | 0x1u | 0x80u | 0x100u | 0x1000u | 0x2000u) << "GetDrvFlags adds to the mask";
+  EXPECT_EQ(GetDrvFlags(&drv, nullptr, nullptr), -2);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  EXPECT_EQ(GetDrvFlags(&drv, nullptr, &flags), 0);
+  EXPECT_EQ(GetDrvFlags(nullptr, nullptr, &flags), -2);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(DriverQueries, FlagsOfUnopenableDriversAndBadArguments) {
+  uint32_t flags = 7;
+  EXPECT_EQ(GetFlags((dir.str() + "missing.drv").c_str(), nullptr, &flags), 0);
+  EXPECT_EQ(flags, 0u);
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
+  flags = 7;
+  EXPECT_EQ(GetFlags("", nullptr, &flags), -2);
+  EXPECT_EQ(GetFlags(nullptr, nullptr, &flags), -2);
+  EXPECT_EQ(flags, 7u);
+  EXPECT_EQ(GetFlags("x.drv", nullptr, nullptr), -2);
+}
+
+TEST(DocumentToolMask, TypeBitsAreAddedWhenTheTypeIsNot) {
+  struct Row {
+    const char* type;
+    uint32_t bits;
+    uint32_t expected;
+  };
+  const Row rows[] = {{"Contour", 0x1, 0x5}, {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
+                      {"TRANSFER", 0x0, 0x8}, {"Pen", 0x0, 0xC},     {"", 0x4, 0xC}};
+  for (const Row& row : rows) {
+    EXPECT_EQ(frame::tool_mask({row.bits, row.type}), row.expected) << row.type;
+  }
+}
+
+TEST(FlagValues, NonzeroNumbersAndYesWordsCount) {
+  const std::pair<const char*, bool> rows[] = {
+      {"1", true},   {"-1", true},  {"0.001", true}, {" 2", true},    {"1e999", true}, {"TRUE", true},
+      {"yes ", true}, {"0", false},  {"0.0", false},  {"-0", false},   {"", false},     {"  ", false},
+      {"no", false}, {"x1", false}, {"false", false}, {"0abc", false},
+  };
+  for (const auto& [text, expected] : rows) EXPECT_EQ(frame::value_is_set(text), expected) << '"' << text << '"';
+}
+
+TEST_F(DriverQueries, DriverClassIsTheClassItemsValue) {
+  const std::string path = flag_driver();
+  VMV6DRV drv = record_for(path);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  char buffer[16];
+  std::memset(buffer, '#', sizeof(buffer));
+  EXPECT_EQ(GetDrvClass2(&drv, buffer, 7), 7);
+  EXPECT_EQ(buffer[0], '#') << "copied only when the length is below the size";
+  EXPECT_EQ(GetDrvClass2(&drv, buffer, 8), 7);
+  EXPECT_STREQ(buffer, "Plotter");
+  EXPECT_EQ(GetDrvClass2(&drv, nullptr, 8), 7);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  EXPECT_EQ(GetDrvClass2(&drv, buffer, 8), -2);
+
+  std::memset(buffer, '#', sizeof(buffer));
+  EXPECT_EQ(GetDrvClass(path.c_str(), buffer, sizeof(buffer)), 7);
+  EXPECT_STREQ(buffer, "Plotter");
+
+  const std::string classless =
+      write_driver(dir, "classless.drv", [](drv::CVm6Drv& doc) { doc.Root().AddChild(named("%Speed%", "1")); });
+  EXPECT_EQ(GetDrvClass(classless.c_str(), buffer, sizeof(buffer)), 0);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(DriverQueries, DriverClassOfAnUnopenableDriverIsOne) {
+  char buffer[4] = "abc";
+  EXPECT_EQ(GetDrvClass((dir.str() + "missing.drv").c_str(), buffer, sizeof(buffer)), 1);
+  EXPECT_EQ(GetDrvClass("", buffer, sizeof(buffer)), 1);
+  EXPECT_EQ(GetDrvClass(nullptr, buffer, sizeof(buffer)), 1);
+  EXPECT_STREQ(buffer, "abc");
+  EXPECT_EQ(host.boxes.size(), 1u) << "the missing file is shown";
+}
+
+TEST(VariableNames, NamesFromTheDictionary) {
+  struct Row {
+    uint32_t id;
+    int32_t mode;
+    const char* expected;
+  };
+  const Row rows[] = {{9352, 0, "%Flags_1%"},    {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"},
+                      {5000, 1, "%ToolDepth%"},  {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"},
+                      {0xFFFFFFF0u, 1, ""}};
+  for (const Row& row : rows) {
+    char buffer[64];
+    std::memset(buffer, '#', sizeof(buffer));
+    EXPECT_EQ(GetVarName(row.id, row.mode, buffer), 1);
+    EXPECT_STREQ(buffer, row.expected) << row.id << " mode " << row.mode;
+
+    VARDESC desc{};
+    ASSERT_EQ(GetVarDesc(row.id, row.mode, &desc), 1);
+    EXPECT_STREQ(desc.pszName, row.expected);
+    EXPECT_EQ(FreeVarDesc(&desc), 1);
+    EXPECT_EQ(desc.pszName, nullptr);
+  }
+  EXPECT_EQ(GetVarName(9352, 0, nullptr), 1);
+  EXPECT_EQ(GetVarDesc(9352, 0, nullptr), 0);
+  EXPECT_EQ(FreeVarDesc(nullptr), 0);
+}
+
+TEST(VariableNames, DescriptionIsTheNextTextAndNeverChanged) {
+  drv::install_text_services({[](int table, uint32_t id) -> std::optional<std::string> {
+                                if (table == 1 && id == 5001) return std::string("Depth in %I units");
+                                return std::nullopt;
+                              },
+                              {}});
+  VARDESC desc{};
+  const int32_t result = GetVarDesc(5000, 1, &desc);
+  drv::install_text_services({});
+  ASSERT_EQ(result, 1);
+  EXPECT_STREQ(desc.pszName, "%ToolDepth%");
+  EXPECT_STREQ(desc.pszDescription, "Depth in %I units");
+  // The texts are the C run-time's: a host may release them with free().
+  std::free(desc.pszName);
+  std::free(desc.pszDescription);
+}
+
+TEST(VariableNames, TheMissMarkerIsNeverCopied) {
+  HostRecorder host;
+  char buffer[32] = "previous";
+  EXPECT_EQ(frame::copy_variable_name(frame::kDlxNotFound, buffer), 0);
+  host.ctrl_down = true;
+  EXPECT_EQ(frame::copy_variable_name(frame::kDlxNotFound, buffer), 0);
+  EXPECT_TRUE(host.boxes.empty()) << "Ctrl alone shows nothing";
+  host.shift_down = true;
+  EXPECT_EQ(frame::copy_variable_name(frame::kDlxNotFound, buffer), 0);
+  EXPECT_STREQ(buffer, "previous");
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline:");
+  EXPECT_EQ(host.boxes[0].text, "GetVarName: DLX_NOT_FOUNDprevious");
+  EXPECT_EQ(frame::copy_variable_name(frame::kDlxNotFound, nullptr), 1);
+}
+
+TEST(ReplaceAll, LeftToRightWithoutRescanning) {
+  struct Row {
+    const char* text;
+    const char* find;
+    const char* replacement;
+    const char* expected;
+    std::size_t count;
+  };
+  const Row rows[] = {{"aaaa", "aa", "a", "aa", 2},   {"%I%I", "%I", "%", "%%", 2}, {"abc", "x", "y", "abc", 0},
+                      {"abab", "ab", "abab", "abababab", 2}, {"abc", "", "z", "abc", 0}, {"", "a", "b", "", 0}};
+  for (const Row& row : rows) {
+    std::string text = row.text;
+    EXPECT_EQ(frame::replace_all(text, row.find, row.replacement), row.count) << row.text;
+    EXPECT_EQ(text, row.expected) << row.text;
+  }
+}
+
+TEST_F(DriverQueries, ReplaceStringsFollowsTheGroupsDirection) {
+  // Root (names to values): a first child group %G% (names to values) with
+  // %A%; %B%; a later group %H% (values to names, never descended into).
+  const std::string path = write_driver(dir, "replace.drv", [](drv::CVm6Drv& doc) {
+    auto g = named<drv::CDrvItemList>("%G%", "gee");
+    g->AddChild(named("%A%", "alpha"));
+    auto h = named<drv::CDrvItemList>("%H%", "aitch");
+    h->ListParam0 = 1;
+    h->AddChild(named("%C%", "gamma"));
+    doc.Root().AddChild(g);
+    doc.Root().AddChild(named("%B%", "beta"));
+    doc.Root().AddChild(h);
+    doc.Root().AddChild(named("%E%", ""));
+  });
+  VMV6DRV drv = record_for(path);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  int32_t count = -1;
+  char* result = ReplaceStringsFromDriver(&drv, "%A%+%A% %B% %C% %G% %H% %E%. gamma beta", &count);
+  ASSERT_NE(result, nullptr);
+  EXPECT_STREQ(result, "alpha+alpha beta %C% gee aitch . gamma beta");
+  EXPECT_EQ(count, 6);
+  std::free(result);
+
+  // Turning the root round: values become names, and empty values match nothing.
+  kerfline::frame::document_of(&drv)->Root().ListParam0 = 1;
+  result = ReplaceStringsFromDriver(&drv, "%A% alpha beta gee", nullptr);
+  ASSERT_NE(result, nullptr);
+  EXPECT_STREQ(result, "alpha alpha %B% %G%") << "the first group keeps its own direction";
+  std::free(result);
+
+  EXPECT_EQ(ReplaceStringsFromDriver(&drv, nullptr, &count), nullptr);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  count = -1;
+  EXPECT_EQ(ReplaceStringsFromDriver(&drv, "x", &count), nullptr);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(ReplaceStringsFromDriver(nullptr, "x", nullptr), nullptr);
+}
