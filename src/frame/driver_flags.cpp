@@ -28,9 +28,8 @@ constexpr std::size_t kSlotType = 674;
 
 // The flag variables of a driver document and their bits, in bit order.
 constexpr std::array<const char*, 14> kFlagVariables = {
-    "%Flags_1%",   "%Flags_2%",   "%Flags_3%",   "%Flags_4%",   "%Flags_5%",
-    "%Flags_6%",   "%Flags_7%",   "%Flags_8%",   "%OutFlag_1%", "%OutFlag_2%",
-    "%OutFlag_3%", "%OutFlag_4%", "%OutFlag_5%", "%LayerVarFlag%"};
+    "%Flags_1%", "%Flags_2%",   "%Flags_3%",   "%Flags_4%",   "%Flags_5%",   "%Flags_6%",   "%Flags_7%",
+    "%Flags_8%", "%OutFlag_1%", "%OutFlag_2%", "%OutFlag_3%", "%OutFlag_4%", "%OutFlag_5%", "%LayerVarFlag%"};
 
 unsigned char byte_at(std::string_view head, std::size_t offset) {
   return offset < head.size() ? static_cast<unsigned char>(head[offset]) : 0;
@@ -51,7 +50,8 @@ bool is_fixed_layout_path(std::string_view path) {
 
 std::uint32_t fixed_layout_flags(std::string_view head, const std::string* tool_name) {
   if (tool_name == nullptr) {
-    return byte_at(head, kDriverFlagsLow) | (static_cast<std::uint32_t>(byte_at(head, kDriverFlagsHigh) & 0x1F) << 8);
+    return byte_at(head, kDriverFlagsLow) |
+           (static_cast<std::uint32_t>(byte_at(head, kDriverFlagsHigh) & 0x1F) << 8);
   }
   for (std::size_t slot = 0; slot < kSlotCount; ++slot) {
     const std::size_t start = kFirstSlot + slot * kSlotSize;
@@ -68,7 +68,9 @@ std::uint32_t fixed_layout_flags(std::string_view head, const std::string* tool_
 
 // The tool list of a driver document is not built yet, so no tool is found
 // and a tool query answers as for an unknown tool.
-bool find_tool_flags(driver::CVm6Drv& /*doc*/, const std::string& /*name*/, ToolFlags& /*tool*/) { return false; }
+bool find_tool_flags(driver::CVm6Drv& /*doc*/, const std::string& /*name*/, ToolFlags& /*tool*/) {
+  return false;
+}
 
 std::uint32_t tool_mask(const ToolFlags& tool) {
   std::uint32_t mask = tool.bits;

@@ -32,7 +32,8 @@ extern "C" {
 KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size) {
   if (path == nullptr) return 0;
   try {
-    const std::string name = kerfline::frame::is_fixed_layout_path(path) ? fixed_layout_name(path) : stored_name(path);
+    const std::string name =
+        kerfline::frame::is_fixed_layout_path(path) ? fixed_layout_name(path) : stored_name(path);
     const auto needed = static_cast<int64_t>(name.size()) + 1;
     // One byte to spare is required, so a buffer of exactly length + 1 is
     // too small, whichever format the name came from.

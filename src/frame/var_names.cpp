@@ -41,7 +41,8 @@ std::int32_t copy_variable_name(const std::string& name, char* buffer) {
   if (buffer == nullptr) return 1;
   if (name == kDlxNotFound) {
     if (platform::host::is_key_down(KERFLINE_VK_CONTROL) && platform::host::is_key_down(KERFLINE_VK_SHIFT)) {
-      platform::host::message_box(std::string("GetVarName: DLX_NOT_FOUND") + buffer, "Kerfline:", KERFLINE_MB_OK);
+      platform::host::message_box(std::string("GetVarName: DLX_NOT_FOUND") + buffer,
+                                  "Kerfline:", KERFLINE_MB_OK);
     }
     return 0;
   }

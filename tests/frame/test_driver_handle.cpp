@@ -175,7 +175,8 @@ TEST_F(DriverHandle, FailedStoreIsShownButReportsSuccess) {
   EXPECT_EQ(StoreDrv(&drv), 1);
   ASSERT_EQ(host.boxes.size(), 1u);
   EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
-  EXPECT_EQ(host.boxes[0].text.rfind("Can not write driver:\n" + dir.str() + "no-such-dir/driver.drv\n\nCode = (", 0),
+  EXPECT_EQ(host.boxes[0].text.rfind(
+                "Can not write driver:\n" + dir.str() + "no-such-dir/driver.drv\n\nCode = (", 0),
             0u)
       << host.boxes[0].text;
   EXPECT_EQ(FreeDrv(&drv), 1);

@@ -36,8 +36,8 @@ struct VdvTool {
   std::string type;
 };
 
-std::string vdv_bytes(const std::string& name, std::uint8_t low, std::uint8_t high, const std::vector<VdvTool>& tools,
-                      std::size_t size = 10209) {
+std::string vdv_bytes(const std::string& name, std::uint8_t low, std::uint8_t high,
+                      const std::vector<VdvTool>& tools, std::size_t size = 10209) {
   std::string bytes(size, '\0');
   auto put = [&](std::size_t at, const std::string& text) {
     if (at < bytes.size()) bytes.replace(at, std::min(text.size(), bytes.size() - at), text);
@@ -87,13 +87,14 @@ TEST_F(DriverQueries, DriverNameNeedsOneSpareByteInBothFormats) {
     int32_t expected;
   };
   const Row rows[] = {
-      {drv_path, 15, 13}, {drv_path, 14, -14}, {drv_path, 1, -14}, {drv_path, 0, -14}, {drv_path, -5, -14},
-      {vdv_path, 15, 13}, {vdv_path, 14, -14}, {vdv_path, 100, 13},
+      {drv_path, 15, 13},  {drv_path, 14, -14}, {drv_path, 1, -14},  {drv_path, 0, -14},
+      {drv_path, -5, -14}, {vdv_path, 15, 13},  {vdv_path, 14, -14}, {vdv_path, 100, 13},
   };
   for (const Row& row : rows) {
     char buffer[32];
     std::memset(buffer, '#', sizeof(buffer));
-    EXPECT_EQ(GetDrvName(row.path.c_str(), buffer, row.size), row.expected) << row.path << " size " << row.size;
+    EXPECT_EQ(GetDrvName(row.path.c_str(), buffer, row.size), row.expected)
+        << row.path << " size " << row.size;
     if (row.expected >= 0) {
       EXPECT_STREQ(buffer, row.path == drv_path ? "Sample Cutter" : "Old Plotter X");
     } else {
@@ -112,8 +113,10 @@ TEST_F(DriverQueries, DriverNameOfUnreadableFilesIsEmpty) {
   const std::string not_vdv = dir.write("old.Vdv", vdv_bytes("Old", 0, 0, {})).string();
   const std::string missing = dir.str() + "missing.drv";
   char buffer[16];
-  EXPECT_EQ(GetDrvName(long_vdv.c_str(), buffer, sizeof(buffer)), -10210) << "only the head of the file is read";
-  EXPECT_EQ(GetDrvName(not_vdv.c_str(), buffer, sizeof(buffer)), 0) << "only .vdv and .VDV are the fixed layout";
+  EXPECT_EQ(GetDrvName(long_vdv.c_str(), buffer, sizeof(buffer)), -10210)
+      << "only the head of the file is read";
+  EXPECT_EQ(GetDrvName(not_vdv.c_str(), buffer, sizeof(buffer)), 0)
+      << "only .vdv and .VDV are the fixed layout";
   EXPECT_STREQ(buffer, "");
   EXPECT_EQ(GetDrvName(missing.c_str(), buffer, 1), -1);
   EXPECT_TRUE(host.boxes.empty());
@@ -131,30 +134,31 @@ class FixedLayoutFlags : public ::testing::TestWithParam<VdvRow> {};
 TEST_P(FixedLayoutFlags, ReadFromTheFileHead) {
   TempDir dir;
   const VdvRow& row = GetParam();
-  const std::string path = dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, row.tools, row.file_size)).string();
+  const std::string path =
+      dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, row.tools, row.file_size)).string();
   uint32_t flags = 0xDEADBEEF;
   EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1);
   EXPECT_EQ(flags, row.expected);
 }
 
-const std::vector<VdvTool> kSixTools = {{"Pen", 0x8000, "Pen"},     {"Cut", 0x0104, "contour"},
-                                        {"Drag", 0, "TRANSFER"},    {"Kiss", 0x0001, "Contour"},
+const std::vector<VdvTool> kSixTools = {{"Pen", 0x8000, "Pen"},       {"Cut", 0x0104, "contour"},
+                                        {"Drag", 0, "TRANSFER"},      {"Kiss", 0x0001, "Contour"},
                                         {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
 
-INSTANTIATE_TEST_SUITE_P(
-    Vdv, FixedLayoutFlags,
-    ::testing::Values(
-        // driver: byte 350 as it is, the low five bits of byte 352 at 0x100
-        VdvRow{nullptr, kSixTools, 10209, 0x03A5}, VdvRow{"", kSixTools, 10209, 0x03A5},
-        VdvRow{nullptr, {}, 351, 0x00A5},
-        // tools: the type adds 0x4 for Transfer and 0x8 for Contour
-        VdvRow{"Pen", kSixTools, 10209, 0x8000}, VdvRow{"Cut", kSixTools, 10209, 0x010C},
-        VdvRow{"Drag", kSixTools, 10209, 0x0004}, VdvRow{"Kiss", kSixTools, 10209, 0x0009},
-        VdvRow{"Last", kSixTools, 10209, 0x1234},
-        // names are case-sensitive; a cut-off file has fewer slots
-        VdvRow{"cut", kSixTools, 10209, 0}, VdvRow{"Nope", kSixTools, 10209, 0},
-        VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0}),
-    kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(Vdv, FixedLayoutFlags,
+                         ::testing::Values(
+                             // driver: byte 350 as it is, the low five bits of byte 352 at 0x100
+                             VdvRow{nullptr, kSixTools, 10209, 0x03A5}, VdvRow{"", kSixTools, 10209, 0x03A5},
+                             VdvRow{nullptr, {}, 351, 0x00A5},
+                             // tools: the type adds 0x4 for Transfer and 0x8 for Contour
+                             VdvRow{"Pen", kSixTools, 10209, 0x8000}, VdvRow{"Cut", kSixTools, 10209, 0x010C},
+                             VdvRow{"Drag", kSixTools, 10209, 0x0004},
+                             VdvRow{"Kiss", kSixTools, 10209, 0x0009},
+                             VdvRow{"Last", kSixTools, 10209, 0x1234},
+                             // names are case-sensitive; a cut-off file has fewer slots
+                             VdvRow{"cut", kSixTools, 10209, 0}, VdvRow{"Nope", kSixTools, 10209, 0},
+                             VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0}),
+                         kerfline::test::RowIndex());
 
 TEST(FixedLayoutFlagsFile, OnlySixSlotsAreSearched) {
   TempDir dir;
@@ -208,7 +212,7 @@ TEST(DocumentToolMask, TypeBitsAreAddedWhenTheTypeIsNot) {
     uint32_t bits;
     uint32_t expected;
   };
-  const Row rows[] = {{"Contour", 0x1, 0x5}, {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
+  const Row rows[] = {{"Contour", 0x1, 0x5},  {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
                       {"TRANSFER", 0x0, 0x8}, {"Pen", 0x0, 0xC},     {"", 0x4, 0xC}};
   for (const Row& row : rows) {
     EXPECT_EQ(frame::tool_mask({row.bits, row.type}), row.expected) << row.type;
@@ -217,11 +221,12 @@ TEST(DocumentToolMask, TypeBitsAreAddedWhenTheTypeIsNot) {
 
 TEST(FlagValues, NonzeroNumbersAndYesWordsCount) {
   const std::pair<const char*, bool> rows[] = {
-      {"1", true},   {"-1", true},  {"0.001", true}, {" 2", true},    {"1e999", true}, {"TRUE", true},
-      {"yes ", true}, {"0", false},  {"0.0", false},  {"-0", false},   {"", false},     {"  ", false},
-      {"no", false}, {"x1", false}, {"false", false}, {"0abc", false},
+      {"1", true},    {"-1", true},  {"0.001", true},  {" 2", true},    {"1e999", true}, {"TRUE", true},
+      {"yes ", true}, {"0", false},  {"0.0", false},   {"-0", false},   {"", false},     {"  ", false},
+      {"no", false},  {"x1", false}, {"false", false}, {"0abc", false},
   };
-  for (const auto& [text, expected] : rows) EXPECT_EQ(frame::value_is_set(text), expected) << '"' << text << '"';
+  for (const auto& [text, expected] : rows)
+    EXPECT_EQ(frame::value_is_set(text), expected) << '"' << text << '"';
 }
 
 TEST_F(DriverQueries, DriverClassIsTheClassItemsValue) {
@@ -242,8 +247,8 @@ TEST_F(DriverQueries, DriverClassIsTheClassItemsValue) {
   EXPECT_EQ(GetDrvClass(path.c_str(), buffer, sizeof(buffer)), 7);
   EXPECT_STREQ(buffer, "Plotter");
 
-  const std::string classless =
-      write_driver(dir, "classless.drv", [](drv::CVm6Drv& doc) { doc.Root().AddChild(named("%Speed%", "1")); });
+  const std::string classless = write_driver(
+      dir, "classless.drv", [](drv::CVm6Drv& doc) { doc.Root().AddChild(named("%Speed%", "1")); });
   EXPECT_EQ(GetDrvClass(classless.c_str(), buffer, sizeof(buffer)), 0);
   EXPECT_TRUE(host.boxes.empty());
 }
@@ -263,8 +268,8 @@ TEST(VariableNames, NamesFromTheDictionary) {
     int32_t mode;
     const char* expected;
   };
-  const Row rows[] = {{9352, 0, "%Flags_1%"},    {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"},
-                      {5000, 1, "%ToolDepth%"},  {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"},
+  const Row rows[] = {{9352, 0, "%Flags_1%"},   {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"},
+                      {5000, 1, "%ToolDepth%"}, {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"},
                       {0xFFFFFFF0u, 1, ""}};
   for (const Row& row : rows) {
     char buffer[64];
@@ -324,8 +329,9 @@ TEST(ReplaceAll, LeftToRightWithoutRescanning) {
     const char* expected;
     std::size_t count;
   };
-  const Row rows[] = {{"aaaa", "aa", "a", "aa", 2},   {"%I%I", "%I", "%", "%%", 2}, {"abc", "x", "y", "abc", 0},
-                      {"abab", "ab", "abab", "abababab", 2}, {"abc", "", "z", "abc", 0}, {"", "a", "b", "", 0}};
+  const Row rows[] = {{"aaaa", "aa", "a", "aa", 2}, {"%I%I", "%I", "%", "%%", 2},
+                      {"abc", "x", "y", "abc", 0},  {"abab", "ab", "abab", "abababab", 2},
+                      {"abc", "", "z", "abc", 0},   {"", "a", "b", "", 0}};
   for (const Row& row : rows) {
     std::string text = row.text;
     EXPECT_EQ(frame::replace_all(text, row.find, row.replacement), row.count) << row.text;
