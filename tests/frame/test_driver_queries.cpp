@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -128,6 +129,10 @@ struct VdvRow {
   std::size_t file_size;
   uint32_t expected;
 };
+
+void PrintTo(const VdvRow& row, std::ostream* os) {
+  *os << "tool " << (row.tool != nullptr ? row.tool : "(null)") << ", " << row.file_size << " bytes";
+}
 
 class FixedLayoutFlags : public ::testing::TestWithParam<VdvRow> {};
 
