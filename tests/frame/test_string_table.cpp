@@ -3,7 +3,6 @@
 #include <string>
 
 #include "fixtures/table_names.hpp"
-#include "fixtures/temp_dir.hpp"
 #include "frame/string_table.hpp"
 
 using kerfline::frame::StringTable;
@@ -75,16 +74,6 @@ TEST(StringTable, AnswersAtMost511Bytes) {
       StringTable::parse("1, \"" + long_text + "\"\n2, \"" + std::string(511, 'y') + "\"\n");
   EXPECT_EQ(table.find(1), std::optional<std::string>(std::string(511, 'x')));
   EXPECT_EQ(table.find(2)->size(), 511u);
-}
-
-TEST(StringTable, LoadReportsAnUnreadableFile) {
-  kerfline::test::TempDir dir;
-  EXPECT_FALSE(StringTable::load(dir.str() + "missing.dlx").ok());
-  EXPECT_FALSE(StringTable::load(dir.path().string()).ok());  // a directory
-  dir.write("t.dlx", "5, \"five\"\n");
-  const auto loaded = StringTable::load(dir.str() + "t.dlx");
-  ASSERT_TRUE(loaded.ok());
-  EXPECT_EQ(loaded.value().find(5), std::optional<std::string>("five"));
 }
 
 TEST(StringTable, ShippedTablesHoldTheLibrarysTextsWithoutMalformedLines) {
