@@ -121,6 +121,85 @@ KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
  * Start-up, language and translation
  * ====================================================================== */
 
+/*
+ * Starts the library: reads the language context of the suite directory and
+ * loads the string tables "cutterx.dlx" and then "kerfline.dlx" from its
+ * "Res" directory. Runs once by itself when the library is loaded.
+ * Returns 1 when done (at once when already done); -1 when "cutterx.dlx"
+ * cannot be loaded ("kerfline.dlx" is then not tried); -2 when "kerfline.dlx"
+ * cannot be loaded; -3 out of memory. After a failure the next call loads
+ * whichever table is still missing.
+ */
+KERFLINE_API int32_t InitKerflineDll(void);
+
+/*
+ * Starts the translation service with the translation file
+ * "lang/<CODE>/kerfline<CODE>.TRA" of the suite directory, CODE being
+ * [Default] Actual of "lang.ini" in the suite directory ("GER" when absent).
+ * The start is tried once per process, and a second call returns the first
+ * call's result without doing anything; only a start that failed is tried
+ * again, after the suite directory has been changed. Returns a positive
+ * number when the service started (and the calling thread was registered
+ * with it), else 0.
+ */
+KERFLINE_API int32_t InitKerflineDll2(void);
+
+/*
+ * Translates a driver text in place. text: zero-terminated, in a buffer of
+ * size bytes. Returns 1 when a translation was found and it fits the buffer
+ * (with its zero); else 0 and the text is unchanged (also for a null text or
+ * a text not terminated within size).
+ */
+KERFLINE_API int32_t TranslateString(char* text, uint32_t size);
+
+/* Allocator of the caller: returns a block of the given size, or null. */
+typedef void* (*KERFLINE_ALLOC_FN)(size_t size);
+
+/*
+ * Translates a driver text into a block obtained from alloc (translated
+ * length + 1 bytes, zero-terminated); the caller owns it and releases it with
+ * its own allocator's release (malloc may be passed as alloc, then free()).
+ * Returns null when there is no translation, for a null argument, or when
+ * alloc returns null; the host then shows its own text.
+ */
+KERFLINE_API char* TranslateDrvString(const char* text, KERFLINE_ALLOC_FN alloc);
+
+/* Translation flags: a kind of text is translated only while its bit is set
+   (initially all bits are set). */
+#define KERFLINE_TRANSLATE_TOOLS 0x1u         /* GetFirstTool / GetNextTool */
+#define KERFLINE_TRANSLATE_MATERIALS 0x2u     /* GetFirstMaterial / GetNextMaterial */
+#define KERFLINE_TRANSLATE_DLGVAR 0x4u        /* GetDlgVar */
+#define KERFLINE_TRANSLATE_EXT_DLGVAR 0x8u    /* GetExtDlgVarData, GetDlgDefaultEx */
+
+/* Sets the bits in the translation flags; returns bits. */
+KERFLINE_API uint32_t AddTranslationFlag(uint32_t bits);
+
+/* Clears the bits in the translation flags; returns ~bits. */
+KERFLINE_API uint32_t RemoveTranslationFlag(uint32_t bits);
+
+/* Replaces the translation flags by mask; returns the previous flags. */
+KERFLINE_API uint32_t SetTranslationFlag(uint32_t mask);
+
+/* The current translation flags. */
+KERFLINE_API uint32_t GetTranslationFlag(void);
+
+/*
+ * Replaces every occurrence of find in buffer by replacement, left to right
+ * (replaced text is not searched again), writing the result back into buffer
+ * without a length check: the caller provides room for the longer result.
+ * Returns the number of replacements; 0 when an argument is null or find is
+ * empty (buffer untouched).
+ */
+KERFLINE_API int32_t ReplaceString(char* buffer, const char* find, const char* replacement);
+
+/*
+ * Copies the suite's help file path (the language directory + "plotman.hlp")
+ * into buf. Returns its length; when size is too small (length + 1 needed)
+ * nothing is written and the result is the negative of the size needed; -2
+ * for a null buffer; -3 out of memory.
+ */
+KERFLINE_API int32_t KerflineGetHelpFile(char* buf, uint32_t size);
+
 /* ======================================================================
  * Driver handle
  * ====================================================================== */

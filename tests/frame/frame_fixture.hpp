@@ -1,0 +1,27 @@
+// Each test gets its own suite directory and a library that has not started
+// yet; the suite directory override is cleared afterwards.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "fixtures/temp_dir.hpp"
+#include "frame/library_state.hpp"
+#include "platform/paths.hpp"
+
+namespace kerfline::test {
+
+class FrameTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    frame::testing::reset_library_state();
+    platform::set_home_dir(suite.path().string());
+  }
+  void TearDown() override {
+    frame::testing::reset_library_state();
+    platform::set_home_dir("");
+  }
+
+  TempDir suite;
+};
+
+}  // namespace kerfline::test

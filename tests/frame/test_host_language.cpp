@@ -1,0 +1,93 @@
+// A host's view of start-up and translation: the shared library as a program
+// loads it, reached only through its C exports.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "fixtures/temp_dir.hpp"
+#include "kerfline/kerfline.h"
+
+namespace fs = std::filesystem;
+using kerfline::test::TempDir;
+
+namespace {
+
+std::string home_dir() {
+  char buf[4096];
+  return KerflineGetHomeDir(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
+}
+
+std::string help_file() {
+  char buf[4096];
+  return KerflineGetHelpFile(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
+}
+
+// A suite as an installation lays it out: the shipped string tables and the
+// sample German translation.
+void install_suite(const TempDir& suite) {
+  fs::create_directories(suite.path() / "Res");
+  fs::copy_file(KERFLINE_RES_DIR "/kerfline.dlx", suite.path() / "Res/kerfline.dlx");
+  fs::copy_file(KERFLINE_RES_DIR "/cutterx.dlx", suite.path() / "Res/cutterx.dlx");
+  fs::create_directories(suite.path() / "lang/GER");
+  fs::copy_file(KERFLINE_RES_DIR "/lang/GER/kerflineGER.TRA", suite.path() / "lang/GER/kerflineGER.TRA");
+}
+
+std::string translated(const char* text) {
+  char* out = TranslateDrvString(text, std::malloc);
+  if (out == nullptr) return "(none)";
+  std::string copy(out);
+  std::free(out);
+  return copy;
+}
+
+TEST(HostLanguage, HostThatSetsTheSuiteDirectoryGetsGermanToolTexts) {
+  // Loaded from the test's own directory, which has no tables: the start made
+  // at load failed, and the language paths point there.
+  const std::string program_dir = home_dir();
+  EXPECT_EQ(help_file(), program_dir + "Lang/Ger/plotman.hlp");
+
+  TempDir suite;
+  install_suite(suite);
+  suite.write("Lang/lang.ini", "[Languages]\r\nGER=Deutsch\r\n[Default]\r\nActual=GER\r\n");
+  fs::create_directories(suite.path() / "Lang/GER");
+  ASSERT_EQ(KerflineSetHomeDir(suite.path().c_str()), 1);
+
+  EXPECT_EQ(InitKerflineDll(), 1);
+  EXPECT_EQ(help_file(), suite.str() + "Lang/GER/plotman.hlp");
+  EXPECT_EQ(translated("Knife"), "(none)");  // not started yet
+  EXPECT_GT(InitKerflineDll2(), 0);
+
+  EXPECT_EQ(translated("Knife"), "Messer");
+  EXPECT_EQ(translated("Router"), "Fr\xE4ser");  // UTF-8 file, 1252 text
+  EXPECT_EQ(translated("Pressure (%)"), "Druck (%)");
+  EXPECT_EQ(translated("Tool offset\\r\\nin mm"), "Werkzeugversatz\\r\\nin mm");
+  EXPECT_EQ(translated("Cutting mat"), "(none)");
+
+  char text[32] = "Drag knife";
+  EXPECT_EQ(TranslateString(text, sizeof(text)), 1);
+  EXPECT_STREQ(text, "Schleppmesser");
+  KerflineSetHomeDir(nullptr);
+}
+
+// The library starts itself when a program loads it: a child started with
+// the suite directory in its environment has its tables before any call.
+TEST(HostLanguage, StartsItselfWhenLoaded) {
+  if (const char* role = std::getenv("KERFLINE_TEST_ROLE"); role != nullptr) {
+    fs::remove_all(fs::path(home_dir()) / "Res");
+    EXPECT_EQ(InitKerflineDll(), 1);  // done at load, so the missing tables do not matter
+    return;
+  }
+  TempDir suite;
+  install_suite(suite);
+  const std::string command = "KERFLINE_TEST_ROLE=child KERFLINE_HOME='" + suite.path().string() + "' '" +
+                              fs::read_symlink("/proc/self/exe").string() +
+                              "' --gtest_filter=HostLanguage.StartsItselfWhenLoaded >/dev/null 2>&1";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  // The same child without tables in its suite fails the check.
+  fs::remove_all(suite.path() / "Res");
+  EXPECT_NE(std::system(command.c_str()), 0);
+}
+
+}  // namespace

@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "fixtures/table_names.hpp"
+#include "frame/language_context.hpp"
+#include "frame/resources.hpp"
+#include "frame_fixture.hpp"
+#include "kerfline/kerfline.h"
+
+namespace kf = kerfline::frame;
+using kerfline::test::FrameTest;
+using kerfline::test::TempDir;
+
+namespace {
+
+class InitDll : public FrameTest {
+ protected:
+  void write_tables() const {
+    suite.write("Res/cutterx.dlx", "9001, \"Reserved\"\n");
+    suite.write("Res/kerfline.dlx", "35589, \"Input error: %s\"\n");
+  }
+};
+
+TEST_F(InitDll, LoadsBothTablesAndThenReportsDone) {
+  write_tables();
+  EXPECT_EQ(InitKerflineDll(), 1);
+  EXPECT_EQ(kf::resource_text(kf::kCutterxTable, 9001), "Reserved");
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");
+  EXPECT_EQ(kf::resource_text(kf::kCutterxTable, 35589), std::nullopt);
+  EXPECT_EQ(kf::resource_text(2, 35589), std::nullopt);
+  // Done stays done; tables stay loaded.
+  std::filesystem::remove_all(suite.path() / "Res");
+  EXPECT_EQ(InitKerflineDll(), 1);
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");
+}
+
+TEST_F(InitDll, WithoutCutterxFailsBeforeTryingKerfline) {
+  suite.write("Res/kerfline.dlx", "1, \"first\"\n");
+  EXPECT_EQ(InitKerflineDll(), -1);
+  // Had the first call loaded kerfline.dlx, it would not be missed now.
+  std::filesystem::remove(suite.path() / "Res/kerfline.dlx");
+  suite.write("Res/cutterx.dlx", "2, \"second\"\n");
+  EXPECT_EQ(InitKerflineDll(), -2);
+  // ...and a retry loads only what is still missing.
+  std::filesystem::remove(suite.path() / "Res/cutterx.dlx");
+  suite.write("Res/kerfline.dlx", "1, \"again\"\n");
+  EXPECT_EQ(InitKerflineDll(), 1);
+  EXPECT_EQ(kf::resource_text(kf::kCutterxTable, 2), "second");
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 1), "again");
+}
+
+TEST_F(InitDll, AnUnreadableTableCountsAsMissing) {
+  std::filesystem::create_directories(suite.path() / "Res/cutterx.dlx");
+  suite.write("Res/kerfline.dlx", "1, \"x\"\n");
+  EXPECT_EQ(InitKerflineDll(), -1);
+}
+
+TEST_F(InitDll, FindsTablesWhateverTheirCase) {
+  suite.write("res/CUTTERX.DLX", "3, \"three\"\n");
+  suite.write("res/Kerfline.Dlx", "4, \"four\"\n");
+  EXPECT_EQ(InitKerflineDll(), 1);
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 4), "four");
+}
+
+TEST_F(InitDll, ResourceLookupStartsTheLibraryWhenNeeded) {
+  write_tables();
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");
+}
+
+TEST_F(InitDll, SuiteDirectoryChangedAfterAFailureIsUsedByTheRetry) {
+  EXPECT_EQ(InitKerflineDll(), -1);
+  TempDir other;
+  other.write("Res/cutterx.dlx", "5, \"five\"\n");
+  other.write("Res/kerfline.dlx", "6, \"six\"\n");
+  ASSERT_EQ(KerflineSetHomeDir(other.path().c_str()), 1);
+  EXPECT_EQ(InitKerflineDll(), 1);
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 6), "six");
+}
+
+class LanguageContext : public FrameTest {};
+
+TEST_F(LanguageContext, PathsDeriveFromTheSuiteDirectory) {
+  const kf::LanguageContext context = kf::language_context();
+  EXPECT_EQ(context.base_dir, suite.str());
+  EXPECT_EQ(context.resource_dir, suite.str() + "Res/");
+  EXPECT_EQ(context.language_file, suite.str() + "Lang/lang.ini");
+  EXPECT_TRUE(context.language_names.empty());
+  // No language file: the language is "Ger".
+  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Ger/");
+  EXPECT_EQ(kf::help_file_path(), suite.str() + "Lang/Ger/plotman.hlp");
+}
+
+TEST_F(LanguageContext, ReadsNamesAndLanguageFromLangIni) {
+  suite.write("Lang/lang.ini",
+              "[Languages]\r\nGer=Deutsch\r\nEng=English\r\nFra=\r\n[Default]\r\nActual=Eng\r\n");
+  const kf::LanguageContext context = kf::language_context();
+  EXPECT_EQ(context.language_names, (std::vector<std::string>{"Ger", "Eng", "Fra"}));
+  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Eng/");
+}
+
+TEST_F(LanguageContext, FindsTheLanguageFileAndDirectoryWhateverTheirCase) {
+  suite.write("lang/LANG.INI", "[Languages]\nGer=1\n[Default]\nActual=GER\n");
+  std::filesystem::create_directories(suite.path() / "lang/ger");
+  EXPECT_EQ(kf::language_context().language_file, suite.str() + "lang/LANG.INI");
+  EXPECT_EQ(kf::language_directory(), suite.str() + "lang/ger/");
+}
+
+TEST_F(LanguageContext, WithoutDefaultSectionTheLanguageIsGer) {
+  suite.write("Lang/lang.ini", "[Languages]\nEng=1\n");
+  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Ger/");
+}
+
+TEST_F(LanguageContext, LanguageIsReadIntoThirtyTwoCharacters) {
+  suite.write("Lang/lang.ini", "[Default]\nActual=" + std::string(40, 'L') + "\n");
+  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/" + std::string(31, 'L') + "/");
+}
+
+TEST_F(LanguageContext, LanguagesSectionLongerThanTheFirstReadStaysCut) {
+  // Twelve 9-character names: 120 bytes as a list. The first read into 64
+  // bytes reports 62; the second read is sized from that, so the list stays
+  // cut after 62 characters: six names and "La".
+  std::string ini = "[Languages]\n";
+  std::vector<std::string> all;
+  for (int i = 0; i < 12; ++i) {
+    all.push_back("Language" + std::string(1, static_cast<char>('A' + i)));
+    ini += all.back() + "=x\n";
+  }
+  suite.write("Lang/lang.ini", ini);
+  const std::vector<std::string> expected{all[0], all[1], all[2], all[3], all[4], all[5], "La"};
+  EXPECT_EQ(kf::language_context().language_names, expected);
+}
+
+TEST_F(LanguageContext, IsRebuiltWhenTheSuiteDirectoryChanges) {
+  suite.write("Lang/lang.ini", "[Default]\nActual=Eng\n");
+  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Eng/");
+  // Cached while the directory stays...
+  suite.write("Lang/lang.ini", "[Default]\nActual=Fra\n");
+  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Eng/");
+
+  TempDir other;
+  other.write("Lang/lang.ini", "[Languages]\nIta=1\n[Default]\nActual=Ita\n");
+  KerflineSetHomeDir(other.path().c_str());
+  EXPECT_EQ(kf::language_context().base_dir, other.str());
+  EXPECT_EQ(kf::language_context().language_names, std::vector<std::string>{"Ita"});
+  EXPECT_EQ(kf::language_directory(), other.str() + "Lang/Ita/");
+
+  char help[512];
+  const std::string expected = other.str() + "Lang/Ita/plotman.hlp";
+  EXPECT_EQ(KerflineGetHelpFile(help, sizeof(help)), static_cast<int32_t>(expected.size()));
+  EXPECT_EQ(std::string(help), expected);
+  EXPECT_EQ(KerflineGetHelpFile(help, static_cast<uint32_t>(expected.size())),
+            -static_cast<int32_t>(expected.size() + 1));
+  EXPECT_EQ(KerflineGetHelpFile(nullptr, 10), -2);
+}
+
+}  // namespace

@@ -1,0 +1,318 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "fixtures/table_names.hpp"
+#include "frame/library_state.hpp"
+#include "frame/resources.hpp"
+#include "frame/translation_store.hpp"
+#include "frame_fixture.hpp"
+#include "kerfline/kerfline.h"
+
+namespace kf = kerfline::frame;
+using kerfline::test::FrameTest;
+using kerfline::test::TempDir;
+
+namespace {
+
+std::string po_entry(const std::string& id, const std::string& str) {
+  return "msgid \"" + id + "\"\nmsgstr \"" + str + "\"\n\n";
+}
+
+class Translation : public FrameTest {
+ protected:
+  // Puts a German translation file in place and starts the service.
+  void start_with(const std::string& po) {
+    suite.write("lang/GER/kerflineGER.TRA", po);
+    ASSERT_GT(InitKerflineDll2(), 0);
+  }
+};
+
+// --- Escapes of one text ----------------------------------------------------
+
+struct EscapeCase {
+  const char* po;        // the translation file's entries
+  const char* text;      // the driver's text
+  const char* expected;  // null: not found
+};
+
+class TranslationEscapes : public Translation, public ::testing::WithParamInterface<EscapeCase> {};
+
+TEST_P(TranslationEscapes, LooksUpEscapedAndUndoesTheEscapes) {
+  start_with(GetParam().po);
+  const auto got = kf::translate_text(GetParam().text);
+  EXPECT_EQ(got, GetParam().expected ? std::optional<std::string>(GetParam().expected) : std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, TranslationEscapes,
+    ::testing::Values(EscapeCase{"msgid \"50!-Percent-!\"\nmsgstr \"50!-Percent-! Druck\"\n", "50%",
+                                 "50% Druck"},
+                      EscapeCase{"msgid \"50%\"\nmsgstr \"50% Druck\"\n", "50%", nullptr},
+                      EscapeCase{"msgid \"%!-Percent-!%\"\nmsgstr \"x\"\n", "%%%", nullptr},
+                      EscapeCase{"msgid \"!-Percent-!!-Percent-!\"\nmsgstr \"%!-Percent-!\"\n", "%%", "%%"},
+                      // The four characters \r\n of a driver text are a real line break in
+                      // the file and come back as the four characters.
+                      EscapeCase{"msgid \"Line\\r\\nTwo\"\nmsgstr \"Zeile\\r\\nZwei\"\n", "Line\\r\\nTwo",
+                                 "Zeile\\r\\nZwei"},
+                      EscapeCase{"msgid \"Line\\\\r\\\\nTwo\"\nmsgstr \"x\"\n", "Line\\r\\nTwo", nullptr},
+                      EscapeCase{"msgid \"A\\r\\nB\"\nmsgstr \"X\\r\\nY\"\n", "A\r\nB", "X\\r\\nY"},
+                      EscapeCase{"msgid \"M\"\nmsgstr \"A!-\\r\\n-!B\"\n", "M", "A\\r\\nB"},
+                      EscapeCase{"msgid \"M\"\nmsgstr \"A\\nB\\rC\"\n", "M", "A\nB\rC"},
+                      EscapeCase{"msgid \"\\\\r\\\\n\"\nmsgstr \"y\"\n", "\\r\\n", nullptr},
+                      EscapeCase{"msgid \"M\"\nmsgstr \"Rest\"\n", "Missing", nullptr}),
+    kerfline::test::RowIndex());
+
+TEST_F(Translation, TranslationsUpTo2047BytesFitTheServiceBuffer) {
+  start_with(po_entry("fits", std::string(2047, 'f')) + po_entry("long", std::string(2048, 'l')));
+  EXPECT_EQ(kf::translate_text("fits"), std::string(2047, 'f'));
+  EXPECT_EQ(kf::translate_text("long"), std::nullopt);
+}
+
+TEST_F(Translation, NothingIsTranslatedBeforeTheServiceStarts) {
+  suite.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Messer"));
+  EXPECT_EQ(kf::translate_text("Knife"), std::nullopt);
+  char text[32] = "Knife";
+  EXPECT_EQ(TranslateString(text, sizeof(text)), 0);
+}
+
+// --- TranslateString and TranslateDrvString --------------------------------
+
+TEST_F(Translation, TranslateStringReplacesTheTextOnlyWhenTheTranslationFits) {
+  start_with(po_entry("Pen", "Stift") + po_entry("50!-Percent-!", "f\\xfcnfzig!-Percent-!"));
+  char text[8] = "Pen";
+  EXPECT_EQ(TranslateString(text, sizeof(text)), 1);
+  EXPECT_STREQ(text, "Stift");
+
+  char exact[6] = "Pen";  // "Stift" and its zero: exactly 6
+  EXPECT_EQ(TranslateString(exact, sizeof(exact)), 1);
+  EXPECT_STREQ(exact, "Stift");
+
+  char small[5] = "Pen";
+  EXPECT_EQ(TranslateString(small, sizeof(small)), 0);
+  EXPECT_STREQ(small, "Pen");
+
+  char percent[16] = "50%";
+  EXPECT_EQ(TranslateString(percent, sizeof(percent)), 1);
+  EXPECT_STREQ(percent, "f\xfcnfzig%");
+
+  char unknown[8] = "Router";
+  EXPECT_EQ(TranslateString(unknown, sizeof(unknown)), 0);
+  EXPECT_STREQ(unknown, "Router");
+
+  char unterminated[3] = {'P', 'e', 'n'};
+  EXPECT_EQ(TranslateString(unterminated, sizeof(unterminated)), 0);
+  EXPECT_EQ(TranslateString(nullptr, 10), 0);
+}
+
+int g_allocations = 0;
+std::size_t g_last_size = 0;
+void* counting_alloc(std::size_t size) {
+  ++g_allocations;
+  g_last_size = size;
+  return std::malloc(size);
+}
+void* failing_alloc(std::size_t) { return nullptr; }
+
+TEST_F(Translation, TranslateDrvStringHandsOutABlockFromTheCallersAllocator) {
+  start_with(po_entry("Knife", "Messer"));
+  g_allocations = 0;
+  char* out = TranslateDrvString("Knife", counting_alloc);
+  ASSERT_NE(out, nullptr);
+  EXPECT_STREQ(out, "Messer");
+  EXPECT_EQ(g_last_size, 7u);
+  std::free(out);
+
+  EXPECT_EQ(TranslateDrvString("Unknown", counting_alloc), nullptr);
+  EXPECT_EQ(g_allocations, 1);  // nothing allocated without a translation
+  EXPECT_EQ(TranslateDrvString("Knife", failing_alloc), nullptr);
+  EXPECT_EQ(TranslateDrvString("Knife", nullptr), nullptr);
+  EXPECT_EQ(TranslateDrvString(nullptr, counting_alloc), nullptr);
+}
+
+// --- InitKerflineDll2 --------------------------------------------------------
+
+TEST_F(Translation, DefaultCodeIsGerWhenLangIniHasNoDefault) {
+  suite.write("lang.ini", "[Languages]\nFRA=1\n");
+  suite.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Messer"));
+  EXPECT_GT(InitKerflineDll2(), 0);
+  EXPECT_EQ(kf::translate_text("Knife"), "Messer");
+}
+
+TEST_F(Translation, CodeComesFromLangIniOfTheSuiteDirectory) {
+  suite.write("lang.ini", "[Default]\nActual=FRA\n");
+  // The language context's file is not the one the translation start reads.
+  suite.write("Lang/lang.ini", "[Default]\nActual=ITA\n");
+  suite.write("lang/FRA/kerflineFRA.TRA", po_entry("Knife", "Couteau"));
+  EXPECT_GT(InitKerflineDll2(), 0);
+  EXPECT_EQ(kf::translate_text("Knife"), "Couteau");
+}
+
+TEST_F(Translation, FindsLangIniAndTranslationFileWhateverTheirCase) {
+  suite.write("LANG.INI", "[Default]\nActual=GER\n");
+  suite.write("Lang/ger/KERFLINEGER.tra", po_entry("Knife", "Messer"));
+  EXPECT_GT(InitKerflineDll2(), 0);
+  EXPECT_EQ(kf::translate_text("Knife"), "Messer");
+}
+
+TEST_F(Translation, IsStartedOncePerProcess) {
+  start_with(po_entry("Knife", "Messer"));
+  const int32_t first = InitKerflineDll2();
+  suite.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Klinge"));
+  EXPECT_EQ(InitKerflineDll2(), first);
+  EXPECT_EQ(kf::translate_text("Knife"), "Messer");
+  // A started service stays with its file even when the suite moves.
+  TempDir other;
+  other.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Klinge"));
+  KerflineSetHomeDir(other.path().c_str());
+  EXPECT_EQ(InitKerflineDll2(), first);
+  EXPECT_EQ(kf::translate_text("Knife"), "Messer");
+}
+
+TEST_F(Translation, FailedStartIsRetriedOnlyAfterTheSuiteDirectoryChanges) {
+  EXPECT_EQ(InitKerflineDll2(), 0);
+  suite.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Messer"));
+  EXPECT_EQ(InitKerflineDll2(), 0);  // tried already
+  EXPECT_EQ(kf::translate_text("Knife"), std::nullopt);
+
+  TempDir other;
+  other.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Klinge"));
+  KerflineSetHomeDir(other.path().c_str());
+  EXPECT_GT(InitKerflineDll2(), 0);
+  EXPECT_EQ(kf::translate_text("Knife"), "Klinge");
+}
+
+TEST_F(Translation, AnUnreadableTranslationFileLeavesTranslationOff) {
+  std::filesystem::create_directories(suite.path() / "lang/GER/kerflineGER.TRA");
+  EXPECT_EQ(InitKerflineDll2(), 0);
+  EXPECT_EQ(kf::translate_text("Knife"), std::nullopt);
+}
+
+TEST_F(Translation, LanguageCodeIsReadIntoTenCharacters) {
+  suite.write("lang.ini", "[Default]\nActual=ABCDEFGHIJKL\n");
+  suite.write("lang/ABCDEFGHI/kerflineABCDEFGHI.TRA", po_entry("Knife", "Cut"));
+  EXPECT_GT(InitKerflineDll2(), 0);
+  EXPECT_EQ(kf::translate_text("Knife"), "Cut");
+}
+
+// --- The start record ---------------------------------------------------------
+
+std::uint32_t u32_at(const unsigned char* bytes, std::size_t offset) {
+  std::uint32_t value = 0;
+  std::memcpy(&value, bytes + offset, sizeof(value));
+  return value;
+}
+
+TEST_F(Translation, StartRecordCarriesFileAndLibraryDirectoryAndNothingElse) {
+  const auto tra = suite.write("lang/GER/kerflineGER.TRA", "");
+  const kf::TranslationStartRecord record = kf::translation_start_record(suite.str());
+  static_assert(sizeof(record) == 816);
+  unsigned char bytes[816];
+  std::memcpy(bytes, &record, sizeof(bytes));
+
+  unsigned char expected[816] = {};
+  const std::uint32_t size = 816;
+  const std::uint32_t one = 1;
+  std::memcpy(expected, &size, 4);
+  std::memcpy(expected + 4, tra.c_str(), tra.string().size());
+  const std::string dll = suite.str() + "lang/dll";
+  std::memcpy(expected + 264, dll.c_str(), dll.size());
+  std::memcpy(expected + 788, &one, 4);
+  EXPECT_EQ(std::memcmp(bytes, expected, sizeof(bytes)), 0);
+  EXPECT_EQ(u32_at(bytes, 524), 0u);
+  EXPECT_EQ(u32_at(bytes, 796), 0u);
+}
+
+TEST_F(Translation, StartRecordPathIsEmptyWithoutTranslationFile) {
+  const kf::TranslationStartRecord record = kf::translation_start_record(suite.str());
+  EXPECT_EQ(record.translation_file[0], '\0');
+  EXPECT_EQ(kf::translation_store().start(record), 0);
+}
+
+TEST(TranslationStore, RefusesBadRecordsAndReportsSmallBuffers) {
+  TempDir dir;
+  const auto file = dir.write("t.TRA", po_entry("Knife", "Messer"));
+  kf::TranslationStore store;
+  EXPECT_EQ(store.add_thread(1), 0);  // not started
+
+  kf::TranslationStartRecord wrong = kf::make_start_record(file.string(), "");
+  wrong.size = 812;
+  EXPECT_EQ(store.start(wrong), 0);
+  const std::string too_long = dir.str() + std::string(300, 'x');
+  EXPECT_EQ(kf::make_start_record(too_long, too_long).translation_file[0], '\0');
+  EXPECT_EQ(kf::make_start_record(too_long, too_long).library_dir[0], '\0');
+
+  ASSERT_EQ(store.start(kf::make_start_record(file.string(), "")), 1);
+  EXPECT_EQ(store.add_thread(1), 1);
+  char out[7];
+  EXPECT_EQ(store.translate("Knife", out, 6), -7);
+  EXPECT_EQ(store.translate("Knife", out, 7), 6);
+  EXPECT_STREQ(out, "Messer");
+  EXPECT_EQ(store.translate("Pen", out, 7), 0);
+  EXPECT_EQ(store.translate(nullptr, out, 7), 0);
+}
+
+// --- Flags and ReplaceString ---------------------------------------------------
+
+TEST_F(FrameTest, TranslationFlagsFollowTheirCalls) {
+  EXPECT_EQ(GetTranslationFlag(), 0xFFFFFFFFu);
+  EXPECT_EQ(RemoveTranslationFlag(1), 0xFFFFFFFEu);
+  EXPECT_FALSE(kf::translation_enabled(kf::kTranslateToolNames));
+  EXPECT_TRUE(kf::translation_enabled(kf::kTranslateMaterialNames));
+  EXPECT_EQ(RemoveTranslationFlag(0x6), ~0x6u);
+  EXPECT_EQ(GetTranslationFlag(), 0xFFFFFFF8u);
+  EXPECT_EQ(AddTranslationFlag(0x5), 0x5u);
+  EXPECT_EQ(GetTranslationFlag(), 0xFFFFFFFDu);
+  EXPECT_EQ(SetTranslationFlag(0), 0xFFFFFFFDu);
+  for (const std::uint32_t kind : {kf::kTranslateToolNames, kf::kTranslateMaterialNames,
+                                   kf::kTranslateDialogTexts, kf::kTranslateExtDialogTexts}) {
+    EXPECT_FALSE(kf::translation_enabled(kind));
+  }
+  EXPECT_EQ(SetTranslationFlag(0x8), 0u);
+  EXPECT_TRUE(kf::translation_enabled(kf::kTranslateExtDialogTexts));
+}
+
+TEST_F(FrameTest, SetTranslationFlagReturnsAllBitsOnTheFirstCall) {
+  EXPECT_EQ(SetTranslationFlag(0), 0xFFFFFFFFu);
+  EXPECT_EQ(GetTranslationFlag(), 0u);
+}
+
+struct ReplaceCase {
+  const char* text;
+  const char* find;
+  const char* replacement;
+  const char* expected;
+  int32_t count;
+};
+
+class ReplaceStringTable : public ::testing::TestWithParam<ReplaceCase> {};
+
+TEST_P(ReplaceStringTable, ReplacesLeftToRightWithoutRescanning) {
+  const ReplaceCase& c = GetParam();
+  char buffer[64] = {};
+  std::strcpy(buffer, c.text);
+  EXPECT_EQ(ReplaceString(buffer, c.find, c.replacement), c.count);
+  EXPECT_STREQ(buffer, c.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ReplaceStringTable,
+    ::testing::Values(ReplaceCase{"%I1 %I2", "%I", "%", "%1 %2", 2},
+                      ReplaceCase{"aaa", "a", "aa", "aaaaaa", 3}, ReplaceCase{"aaaa", "aa", "a", "aa", 2},
+                      ReplaceCase{"abcabc", "abc", "", "", 2},
+                      ReplaceCase{"short", "short", "much longer text", "much longer text", 1},
+                      ReplaceCase{"none here", "x", "y", "none here", 0},
+                      ReplaceCase{"empty find", "", "y", "empty find", 0}, ReplaceCase{"", "a", "b", "", 0}),
+    kerfline::test::RowIndex());
+
+TEST(ReplaceString, NullArgumentsChangeNothing) {
+  char buffer[8] = "abc";
+  EXPECT_EQ(ReplaceString(buffer, nullptr, "x"), 0);
+  EXPECT_EQ(ReplaceString(buffer, "a", nullptr), 0);
+  EXPECT_EQ(ReplaceString(nullptr, "a", "x"), 0);
+  EXPECT_STREQ(buffer, "abc");
+}
+
+}  // namespace
