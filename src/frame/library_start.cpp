@@ -1,11 +1,11 @@
 #include "frame/library_start.hpp"
 
+#include "kerfline/kerfline.h"
+
 namespace kerfline::frame {
 
-// PENDING: these become InitKerflineDll() and InitKerflineDll2() once the
-// start-up exports are in the frame. Until then the text dictionary answers
-// from its built-in table and nothing is translated.
-void ensure_resources_loaded() {}
-void ensure_translation_started() {}
+void ensure_resources_loaded() { (void)InitKerflineDll(); }
+
+void ensure_translation_started() { (void)InitKerflineDll2(); }
 
 }  // namespace kerfline::frame

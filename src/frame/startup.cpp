@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "driver/text_dictionary.hpp"
 #include "frame/language_context.hpp"
 #include "frame/library_state.hpp"
 #include "frame/resources.hpp"
@@ -153,6 +154,9 @@ namespace {
 struct StartOnLoad {
   StartOnLoad() noexcept {
     try {
+      // The driver's text dictionary answers from our string tables, each
+      // answer through the translation service.
+      driver::install_text_services({&resource_text, &translate_text});
       (void)init_library();
       (void)help_file_path();
     } catch (...) {
