@@ -5,25 +5,27 @@
 #include "frame/driver_tree.hpp"
 #include "frame/shown_text.hpp"
 #include "frame/variable_values.hpp"
+#include "platform/codepage.hpp"
 
 namespace kerfline::frame {
 
 namespace {
 
-bool same_ignoring_case(const std::string& a, const char* b) {
-  std::size_t i = 0;
-  for (; i < a.size() && b[i] != '\0'; ++i) {
-    auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    if (lower(a[i]) != lower(b[i])) return false;
-  }
-  return i == a.size() && b[i] == '\0';
+// A flag variable counts as set with a nonzero number, "true" or "yes".
+bool value_is_set(const std::string& value) {
+  if (const auto number = leading_number(value)) return *number != 0.0;
+  std::size_t first = 0;
+  while (first < value.size() && (value[first] == ' ' || value[first] == '\t')) ++first;
+  std::string word = value.substr(first);
+  while (!word.empty() && (word.back() == ' ' || word.back() == '\t')) word.pop_back();
+  return platform::cp1252::equals_no_case(word, "true") || platform::cp1252::equals_no_case(word, "yes");
 }
 
 std::uint32_t variable_bits(driver::CDrvItemList& tool) {
   std::uint32_t bits = 0;
   auto take = [&](const std::string& name, std::uint32_t bit) {
     const driver::CDrvItem* item = own_variable(tool, name);
-    if (item != nullptr && leading_number(item->GetValue()).value_or(0.0) != 0.0) bits |= bit;
+    if (item != nullptr && value_is_set(item->GetValue())) bits |= bit;
   };
   for (int i = 1; i <= 8; ++i) take("%Flags_" + std::to_string(i) + "%", 1u << (i - 1));
   for (int i = 1; i <= 5; ++i) take("%OutFlag_" + std::to_string(i) + "%", 0x100u << (i - 1));
@@ -41,8 +43,8 @@ bool find_tool_flags(const driver::CVm6Drv& doc, const char* tool_name, std::uin
     if (tool->Name != tool_name && shown_text(kShowToolName, tool->Name) != tool_name) continue;
     std::uint32_t bits = variable_bits(*tool);
     const std::string type = tool->GetValue();
-    if (!same_ignoring_case(type, "Transfer")) bits |= 0x4;
-    if (!same_ignoring_case(type, "Contour")) bits |= 0x8;
+    if (!platform::cp1252::equals_no_case(type, "Transfer")) bits |= 0x4;
+    if (!platform::cp1252::equals_no_case(type, "Contour")) bits |= 0x8;
     flags = bits;
     return true;
   }

@@ -10,7 +10,7 @@ namespace kerfline::frame {
 // Finds the tool by its stored (or shown) name and sets `flags` to the bits
 // of its flag variables ("%Flags_1%".."%Flags_8%" 0x1..0x80,
 // "%OutFlag_1%".."%OutFlag_5%" 0x100..0x1000, "%LayerVarFlag%" 0x2000, each
-// when present and nonzero), plus 0x4 when its type is NOT "Transfer" and
+// when present and set: a nonzero number, "true" or "yes"), plus 0x4 when its type is NOT "Transfer" and
 // 0x8 when it is NOT "Contour" (types compared without regard to case).
 // False, with `flags` untouched, when the driver has no such tool.
 bool find_tool_flags(const driver::CVm6Drv& doc, const char* tool_name, std::uint32_t& flags);

@@ -71,6 +71,8 @@ struct SampleDriver {
     cut->AddChild(item("%Flags_1%", "1", drv::type_code::kBool));
     cut->AddChild(item("%Flags_2%", "0", drv::type_code::kBool));
     cut->AddChild(item("%OutFlag_2%", "1", drv::type_code::kBool));
+    cut->AddChild(item("%OutFlag_3%", "no", drv::type_code::kBool));
+    cut->AddChild(item("%LayerVarFlag%", " Yes ", drv::type_code::kBool));
     auto layers = group("Layervariablen", 0x8120);
     layers->AddChild(item("%Layer%", "layer"));
     layers->AddChild(item("%IDepth%", "layerdepth"));

@@ -39,7 +39,7 @@ TEST(Tools, WalkListsEveryToolOnce) {
   EXPECT_EQ(seen[0].name, "Cut");
   EXPECT_EQ(seen[0].type, "Contour");
   EXPECT_EQ(seen[0].index, 0);
-  EXPECT_EQ(seen[0].vars, 8);  // the sub-lists are not variables
+  EXPECT_EQ(seen[0].vars, 10);  // the sub-lists are not variables
   EXPECT_EQ(seen[1].name, "Move");
   EXPECT_EQ(seen[1].type, "Transfer");
   EXPECT_EQ(seen[1].index, 1);
@@ -187,12 +187,13 @@ TEST_P(ToolFlags, BitsFromVariablesAndType) {
   EXPECT_EQ(flags, row.flags);
 }
 
-// Cut: %Flags_1% and %OutFlag_2% set, %Flags_2% zero. Move: %Flags_8%.
+// Cut: %Flags_1%, %OutFlag_2% and %LayerVarFlag% (" Yes ") set, %Flags_2% and
+// %OutFlag_3% ("no") not. Move: %Flags_8%.
 INSTANTIATE_TEST_SUITE_P(Table, ToolFlags,
-                         ::testing::Values(FlagRow{"Cut", nullptr, true, 0x1 | 0x200 | 0x4},  // Contour: 0x4 only
-                                           FlagRow{"Cut", "contour", true, 0x1 | 0x200 | 0x4},
-                                           FlagRow{"Cut", "Transfer", true, 0x1 | 0x200 | 0x8},
-                                           FlagRow{"Cut", "Knife", true, 0x1 | 0x200 | 0x4 | 0x8},
+                         ::testing::Values(FlagRow{"Cut", nullptr, true, 0x1 | 0x200 | 0x2000 | 0x4},  // Contour: 0x4 only
+                                           FlagRow{"Cut", "contour", true, 0x1 | 0x200 | 0x2000 | 0x4},
+                                           FlagRow{"Cut", "Transfer", true, 0x1 | 0x200 | 0x2000 | 0x8},
+                                           FlagRow{"Cut", "Knife", true, 0x1 | 0x200 | 0x2000 | 0x4 | 0x8},
                                            FlagRow{"Move", nullptr, true, 0x80 | 0x8},  // Transfer: 0x8 only
                                            FlagRow{"cut", nullptr, false, 0xDEAD},
                                            FlagRow{"None", nullptr, false, 0xDEAD},
