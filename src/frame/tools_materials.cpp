@@ -128,7 +128,8 @@ std::int32_t add_material(VMV6DRV* drv, const char* name, DRVMATERIAL* out) {
   doc->RefreshGroupList();
   doc->PendingState = 0;
   if (out == nullptr) return 1;
-  const std::int32_t filled = fill_material(*doc, material, static_cast<std::int32_t>(materials.size()), *out);
+  const std::int32_t filled =
+      fill_material(*doc, material, static_cast<std::int32_t>(materials.size()), *out);
   return filled == 1 ? 1 : filled;
 }
 

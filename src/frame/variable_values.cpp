@@ -71,23 +71,35 @@ double item_double(const driver::CDrvItem& item) {
 
 std::int32_t chosen_value_type(std::uint32_t item_type) {
   switch (item_type) {
-    case driver::type_code::kDouble: return KERFLINE_VT_DOUBLE;
-    case driver::type_code::kInteger: return KERFLINE_VT_INTEGER;
-    case driver::type_code::kBool: return KERFLINE_VT_FLOAT;
-    case driver::type_code::kDate: return KERFLINE_VT_DATE;
-    default: return KERFLINE_VT_TEXT;
+    case driver::type_code::kDouble:
+      return KERFLINE_VT_DOUBLE;
+    case driver::type_code::kInteger:
+      return KERFLINE_VT_INTEGER;
+    case driver::type_code::kBool:
+      return KERFLINE_VT_FLOAT;
+    case driver::type_code::kDate:
+      return KERFLINE_VT_DATE;
+    default:
+      return KERFLINE_VT_TEXT;
   }
 }
 
 std::int32_t read_value(const driver::CDrvItem& item, ValueSlot slot, bool trim_dialog_text) {
   if (slot.value_type == KERFLINE_VT_AUTO) slot.value_type = chosen_value_type(item.Type);
   switch (slot.value_type) {
-    case KERFLINE_VT_INTEGER: slot.value.nInt = item_integer(item); return 1;
-    case KERFLINE_VT_FLOAT: slot.value.fFloat = static_cast<float>(item_double(item)); return 1;
-    case KERFLINE_VT_DOUBLE: slot.value.dDouble = item_double(item); return 1;
+    case KERFLINE_VT_INTEGER:
+      slot.value.nInt = item_integer(item);
+      return 1;
+    case KERFLINE_VT_FLOAT:
+      slot.value.fFloat = static_cast<float>(item_double(item));
+      return 1;
+    case KERFLINE_VT_DOUBLE:
+      slot.value.dDouble = item_double(item);
+      return 1;
     case KERFLINE_VT_TEXT: {
       std::string text = item.GetValue();
-      if (trim_dialog_text && dynamic_cast<const driver::CDrvItemDlgVar*>(&item) != nullptr) text = trimmed(text);
+      if (trim_dialog_text && dynamic_cast<const driver::CDrvItemDlgVar*>(&item) != nullptr)
+        text = trimmed(text);
       char* copy = library_strdup(text);
       if (copy == nullptr) return -3;
       slot.value.pszText = copy;
@@ -100,22 +112,28 @@ std::int32_t read_value(const driver::CDrvItem& item, ValueSlot slot, bool trim_
       slot.value.anDate[2] = static_cast<std::int32_t>(packed >> 16);
       return 1;
     }
-    default: return slot.value_type == 0 ? 1 : 0;  // 6 to 9 and out of range
+    default:
+      return slot.value_type == 0 ? 1 : 0;  // 6 to 9 and out of range
   }
 }
 
 std::optional<std::string> value_text(const driver::CDrvItem& item, ValueSlot slot) {
   if (slot.value_type == KERFLINE_VT_AUTO) slot.value_type = chosen_value_type(item.Type);
   switch (slot.value_type) {
-    case KERFLINE_VT_INTEGER: return decimal(slot.value.nInt);
-    case KERFLINE_VT_FLOAT: return decimal(slot.value.fFloat);
-    case KERFLINE_VT_DOUBLE: return decimal(slot.value.dDouble);
+    case KERFLINE_VT_INTEGER:
+      return decimal(slot.value.nInt);
+    case KERFLINE_VT_FLOAT:
+      return decimal(slot.value.fFloat);
+    case KERFLINE_VT_DOUBLE:
+      return decimal(slot.value.dDouble);
     case KERFLINE_VT_TEXT:
       if (slot.value.pszText == nullptr) return std::nullopt;
       return std::string(slot.value.pszText);
     case KERFLINE_VT_DATE:
-      return decimal(slot.value.anDate[0]) + "." + decimal(slot.value.anDate[1]) + "." + decimal(slot.value.anDate[2]);
-    default: return std::nullopt;
+      return decimal(slot.value.anDate[0]) + "." + decimal(slot.value.anDate[1]) + "." +
+             decimal(slot.value.anDate[2]);
+    default:
+      return std::nullopt;
   }
 }
 

@@ -65,30 +65,40 @@ bool kind_allowed(Api api, std::int32_t kind) {
   switch (kind) {
     case KERFLINE_VARKIND_DRIVER:
     case KERFLINE_VARKIND_JOYSTICK:
-    case KERFLINE_VARKIND_VIDEO: return api != Api::Dialog;
+    case KERFLINE_VARKIND_VIDEO:
+      return api != Api::Dialog;
     case KERFLINE_VARKIND_OWNER:
-    case KERFLINE_VARKIND_OWNER_INT: return true;
+    case KERFLINE_VARKIND_OWNER_INT:
+      return true;
     case KERFLINE_VARKIND_LAYER:
-    case KERFLINE_VARKIND_TOOLPARM: return api != Api::Get;
-    default: return false;
+    case KERFLINE_VARKIND_TOOLPARM:
+      return api != Api::Get;
+    default:
+      return false;
   }
 }
 
 Found lookup(CVm6Drv& doc, const std::string& name, std::int32_t kind, const void* owner, Api api) {
   if (!kind_allowed(api, kind)) return {};
   switch (kind) {
-    case KERFLINE_VARKIND_DRIVER: return {doc.FindItem(name), kNotFound};
-    case KERFLINE_VARKIND_JOYSTICK: return {plain_child(group_named(doc, kJoystickList), name), kNotFound};
-    case KERFLINE_VARKIND_VIDEO: return {plain_child(group_named(doc, kVideoList), name), kNotFound};
-    default: break;
+    case KERFLINE_VARKIND_DRIVER:
+      return {doc.FindItem(name), kNotFound};
+    case KERFLINE_VARKIND_JOYSTICK:
+      return {plain_child(group_named(doc, kJoystickList), name), kNotFound};
+    case KERFLINE_VARKIND_VIDEO:
+      return {plain_child(group_named(doc, kVideoList), name), kNotFound};
+    default:
+      break;
   }
   const bool sub_list_kind = kind == KERFLINE_VARKIND_LAYER || kind == KERFLINE_VARKIND_TOOLPARM;
   if (owner == nullptr) return {nullptr, sub_list_kind ? kBadArgument : kNotFound};
   CDrvItemList* group = owner_group(owner, doc);
   if (group == nullptr) return {};
   switch (kind) {
-    case KERFLINE_VARKIND_OWNER: return {own_variable(*group, name), kNotFound};
-    case KERFLINE_VARKIND_OWNER_INT: return {own_variable(*group, integer_form(name)), kNotFound};
+    case KERFLINE_VARKIND_OWNER:
+      return {own_variable(*group, name), kNotFound};
+    case KERFLINE_VARKIND_OWNER_INT:
+      return {own_variable(*group, integer_form(name)), kNotFound};
     case KERFLINE_VARKIND_TOOLPARM:
       return {plain_child(sub_list(*group, kToolParmList, kToolParmListType), name), kNotFound};
     default: {
@@ -136,8 +146,9 @@ std::int32_t read_var(CVm6Drv& doc, VMV6VAR& var, const std::string& name, CDrvI
     // record as it was.
     VMV6VAR attempt = var;
     CDrvItem* variant_item = nullptr;
-    const std::int32_t result = read_found(doc, variant_name(doc, name), var.nKind, var.pOwner, Api::Get,
-                                           {attempt.nValueType, attempt.uValue}, attempt.dNumber, &variant_item);
+    const std::int32_t result =
+        read_found(doc, variant_name(doc, name), var.nKind, var.pOwner, Api::Get,
+                   {attempt.nValueType, attempt.uValue}, attempt.dNumber, &variant_item);
     if (result > 0) {
       var = attempt;
       if (found_item != nullptr) *found_item = variant_item;
@@ -182,8 +193,8 @@ std::int32_t get_dlg_var(VMV6DLGVAR* var) {
   CVm6Drv* doc = checked(var, name);
   if (doc == nullptr) return kBadArgument;
   CDrvItem* item = nullptr;
-  const std::int32_t result =
-      read_found(*doc, name, var->nKind, var->pOwner, Api::Dialog, {var->nValueType, var->uValue}, var->dNumber, &item);
+  const std::int32_t result = read_found(*doc, name, var->nKind, var->pOwner, Api::Dialog,
+                                         {var->nValueType, var->uValue}, var->dNumber, &item);
   if (result <= 0) return result;
   var->pszDlgText = nullptr;
   var->pszDlgFormat = nullptr;
@@ -207,7 +218,8 @@ std::int32_t set_var(VMV6VAR* var) {
   CVm6Drv* doc = checked(var, name);
   if (doc == nullptr) return kBadArgument;
   Found found;
-  if (has_variant(*doc, name)) found = lookup(*doc, variant_name(*doc, name), var->nKind, var->pOwner, Api::Set);
+  if (has_variant(*doc, name))
+    found = lookup(*doc, variant_name(*doc, name), var->nKind, var->pOwner, Api::Set);
   if (found.item == nullptr) found = lookup(*doc, name, var->nKind, var->pOwner, Api::Set);
   if (found.item == nullptr) return found.status;
   if (var->nValueType == KERFLINE_VT_TEXT && var->uValue.pszText == nullptr) return kBadArgument;
@@ -219,7 +231,8 @@ std::int32_t set_var(VMV6VAR* var) {
 // The group a walk goes through.
 CDrvItemList* walked_group(CVm6Drv& doc, const void* owner, const std::string& group) {
   CDrvItemList* tool = owner != nullptr ? owner_group(owner, doc) : nullptr;
-  if (group == kToolParmList) return tool != nullptr ? sub_list(*tool, kToolParmList, kToolParmListType) : nullptr;
+  if (group == kToolParmList)
+    return tool != nullptr ? sub_list(*tool, kToolParmList, kToolParmListType) : nullptr;
   if (group == kLayerList) return tool != nullptr ? sub_list(*tool, kLayerList, kLayerListType) : nullptr;
   if (tool != nullptr) {
     for (const auto& child : member_groups(tool)) {
@@ -362,7 +375,8 @@ KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* val
 }
 
 KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value) {
-  return guarded([&] { return kerfline::frame::set_setting(drv, kerfline::frame::kJoystickList, name, value); });
+  return guarded(
+      [&] { return kerfline::frame::set_setting(drv, kerfline::frame::kJoystickList, name, value); });
 }
 
 }  // extern "C"

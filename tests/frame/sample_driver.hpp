@@ -25,7 +25,8 @@ inline std::shared_ptr<drv::CDrvItem> item(const std::string& name, const std::s
   return it;
 }
 
-inline std::shared_ptr<drv::CDrvItemList> group(const std::string& name, std::uint32_t type = drv::type_code::kString) {
+inline std::shared_ptr<drv::CDrvItemList> group(const std::string& name,
+                                                std::uint32_t type = drv::type_code::kString) {
   auto g = std::make_shared<drv::CDrvItemList>();
   g->Name = name;
   g->Type = type;

@@ -44,7 +44,7 @@ TEST(Tools, WalkListsEveryToolOnce) {
   EXPECT_EQ(seen[1].type, "Transfer");
   EXPECT_EQ(seen[1].index, 1);
   EXPECT_EQ(seen[1].vars, 1);
-  EXPECT_EQ(FreeTool(&tool), 1);  // harmless on a released record
+  EXPECT_EQ(FreeTool(&tool), 1);                // harmless on a released record
   EXPECT_EQ(GetNextTool(&d.handle, &tool), 1);  // an empty record starts over
   EXPECT_STREQ(tool.pszName, "Cut");
   EXPECT_EQ(FreeTool(&tool), 1);
@@ -189,16 +189,16 @@ TEST_P(ToolFlags, BitsFromVariablesAndType) {
 
 // Cut: %Flags_1%, %OutFlag_2% and %LayerVarFlag% (" Yes ") set, %Flags_2% and
 // %OutFlag_3% ("no") not. Move: %Flags_8%.
-INSTANTIATE_TEST_SUITE_P(Table, ToolFlags,
-                         ::testing::Values(FlagRow{"Cut", nullptr, true, 0x1 | 0x200 | 0x2000 | 0x4},  // Contour: 0x4 only
-                                           FlagRow{"Cut", "contour", true, 0x1 | 0x200 | 0x2000 | 0x4},
-                                           FlagRow{"Cut", "Transfer", true, 0x1 | 0x200 | 0x2000 | 0x8},
-                                           FlagRow{"Cut", "Knife", true, 0x1 | 0x200 | 0x2000 | 0x4 | 0x8},
-                                           FlagRow{"Move", nullptr, true, 0x80 | 0x8},  // Transfer: 0x8 only
-                                           FlagRow{"cut", nullptr, false, 0xDEAD},
-                                           FlagRow{"None", nullptr, false, 0xDEAD},
-                                           FlagRow{nullptr, nullptr, false, 0xDEAD}),
-                         kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(
+    Table, ToolFlags,
+    ::testing::Values(FlagRow{"Cut", nullptr, true, 0x1 | 0x200 | 0x2000 | 0x4},  // Contour: 0x4 only
+                      FlagRow{"Cut", "contour", true, 0x1 | 0x200 | 0x2000 | 0x4},
+                      FlagRow{"Cut", "Transfer", true, 0x1 | 0x200 | 0x2000 | 0x8},
+                      FlagRow{"Cut", "Knife", true, 0x1 | 0x200 | 0x2000 | 0x4 | 0x8},
+                      FlagRow{"Move", nullptr, true, 0x80 | 0x8},  // Transfer: 0x8 only
+                      FlagRow{"cut", nullptr, false, 0xDEAD}, FlagRow{"None", nullptr, false, 0xDEAD},
+                      FlagRow{nullptr, nullptr, false, 0xDEAD}),
+    kerfline::test::RowIndex());
 
 TEST(Walk, GroupsOfTheDriverAndOfATool) {
   SampleDriver d;

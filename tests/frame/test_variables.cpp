@@ -57,32 +57,32 @@ TEST_P(GetVarLookup, FindsTheItemTheRulesName) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, GetVarLookup,
-    ::testing::Values(
-        LookupRow{1, "%Speed%", "0", Owner::None, 1, "speed"},
-        LookupRow{1, "%Speed%", "3", Owner::None, 1, "speed3"},        // variant name first
-        LookupRow{1, "%Speed%", "4", Owner::None, 1, "speed"},         // no variant item: as given
-        LookupRow{1, "%A.1%", "2", Owner::None, 1, "a1"},              // a "." stops the variant
-        LookupRow{1, "%Speed.3%", "0", Owner::None, 1, "speed3"},
-        LookupRow{1, "%Nope%", "3", Owner::None, -5, nullptr},
-        LookupRow{1, "%Speed%", "0", Owner::Cut, 1, "speed"},          // an owner does not matter
-        LookupRow{1, "%Depth%", "0", Owner::None, 1, "tooldepth"},      // the tree holds every group
-        LookupRow{2, "%Depth%", "0", Owner::Cut, 1, "tooldepth"},
-        LookupRow{2, "%Depth%", "3", Owner::Cut, 1, "tooldepth3"},
-        LookupRow{2, "%Depth%", "0", Owner::None, -5, nullptr},        // no owner
-        LookupRow{2, "%Depth%", "0", Owner::Move, -5, nullptr},
-        LookupRow{2, "%Speed%", "0", Owner::Cut, -5, nullptr},         // the owner's list only
-        LookupRow{3, "%Speed%", "0", Owner::Cut, 1, "toolispeed"},     // %ISpeed%
-        LookupRow{3, "%Speed%", "9", Owner::Cut, 1, "toolispeed"},
-        LookupRow{3, "%ISpeed%", "0", Owner::Cut, -5, nullptr},        // %IISpeed%
-        LookupRow{3, "%Depth%", "0", Owner::Cut, -5, nullptr},         // %IDepth% lives in a sub-list
-        LookupRow{7, "%Step%", "0", Owner::None, 1, "step"},
-        LookupRow{7, "%Cam%", "0", Owner::None, -5, nullptr},
-        LookupRow{8, "%Cam%", "0", Owner::None, 1, "cam"},
-        LookupRow{5, "%Layer%", "0", Owner::Cut, -5, nullptr},         // dialog kinds are not GetVar's
-        LookupRow{6, "%TP%", "0", Owner::Cut, -5, nullptr},
-        LookupRow{0, "%Speed%", "0", Owner::None, -5, nullptr},
-        LookupRow{4, "%Speed%", "0", Owner::None, -5, nullptr},
-        LookupRow{9, "%Speed%", "0", Owner::None, -5, nullptr}),
+    ::testing::Values(LookupRow{1, "%Speed%", "0", Owner::None, 1, "speed"},
+                      LookupRow{1, "%Speed%", "3", Owner::None, 1, "speed3"},  // variant name first
+                      LookupRow{1, "%Speed%", "4", Owner::None, 1, "speed"},   // no variant item: as given
+                      LookupRow{1, "%A.1%", "2", Owner::None, 1, "a1"},        // a "." stops the variant
+                      LookupRow{1, "%Speed.3%", "0", Owner::None, 1, "speed3"},
+                      LookupRow{1, "%Nope%", "3", Owner::None, -5, nullptr},
+                      LookupRow{1, "%Speed%", "0", Owner::Cut, 1, "speed"},  // an owner does not matter
+                      LookupRow{1, "%Depth%", "0", Owner::None, 1,
+                                "tooldepth"},  // the tree holds every group
+                      LookupRow{2, "%Depth%", "0", Owner::Cut, 1, "tooldepth"},
+                      LookupRow{2, "%Depth%", "3", Owner::Cut, 1, "tooldepth3"},
+                      LookupRow{2, "%Depth%", "0", Owner::None, -5, nullptr},  // no owner
+                      LookupRow{2, "%Depth%", "0", Owner::Move, -5, nullptr},
+                      LookupRow{2, "%Speed%", "0", Owner::Cut, -5, nullptr},      // the owner's list only
+                      LookupRow{3, "%Speed%", "0", Owner::Cut, 1, "toolispeed"},  // %ISpeed%
+                      LookupRow{3, "%Speed%", "9", Owner::Cut, 1, "toolispeed"},
+                      LookupRow{3, "%ISpeed%", "0", Owner::Cut, -5, nullptr},  // %IISpeed%
+                      LookupRow{3, "%Depth%", "0", Owner::Cut, -5, nullptr},   // %IDepth% lives in a sub-list
+                      LookupRow{7, "%Step%", "0", Owner::None, 1, "step"},
+                      LookupRow{7, "%Cam%", "0", Owner::None, -5, nullptr},
+                      LookupRow{8, "%Cam%", "0", Owner::None, 1, "cam"},
+                      LookupRow{5, "%Layer%", "0", Owner::Cut, -5, nullptr},  // dialog kinds are not GetVar's
+                      LookupRow{6, "%TP%", "0", Owner::Cut, -5, nullptr},
+                      LookupRow{0, "%Speed%", "0", Owner::None, -5, nullptr},
+                      LookupRow{4, "%Speed%", "0", Owner::None, -5, nullptr},
+                      LookupRow{9, "%Speed%", "0", Owner::None, -5, nullptr}),
     kerfline::test::RowIndex());
 
 struct DialogRow {
@@ -128,7 +128,8 @@ TEST_P(GetDlgVarLookup, FindsTheItemAndItsDialogTexts) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, GetDlgVarLookup,
-    ::testing::Values(DialogRow{2, "%Dlg%", Owner::Cut, 1, "3.25", "Cut depth"},  // blanks trimmed with an owner
+    ::testing::Values(DialogRow{2, "%Dlg%", Owner::Cut, 1, "3.25",
+                                "Cut depth"},  // blanks trimmed with an owner
                       DialogRow{2, "%Depth%", Owner::Cut, 1, "tooldepth", nullptr},
                       DialogRow{3, "%DlgInt%", Owner::Cut, 1, "4", "Passes"},
                       DialogRow{5, "%Layer%", Owner::Cut, 1, "layer", nullptr},
@@ -211,17 +212,18 @@ TEST_P(ValueTypes, ConvertTheItemText) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ValueTypes,
-    ::testing::Values(ValueRow{drv::type_code::kDouble, "2.75", 2, 2.75, {2, 75, 0}, KERFLINE_VT_DOUBLE},
-                      ValueRow{drv::type_code::kDouble, "-1e3", -1000, -1000.0, {255, 0, 0}, KERFLINE_VT_DOUBLE},
-                      ValueRow{drv::type_code::kInteger, "42", 42, 42.0, {42, 0, 0}, KERFLINE_VT_INTEGER},
-                      ValueRow{drv::type_code::kInteger, " +7xyz", 7, 7.0, {7, 0, 0}, KERFLINE_VT_INTEGER},
-                      ValueRow{drv::type_code::kInteger, "1e99", 2147483647, 1e99, {1, 0, 0}, KERFLINE_VT_INTEGER},
-                      ValueRow{drv::type_code::kBool, "1", 1, 1.0, {1, 0, 0}, KERFLINE_VT_FLOAT},
-                      ValueRow{drv::type_code::kDate, "31.12.2009", 0x07D90C1F, 131664927.0, {31, 12, 2009},
-                               KERFLINE_VT_DATE},
-                      ValueRow{drv::type_code::kString, "hello", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT},
-                      ValueRow{drv::type_code::kString, "", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT},
-                      ValueRow{drv::type_code::kCutInstr, "(AL:10e6)", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT}),
+    ::testing::Values(
+        ValueRow{drv::type_code::kDouble, "2.75", 2, 2.75, {2, 75, 0}, KERFLINE_VT_DOUBLE},
+        ValueRow{drv::type_code::kDouble, "-1e3", -1000, -1000.0, {255, 0, 0}, KERFLINE_VT_DOUBLE},
+        ValueRow{drv::type_code::kInteger, "42", 42, 42.0, {42, 0, 0}, KERFLINE_VT_INTEGER},
+        ValueRow{drv::type_code::kInteger, " +7xyz", 7, 7.0, {7, 0, 0}, KERFLINE_VT_INTEGER},
+        ValueRow{drv::type_code::kInteger, "1e99", 2147483647, 1e99, {1, 0, 0}, KERFLINE_VT_INTEGER},
+        ValueRow{drv::type_code::kBool, "1", 1, 1.0, {1, 0, 0}, KERFLINE_VT_FLOAT},
+        ValueRow{
+            drv::type_code::kDate, "31.12.2009", 0x07D90C1F, 131664927.0, {31, 12, 2009}, KERFLINE_VT_DATE},
+        ValueRow{drv::type_code::kString, "hello", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT},
+        ValueRow{drv::type_code::kString, "", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT},
+        ValueRow{drv::type_code::kCutInstr, "(AL:10e6)", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT}),
     kerfline::test::RowIndex());
 
 TEST(GetVar, CodesOutsideTheTableFillNothing) {
@@ -424,6 +426,40 @@ TEST(SetVar, TextsRoundTripThroughGetVar) {
   VMV6VAR missing = d.request("%Nope%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_TEXT);
   missing.uValue.pszText = text;
   EXPECT_EQ(SetVar(&missing), -5);
+}
+
+TEST(SetVar, ToolSubListsAndTheirBadOwners) {
+  SampleDriver d;
+  DRVTOOL cut{};
+  DRVTOOL move{};
+  open_tool(d, Owner::Cut, cut);
+  open_tool(d, Owner::Move, move);
+  char text[] = "set";
+  struct {
+    std::int32_t kind;
+    const char* name;
+    DRVTOOL* owner;
+    std::int32_t result;
+  } const rows[] = {
+      {KERFLINE_VARKIND_TOOLPARM, "%TP%", &cut, 1},     {KERFLINE_VARKIND_LAYER, "%Depth%", &cut, 1},
+      {KERFLINE_VARKIND_LAYER, "%Layer%", &move, -5},   {KERFLINE_VARKIND_LAYER, "%Layer%", nullptr, -2},
+      {KERFLINE_VARKIND_TOOLPARM, "%TP%", nullptr, -2}, {KERFLINE_VARKIND_OWNER, "%Depth%", nullptr, -5}};
+  for (const auto& row : rows) {
+    VMV6VAR var = d.request(row.name, row.kind, KERFLINE_VT_TEXT, row.owner);
+    var.uValue.pszText = text;
+    EXPECT_EQ(SetVar(&var), row.result) << row.kind << row.name;
+  }
+  VMV6DLGVAR read{};
+  std::strcpy(read.szName, "%Depth%");
+  read.pDrv = &d.handle;
+  read.nKind = KERFLINE_VARKIND_LAYER;
+  read.nValueType = KERFLINE_VT_TEXT;
+  read.pOwner = &cut;
+  ASSERT_EQ(GetDlgVar(&read), 1);
+  EXPECT_STREQ(read.uValue.pszText, "set");  // %IDepth% took the text
+  FreeDlgVar(&read);
+  FreeTool(&cut);
+  FreeTool(&move);
 }
 
 TEST(SetVar, IntegerDialogVariablesCheckTheirInput) {
