@@ -528,7 +528,7 @@ KERFLINE_API int32_t SetVar(VMV6VAR* var);
  * the sub-lists of the tool in var->pOwner; any other group ("Sonderbefehle:",
  * "%Modi%", ...) is found in the driver by name (or, with an owner, among
  * the owner's groups first). The found item's name is written to szName and
- * its value converted as GetVar does. GetNextVar continues after the item
+ * its value converted as GetVar does (dNumber too, for a dialog variable). GetNextVar continues after the item
  * named in szName (and releases a text value left in the record first, so a
  * walk ends with a single FreeVar). Groups inside the group, items whose name
  * does not fit the 64 bytes and repeated names are skipped.
