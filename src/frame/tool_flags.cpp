@@ -35,20 +35,29 @@ std::uint32_t variable_bits(driver::CDrvItemList& tool) {
 
 }  // namespace
 
-bool find_tool_flags(const driver::CVm6Drv& doc, const char* tool_name, std::uint32_t& flags) {
+bool find_tool_bits(const driver::CVm6Drv& doc, const char* tool_name, std::uint32_t& bits,
+                    std::string& type) {
   if (tool_name == nullptr) return false;
   // Finding children trims their names; that is the only change made.
   auto& document = const_cast<driver::CVm6Drv&>(doc);
   for (const auto& tool : member_groups(tools_group(document))) {
     if (tool->Name != tool_name && shown_text(kShowToolName, tool->Name) != tool_name) continue;
-    std::uint32_t bits = variable_bits(*tool);
-    const std::string type = tool->GetValue();
-    if (!platform::cp1252::equals_no_case(type, "Transfer")) bits |= 0x4;
-    if (!platform::cp1252::equals_no_case(type, "Contour")) bits |= 0x8;
-    flags = bits;
+    bits = variable_bits(*tool);
+    type = tool->GetValue();
     return true;
   }
   return false;
+}
+
+bool find_tool_flags(const driver::CVm6Drv& doc, const char* tool_name, std::uint32_t& flags) {
+  std::uint32_t bits = 0;
+  std::string type;
+  if (!find_tool_bits(doc, tool_name, bits, type)) return false;
+  // The reverse of the fixed-layout files' reading, as hosts expect it.
+  if (!platform::cp1252::equals_no_case(type, "Transfer")) bits |= 0x4;
+  if (!platform::cp1252::equals_no_case(type, "Contour")) bits |= 0x8;
+  flags = bits;
+  return true;
 }
 
 }  // namespace kerfline::frame

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "driver/vm6drv.hpp"
 
@@ -14,5 +15,11 @@ namespace kerfline::frame {
 // 0x8 when it is NOT "Contour" (types compared without regard to case).
 // False, with `flags` untouched, when the driver has no such tool.
 bool find_tool_flags(const driver::CVm6Drv& doc, const char* tool_name, std::uint32_t& flags);
+
+// The two parts of that answer: the bits of the flag variables and the
+// tool's type text, before the type adds 0x4/0x8. False, both untouched,
+// when the driver has no such tool.
+bool find_tool_bits(const driver::CVm6Drv& doc, const char* tool_name, std::uint32_t& bits,
+                    std::string& type);
 
 }  // namespace kerfline::frame

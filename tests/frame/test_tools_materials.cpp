@@ -185,6 +185,15 @@ TEST_P(ToolFlags, BitsFromVariablesAndType) {
   std::uint32_t flags = 0xDEAD;
   EXPECT_EQ(kerfline::frame::find_tool_flags(d.doc, row.tool, flags), row.found);
   EXPECT_EQ(flags, row.flags);
+  // The parts before the type's bits: no tool here sets %Flags_3% or %Flags_4%.
+  std::uint32_t bits = 0xDEAD;
+  std::string type = "unset";
+  EXPECT_EQ(kerfline::frame::find_tool_bits(d.doc, row.tool, bits, type), row.found);
+  EXPECT_EQ(bits, row.found ? row.flags & ~0xCu : 0xDEAD);
+  if (row.found) {
+    EXPECT_EQ(type,
+              row.type != nullptr ? row.type : (std::string(row.tool) == "Cut" ? "Contour" : "Transfer"));
+  }
 }
 
 // Cut: %Flags_1%, %OutFlag_2% and %LayerVarFlag% (" Yes ") set, %Flags_2% and
