@@ -1,9 +1,12 @@
 #include "frame/shown_text.hpp"
 
+#include "frame/resources.hpp"
+
 namespace kerfline::frame {
 
-// The translation service is not part of this module yet: texts are shown
-// as stored until it is wired in here (the only place that needs it).
-std::string shown_text(std::uint32_t /*kind*/, const std::string& text) { return text; }
+std::string shown_text(std::uint32_t kind, const std::string& text) {
+  if (!translation_enabled(kind)) return text;
+  return translate_text(text).value_or(text);
+}
 
 }  // namespace kerfline::frame

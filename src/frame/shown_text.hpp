@@ -7,6 +7,7 @@
 
 namespace kerfline::frame {
 
+// The translation switches (translation flags 0x1, 0x2, 0x4).
 inline constexpr std::uint32_t kShowToolName = 0x1;
 inline constexpr std::uint32_t kShowMaterialName = 0x2;
 inline constexpr std::uint32_t kShowDialogText = 0x4;

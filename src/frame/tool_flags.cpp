@@ -2,24 +2,14 @@
 
 #include <string>
 
+#include "frame/driver_flags.hpp"
 #include "frame/driver_tree.hpp"
 #include "frame/shown_text.hpp"
-#include "frame/variable_values.hpp"
 #include "platform/codepage.hpp"
 
 namespace kerfline::frame {
 
 namespace {
-
-// A flag variable counts as set with a nonzero number, "true" or "yes".
-bool value_is_set(const std::string& value) {
-  if (const auto number = leading_number(value)) return *number != 0.0;
-  std::size_t first = 0;
-  while (first < value.size() && (value[first] == ' ' || value[first] == '\t')) ++first;
-  std::string word = value.substr(first);
-  while (!word.empty() && (word.back() == ' ' || word.back() == '\t')) word.pop_back();
-  return platform::cp1252::equals_no_case(word, "true") || platform::cp1252::equals_no_case(word, "yes");
-}
 
 std::uint32_t variable_bits(driver::CDrvItemList& tool) {
   std::uint32_t bits = 0;
