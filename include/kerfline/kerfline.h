@@ -382,6 +382,221 @@ KERFLINE_API int32_t ReadDeviceValsEx(void);     /* 0 */
  * Variables, tools and materials
  * ====================================================================== */
 
+/*
+ * Where a driver keeps its tools and materials (see docs/drivers-tools-materials.md):
+ * the group "Werkzeugvariablen" holds one group per tool, the group
+ * "Materialvariablen" one group per material. A tool or material group's own
+ * items are its variable list; a tool group may also hold the sub-lists
+ * "Werkzeugparameter" (item type 0x8121) and "Layervariablen" (0x8120).
+ */
+
+/* The value of a variable, by value type: 1 nInt; 2 fFloat; 3 dDouble (the
+   two-word value); 4 pszText (a library text, released by FreeVar or
+   FreeDlgVar); 5 anDate (day, month, year). */
+typedef union VMV6VALUE {
+  int32_t nInt;
+  float fFloat;
+  double dDouble;
+  char* pszText;
+  int32_t anDate[3];
+} VMV6VALUE;
+
+/* Value types (VMV6VAR.nValueType). */
+#define KERFLINE_VT_INTEGER 1
+#define KERFLINE_VT_FLOAT 2
+#define KERFLINE_VT_DOUBLE 3
+#define KERFLINE_VT_TEXT 4
+#define KERFLINE_VT_DATE 5
+#define KERFLINE_VT_AUTO 10 /* chosen from the item's type and written back */
+
+/* Kinds (VMV6VAR.nKind): where the name is looked up. */
+#define KERFLINE_VARKIND_DRIVER 1       /* the driver's tree, by exact name */
+#define KERFLINE_VARKIND_OWNER 2        /* the owner's variable list */
+#define KERFLINE_VARKIND_OWNER_INT 3    /* the same under the "%I" form of the name */
+#define KERFLINE_VARKIND_LAYER 5        /* the owner's "Layervariablen" (GetDlgVar, SetVar) */
+#define KERFLINE_VARKIND_TOOLPARM 6     /* the owner's "Werkzeugparameter" (GetDlgVar, SetVar) */
+#define KERFLINE_VARKIND_JOYSTICK 7     /* the driver's "%JoyStickSettings%" */
+#define KERFLINE_VARKIND_VIDEO 8        /* the driver's "%VideoSettings%" */
+
+/*
+ * The host's request for one variable. szName is the name as stored, with
+ * its "%" delimiters ("%Flags_1%"), zero-terminated within the 64 bytes.
+ * pOwner is a DRVTOOL or DRVMATERIAL record from the list functions below,
+ * for the kinds that search a tool or material. dNumber: for a dialog
+ * variable found by kind 2, the number its text holds.
+ */
+typedef struct VMV6VAR {
+  char szName[64];
+  VMV6DRV* pDrv;
+  int32_t nValueType;
+  int32_t nKind;
+  void* pOwner;
+  VMV6VALUE uValue;
+  double dNumber;
+} VMV6VAR;
+
+/* The same request for a dialog variable, with its two dialog texts (library
+   texts, released by FreeDlgVar; null when the item is no dialog variable). */
+typedef struct VMV6DLGVAR {
+  char szName[64];
+  VMV6DRV* pDrv;
+  int32_t nValueType;
+  int32_t nKind;
+  void* pOwner;
+  VMV6VALUE uValue;
+  char* pszDlgText;
+  char* pszDlgFormat;
+  double dNumber;
+} VMV6DLGVAR;
+
+/*
+ * One tool of a driver, filled by GetFirstTool/GetNextTool and released by
+ * FreeTool. pItem is the library's reference to the tool (pass the record
+ * itself as VMV6VAR.pOwner); pszName (translated while translation flag 0x1
+ * is set) and pszType ("Contour", "Transfer", ...) are library texts.
+ * nIndex is the tool's place in the list, from 0; nVarCount the number of
+ * its own variables.
+ */
+typedef struct DRVTOOL {
+  void* pItem;
+  char* pszName;
+  char* pszType;
+  int32_t nIndex;
+  int32_t nVarCount;
+} DRVTOOL;
+
+/* One material of a driver, as DRVTOOL (pszName translated while flag 0x2
+   is set); released by FreeMaterial. */
+typedef struct DRVMATERIAL {
+  void* pItem;
+  char* pszName;
+  int32_t nIndex;
+  int32_t nVarCount;
+} DRVMATERIAL;
+
+/*
+ * Reads one variable into var->uValue as var->nValueType says:
+ *  - kinds 1, 2, 3, 7, 8 (above); kinds 2 and 3 need var->pOwner;
+ *  - when the driver's variant is not "0" and the name has no ".", the name
+ *    "%Name.<variant>%" is tried first; the name as given follows if that
+ *    fails;
+ *  - value type 10 chooses 3 (Double item), 1 (Integer), 2 (Bool), 5 (Date)
+ *    or 4 (anything else) and writes the choice back; any other code below 1
+ *    or above 10 fills nothing and the call returns 1 for code 0, else 0.
+ * Text values (type 4) are library texts: call FreeVar after each success.
+ * Texts convert as docs/drivers-tools-materials.md says (integer and
+ * floating values read a decimal number with the point as separator; a Date
+ * item gives its packed day | month << 8 | year << 16 as a number).
+ * 1 found and converted; -5 not found, no owner for kinds 2 and 3, or kind
+ * not supported; -2 null record, no driver, empty name or a name with no
+ * terminating zero in its 64 bytes.
+ */
+KERFLINE_API int32_t GetVar(VMV6VAR* var);
+
+/* Releases the text value (value type 4) and nulls the pointer. 1; -2 for a
+   null record or a null value pointer. */
+KERFLINE_API int32_t FreeVar(VMV6VAR* var);
+
+/*
+ * Reads a dialog variable: as GetVar without the variant name, for kinds 2
+ * and 3 (owner's variable list), 5 (owner's "Layervariablen", retried as
+ * "%I" + name) and 6 (owner's "Werkzeugparameter"); kind 1 and every other
+ * kind give -5. pszDlgText and pszDlgFormat receive the item's dialog texts,
+ * translated while translation flag 0x4 is set. -2 as GetVar and for kinds 5
+ * and 6 without owner. Call FreeDlgVar after each success.
+ */
+KERFLINE_API int32_t GetDlgVar(VMV6DLGVAR* var);
+
+/* Releases the text value (value type 4) and both dialog texts, nulling each
+   pointer. 1; -2 for a null record. */
+KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var);
+
+/*
+ * Sets a variable's value from var->uValue, found by the lookup rules of
+ * GetVar (variant name first) for kinds 1, 2, 3, 5, 6, 7 and 8. Value type
+ * 1, 2 and 3 write the number as decimal text, 4 the text in pszText, 5 the
+ * date "day.month.year"; 10 takes the field the item's own type chooses and
+ * writes the choice back. A linked item becomes local. A dialog variable of
+ * type Integer refuses a text holding any of ".,;eE" with a message box.
+ * 1 set; 0 refused or value type not settable; -5 not found; -2 as GetVar
+ * or a null text for type 4.
+ */
+KERFLINE_API int32_t SetVar(VMV6VAR* var);
+
+/*
+ * Walk the items of a group: "Werkzeugparameter" and "Layervariablen" are
+ * the sub-lists of the tool in var->pOwner; any other group ("Sonderbefehle:",
+ * "%Modi%", ...) is found in the driver by name (or, with an owner, among
+ * the owner's groups first). The found item's name is written to szName and
+ * its value converted as GetVar does (dNumber too, for a dialog variable). GetNextVar continues after the item
+ * named in szName (and releases a text value left in the record first, so a
+ * walk ends with a single FreeVar). Groups inside the group, items whose name
+ * does not fit the 64 bytes and repeated names are skipped.
+ * 1 found; 0 no more items; -5 group not found; -2 null record, no driver or
+ * null group name.
+ */
+KERFLINE_API int32_t GetFirstVar(VMV6VAR* var, const char* group);
+KERFLINE_API int32_t GetNextVar(VMV6VAR* var, const char* group);
+
+/*
+ * As GetVar, and on success *description receives the item's description
+ * as a library text, released with QuickFree (null when description is
+ * null: then only the value is read).
+ */
+KERFLINE_API int32_t GetVarAndDesc(VMV6VAR* var, char** description);
+
+/* Whether the driver's "%VideoSettings%" (or "%JoyStickSettings%") list
+   holds an item of that name: 1 yes, 0 no, -2 no driver or null name. */
+KERFLINE_API int32_t HasVideoVar(VMV6DRV* drv, const char* name);
+KERFLINE_API int32_t HasJoystickVar(VMV6DRV* drv, const char* name);
+
+/* Sets the item of that name in "%VideoSettings%" (or "%JoyStickSettings%")
+   to the text, adding the item (type String) and the list when missing.
+   1; 0 refused by a dialog variable's input check; -2 no driver, null or
+   empty name, or null value. */
+KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* value);
+KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value);
+
+/* Number of tools of the driver (0 without "Werkzeugvariablen"); -2 no
+   driver. */
+KERFLINE_API int32_t CountTools(VMV6DRV* drv);
+
+/*
+ * Fill the record with the first tool, or with the tool after the one the
+ * record holds (GetNextTool releases what the record held first). 1 filled;
+ * 0 no (more) tools: the record is released and zeroed; -2 no driver or
+ * null record; -3 out of memory. The record passed to GetFirstTool is taken
+ * as empty (not released). Call FreeTool when done.
+ */
+KERFLINE_API int32_t GetFirstTool(VMV6DRV* drv, DRVTOOL* tool);
+KERFLINE_API int32_t GetNextTool(VMV6DRV* drv, DRVTOOL* tool);
+
+/* Releases the record's texts and reference and zeroes it. 1; -2 for null. */
+KERFLINE_API int32_t FreeTool(DRVTOOL* tool);
+
+/* As CountTools, GetFirstTool, GetNextTool and FreeTool for materials. */
+KERFLINE_API int32_t CountMaterial(VMV6DRV* drv);
+KERFLINE_API int32_t GetFirstMaterial(VMV6DRV* drv, DRVMATERIAL* material);
+KERFLINE_API int32_t GetNextMaterial(VMV6DRV* drv, DRVMATERIAL* material);
+KERFLINE_API int32_t FreeMaterial(DRVMATERIAL* material);
+
+/*
+ * Adds a material of that name with the standard material variables at
+ * their defaults ("Materialvariablen" is created when missing) and resets
+ * the document's pending state. When material is not null it is filled as
+ * GetFirstMaterial would (release it with FreeMaterial).
+ * 1 added; 0 a material of that name exists; -2 no driver, null or empty
+ * name; -3 out of memory.
+ */
+KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* material);
+
+/* Removes the material of that name (its stored name, not a translation)
+   and resets the document's pending state. Records still referring to it
+   find nothing afterwards. 1 removed; 0 not found; -2 no driver or null
+   name. */
+KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name);
+
+
 /* ======================================================================
  * Cut data
  * ====================================================================== */

@@ -7,6 +7,7 @@
 
 #include "driver/vm6drv.hpp"
 #include "frame/driver_handle.hpp"
+#include "frame/tool_flags.hpp"
 #include "platform/binary_file.hpp"
 #include "platform/codepage.hpp"
 
@@ -66,10 +67,8 @@ std::uint32_t fixed_layout_flags(std::string_view head, const std::string* tool_
   return 0;
 }
 
-// The tool list of a driver document is not built yet, so no tool is found
-// and a tool query answers as for an unknown tool.
-bool find_tool_flags(driver::CVm6Drv& /*doc*/, const std::string& /*name*/, ToolFlags& /*tool*/) {
-  return false;
+bool find_tool_flags(driver::CVm6Drv& doc, const std::string& name, ToolFlags& tool) {
+  return find_tool_bits(doc, name.c_str(), tool.bits, tool.type);
 }
 
 std::uint32_t tool_mask(const ToolFlags& tool) {

@@ -34,3 +34,42 @@ static_assert(offsetof(VMV6DRV, pDrv) == (kPtr == 8 ? 264 : 260));
 static_assert(offsetof(VMV6DRV, nAppMode) == (kPtr == 8 ? 272 : 264));
 static_assert(sizeof(VMV6DRV) == (kPtr == 8 ? 280 : 268));
 }  // namespace
+
+namespace {
+// The value union holds a pointer, a double or three words; the number
+// follows it. On 64-bit builds every offset is fixed.
+static_assert(sizeof(VMV6VALUE) == (kPtr == 8 ? 16 : 12));
+static_assert(offsetof(VMV6VAR, szName) == 0);
+static_assert(offsetof(VMV6VAR, pDrv) == 64);
+static_assert(offsetof(VMV6VAR, nValueType) == 64 + kPtr);
+static_assert(offsetof(VMV6VAR, nKind) == 68 + kPtr);
+static_assert(offsetof(VMV6VAR, pOwner) == 72 + kPtr);
+static_assert(kPtr != 8 || offsetof(VMV6VAR, uValue) == 88);
+static_assert(kPtr != 8 || offsetof(VMV6VAR, dNumber) == 104);
+static_assert(kPtr != 8 || sizeof(VMV6VAR) == 112);
+static_assert(offsetof(VMV6VAR, dNumber) >= offsetof(VMV6VAR, uValue) + 12);
+
+// The dialog record shares every field up to the value.
+static_assert(offsetof(VMV6DLGVAR, pDrv) == offsetof(VMV6VAR, pDrv));
+static_assert(offsetof(VMV6DLGVAR, nValueType) == offsetof(VMV6VAR, nValueType));
+static_assert(offsetof(VMV6DLGVAR, nKind) == offsetof(VMV6VAR, nKind));
+static_assert(offsetof(VMV6DLGVAR, pOwner) == offsetof(VMV6VAR, pOwner));
+static_assert(offsetof(VMV6DLGVAR, uValue) == offsetof(VMV6VAR, uValue));
+static_assert(offsetof(VMV6DLGVAR, pszDlgText) == offsetof(VMV6VAR, uValue) + sizeof(VMV6VALUE));
+static_assert(offsetof(VMV6DLGVAR, pszDlgFormat) == offsetof(VMV6DLGVAR, pszDlgText) + kPtr);
+static_assert(kPtr != 8 || offsetof(VMV6DLGVAR, dNumber) == 120);
+static_assert(kPtr != 8 || sizeof(VMV6DLGVAR) == 128);
+
+// Tool and material records begin with the reference the owner lookups read.
+static_assert(offsetof(DRVTOOL, pItem) == 0);
+static_assert(offsetof(DRVTOOL, pszName) == kPtr);
+static_assert(offsetof(DRVTOOL, pszType) == 2 * kPtr);
+static_assert(offsetof(DRVTOOL, nIndex) == 3 * kPtr);
+static_assert(offsetof(DRVTOOL, nVarCount) == 3 * kPtr + 4);
+static_assert(sizeof(DRVTOOL) == 3 * kPtr + 8);
+static_assert(offsetof(DRVMATERIAL, pItem) == 0);
+static_assert(offsetof(DRVMATERIAL, pszName) == kPtr);
+static_assert(offsetof(DRVMATERIAL, nIndex) == 2 * kPtr);
+static_assert(offsetof(DRVMATERIAL, nVarCount) == 2 * kPtr + 4);
+static_assert(sizeof(DRVMATERIAL) == 2 * kPtr + 8);
+}  // namespace

@@ -182,7 +182,7 @@ TEST_F(DriverQueries, DocumentFlagsComeFromTheFlagVariables) {
   EXPECT_EQ(GetFlags(path.c_str(), nullptr, &flags), 1);
   EXPECT_EQ(flags, 0x1u | 0x80u | 0x100u | 0x1000u | 0x2000u);
 
-  // The tool list of a driver document finds no tool yet.
+  // A driver without that tool gives 0.
   EXPECT_EQ(GetFlags(path.c_str(), "Cut", &flags), 1);
   EXPECT_EQ(flags, 0u);
 

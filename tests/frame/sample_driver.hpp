@@ -1,0 +1,128 @@
+// A driver document built in memory, with tools, materials, device-setting
+// lists and variant names, opened through a VMV6DRV record.
+#pragma once
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "driver/drv_item_dlg_var.hpp"
+#include "driver/drv_item_list.hpp"
+#include "driver/vm6drv.hpp"
+#include "kerfline/kerfline.h"
+
+namespace kerfline::test {
+
+namespace drv = kerfline::driver;
+
+inline std::shared_ptr<drv::CDrvItem> item(const std::string& name, const std::string& value,
+                                           std::uint32_t type = drv::type_code::kString) {
+  auto it = std::make_shared<drv::CDrvItem>();
+  it->Name = name;
+  it->Value = value;
+  it->Type = type;
+  it->Description = "about " + name;
+  return it;
+}
+
+inline std::shared_ptr<drv::CDrvItemList> group(const std::string& name,
+                                                std::uint32_t type = drv::type_code::kString) {
+  auto g = std::make_shared<drv::CDrvItemList>();
+  g->Name = name;
+  g->Type = type;
+  return g;
+}
+
+inline std::shared_ptr<drv::CDrvItemDlgVar> dialog_var(const std::string& name, const std::string& value,
+                                                       std::uint32_t type, const std::string& text) {
+  auto d = std::make_shared<drv::CDrvItemDlgVar>();
+  d->Name = name;
+  d->Value = value;
+  d->Type = type;
+  d->DlgText = text;
+  d->DlgFormat = "%.2f";
+  d->Description = "about " + name;
+  return d;
+}
+
+// Tools "Cut" (Contour, with both sub-lists) and "Move" (Transfer, none);
+// material "Vinyl"; "%VideoSettings%", "%JoyStickSettings%" and
+// "Sonderbefehle:" lists; every item's value names the item.
+struct SampleDriver {
+  drv::CVm6Drv doc;
+  VMV6DRV handle{};
+  drv::CDrvItemList* cut_tool = nullptr;
+
+  SampleDriver() {
+    std::strcpy(handle.szFileName, "sample.drv");
+    handle.pDrv = &doc;
+    auto& root = doc.Root();
+    root.AddChild(item("%Speed%", "speed"));
+    root.AddChild(item("%Speed.3%", "speed3"));
+    root.AddChild(item("%A.1%", "a1"));
+
+    auto tools = group("Werkzeugvariablen");
+    auto cut = group("Cut");
+    cut->Value = "Contour";
+    cut->AddChild(item("%Depth%", "tooldepth"));
+    cut->AddChild(item("%Depth.3%", "tooldepth3"));
+    cut->AddChild(item("%ISpeed%", "toolispeed"));
+    cut->AddChild(dialog_var("%Dlg%", "  3.25  ", drv::type_code::kDouble, "Cut depth"));
+    cut->AddChild(dialog_var("%IDlgInt%", "4", drv::type_code::kInteger, "Passes"));
+    cut->AddChild(item("%Flags_1%", "1", drv::type_code::kBool));
+    cut->AddChild(item("%Flags_2%", "0", drv::type_code::kBool));
+    cut->AddChild(item("%OutFlag_2%", "1", drv::type_code::kBool));
+    cut->AddChild(item("%OutFlag_3%", "no", drv::type_code::kBool));
+    cut->AddChild(item("%LayerVarFlag%", " Yes ", drv::type_code::kBool));
+    auto layers = group("Layervariablen", 0x8120);
+    layers->AddChild(item("%Layer%", "layer"));
+    layers->AddChild(item("%IDepth%", "layerdepth"));
+    layers->AddChild(group("nested"));
+    layers->AddChild(item("%Layer%", "layer twice"));
+    cut->AddChild(layers);
+    auto parms = group("Werkzeugparameter", 0x8121);
+    parms->AddChild(item("%TP%", "tp"));
+    cut->AddChild(parms);
+    tools->AddChild(cut);
+    cut_tool = cut.get();
+    auto move = group("Move");
+    move->Value = "Transfer";
+    move->AddChild(item("%Flags_8%", "1", drv::type_code::kBool));
+    tools->AddChild(move);
+    root.AddChild(tools);
+
+    auto materials = group("Materialvariablen");
+    auto vinyl = group("Vinyl");
+    vinyl->AddChild(item("%IMatSpeed%", "50", drv::type_code::kDouble));
+    materials->AddChild(vinyl);
+    root.AddChild(materials);
+
+    auto video = group("%VideoSettings%");
+    video->AddChild(item("%Cam%", "cam"));
+    root.AddChild(video);
+    auto joystick = group("%JoyStickSettings%");
+    joystick->AddChild(item("%Step%", "step"));
+    root.AddChild(joystick);
+    auto special = group("Sonderbefehle:");
+    special->AddChild(item("%CI_A%", "(A)"));
+    special->AddChild(item("%CI_B%", "(B)"));
+    root.AddChild(special);
+    doc.RefreshGroupList();
+  }
+
+  SampleDriver(const SampleDriver&) = delete;
+  SampleDriver& operator=(const SampleDriver&) = delete;
+
+  VMV6VAR request(const char* name, std::int32_t kind, std::int32_t value_type = KERFLINE_VT_TEXT,
+                  void* owner = nullptr) {
+    VMV6VAR var{};
+    std::strncpy(var.szName, name, sizeof var.szName - 1);
+    var.pDrv = &handle;
+    var.nKind = kind;
+    var.nValueType = value_type;
+    var.pOwner = owner;
+    return var;
+  }
+};
+
+}  // namespace kerfline::test

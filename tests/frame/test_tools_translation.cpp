@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/table_names.hpp"
+#include "frame/tool_flags.hpp"
+#include "frame_fixture.hpp"
+#include "kerfline/kerfline.h"
+#include "sample_driver.hpp"
+
+using kerfline::test::SampleDriver;
+
+namespace {
+
+std::string po_entry(const std::string& id, const std::string& str) {
+  return "msgid \"" + id + "\"\nmsgstr \"" + str + "\"\n\n";
+}
+
+struct TranslationRow {
+  uint32_t mask;
+  const char* tool;
+  const char* material;
+  const char* dialog_text;
+  const char* dialog_format;
+};
+
+class ShownNames : public kerfline::test::FrameTest, public ::testing::WithParamInterface<TranslationRow> {};
+
+TEST_P(ShownNames, FollowTheTranslationFlags) {
+  const TranslationRow& row = GetParam();
+  suite.write("lang/GER/kerflineGER.TRA", po_entry("Cut", "Schnitt") + po_entry("Vinyl", "Folie") +
+                                              po_entry("Cut depth", "Schnitttiefe") +
+                                              po_entry("!-Percent-!.2f", "!-Percent-!.3f"));
+  ASSERT_GT(InitKerflineDll2(), 0);
+  SetTranslationFlag(row.mask);
+  SampleDriver d;
+
+  DRVTOOL tool{};
+  ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
+  EXPECT_STREQ(tool.pszName, row.tool);
+  EXPECT_STREQ(tool.pszType, "Contour");  // types are not translated
+  DRVMATERIAL material{};
+  ASSERT_EQ(GetFirstMaterial(&d.handle, &material), 1);
+  EXPECT_STREQ(material.pszName, row.material);
+
+  VMV6DLGVAR var{};
+  std::strcpy(var.szName, "%Dlg%");
+  var.pDrv = &d.handle;
+  var.nKind = KERFLINE_VARKIND_OWNER;
+  var.nValueType = KERFLINE_VT_DOUBLE;
+  var.pOwner = &tool;
+  ASSERT_EQ(GetDlgVar(&var), 1);
+  EXPECT_STREQ(var.pszDlgText, row.dialog_text);
+  EXPECT_STREQ(var.pszDlgFormat, row.dialog_format);
+  EXPECT_DOUBLE_EQ(var.uValue.dDouble, 3.25);
+  FreeDlgVar(&var);
+
+  // Flags and material removal take the stored name; flags also the shown one.
+  uint32_t flags = 0;
+  EXPECT_TRUE(kerfline::frame::find_tool_flags(d.doc, "Cut", flags));
+  EXPECT_TRUE(kerfline::frame::find_tool_flags(d.doc, row.tool, flags));
+  EXPECT_EQ(DeleteMaterial(&d.handle, "Folie"), 0);
+  EXPECT_EQ(DeleteMaterial(&d.handle, "Vinyl"), 1);
+  FreeTool(&tool);
+  FreeMaterial(&material);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, ShownNames,
+                         ::testing::Values(TranslationRow{0xFFFFFFFF, "Schnitt", "Folie", "Schnitttiefe",
+                                                          "%.3f"},
+                                           TranslationRow{0, "Cut", "Vinyl", "Cut depth", "%.2f"},
+                                           TranslationRow{0x1, "Schnitt", "Vinyl", "Cut depth", "%.2f"},
+                                           TranslationRow{0x2, "Cut", "Folie", "Cut depth", "%.2f"},
+                                           TranslationRow{0x4, "Cut", "Vinyl", "Schnitttiefe", "%.3f"},
+                                           TranslationRow{0x8, "Cut", "Vinyl", "Cut depth", "%.2f"}),
+                         kerfline::test::RowIndex());
+
+class FlagsOfDriverFiles : public kerfline::test::FrameTest {};
+
+TEST_F(FlagsOfDriverFiles, ToolTypeBitsAreSetWhenTheTypeIsNot) {
+  kerfline::test::HostRecorder host;
+  SampleDriver d;
+  const std::string path = suite.write("tools.drv", d.doc.WriteToBytes()).string();
+  struct {
+    const char* tool;
+    uint32_t flags;
+  } const rows[] = {{"Cut", 0x1 | 0x200 | 0x2000 | 0x4},  // Contour: 0x4, not 0x8
+                    {"Move", 0x80 | 0x8},                 // Transfer: 0x8, not 0x4
+                    {"Drill", 0}};
+  VMV6DRV drv{};
+  std::strncpy(drv.szFileName, path.c_str(), sizeof drv.szFileName - 1);
+  ASSERT_EQ(InitDrv(&drv), 1);
+  for (const auto& row : rows) {
+    uint32_t flags = 0xFFFF0000;
+    EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1) << row.tool;
+    EXPECT_EQ(flags, row.flags) << row.tool;
+    flags = 0;
+    EXPECT_EQ(GetDrvFlags(&drv, row.tool, &flags), 1) << row.tool;
+    EXPECT_EQ(flags, row.flags) << row.tool;
+  }
+  EXPECT_EQ(FreeDrv(&drv), 1);
+  EXPECT_TRUE(host.boxes.empty());
+}
+
+}  // namespace

@@ -1,0 +1,498 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "fixtures/host_recorder.hpp"
+#include "fixtures/table_names.hpp"
+#include "kerfline/kerfline.h"
+#include "sample_driver.hpp"
+
+using kerfline::test::SampleDriver;
+namespace drv = kerfline::driver;
+
+namespace {
+
+enum class Owner { None, Cut, Move };
+
+// Reads the first tool ("Cut") or the second ("Move") into the record.
+void open_tool(SampleDriver& d, Owner which, DRVTOOL& tool) {
+  ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
+  if (which == Owner::Move) {
+    ASSERT_EQ(GetNextTool(&d.handle, &tool), 1);
+  }
+}
+
+struct LookupRow {
+  std::int32_t kind;
+  const char* name;
+  const char* variant;
+  Owner owner;
+  std::int32_t result;
+  const char* text;  // the value found, when found
+};
+
+class GetVarLookup : public ::testing::TestWithParam<LookupRow> {};
+
+TEST_P(GetVarLookup, FindsTheItemTheRulesName) {
+  const LookupRow& row = GetParam();
+  SampleDriver d;
+  d.doc.Variant = row.variant;
+  DRVTOOL tool{};
+  if (row.owner != Owner::None) open_tool(d, row.owner, tool);
+  VMV6VAR var = d.request(row.name, row.kind, KERFLINE_VT_TEXT, row.owner == Owner::None ? nullptr : &tool);
+  EXPECT_EQ(GetVar(&var), row.result);
+  if (row.result == 1) {
+    ASSERT_NE(var.uValue.pszText, nullptr);
+    EXPECT_STREQ(var.uValue.pszText, row.text);
+    EXPECT_STREQ(var.szName, row.name);  // the host's name stays
+    EXPECT_EQ(FreeVar(&var), 1);
+    EXPECT_EQ(var.uValue.pszText, nullptr);
+  } else {
+    EXPECT_EQ(var.uValue.pszText, nullptr);
+    EXPECT_EQ(FreeVar(&var), -2);
+  }
+  FreeTool(&tool);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, GetVarLookup,
+    ::testing::Values(LookupRow{1, "%Speed%", "0", Owner::None, 1, "speed"},
+                      LookupRow{1, "%Speed%", "3", Owner::None, 1, "speed3"},  // variant name first
+                      LookupRow{1, "%Speed%", "4", Owner::None, 1, "speed"},   // no variant item: as given
+                      LookupRow{1, "%A.1%", "2", Owner::None, 1, "a1"},        // a "." stops the variant
+                      LookupRow{1, "%Speed.3%", "0", Owner::None, 1, "speed3"},
+                      LookupRow{1, "%Nope%", "3", Owner::None, -5, nullptr},
+                      LookupRow{1, "%Speed%", "0", Owner::Cut, 1, "speed"},  // an owner does not matter
+                      LookupRow{1, "%Depth%", "0", Owner::None, 1,
+                                "tooldepth"},  // the tree holds every group
+                      LookupRow{2, "%Depth%", "0", Owner::Cut, 1, "tooldepth"},
+                      LookupRow{2, "%Depth%", "3", Owner::Cut, 1, "tooldepth3"},
+                      LookupRow{2, "%Depth%", "0", Owner::None, -5, nullptr},  // no owner
+                      LookupRow{2, "%Depth%", "0", Owner::Move, -5, nullptr},
+                      LookupRow{2, "%Speed%", "0", Owner::Cut, -5, nullptr},      // the owner's list only
+                      LookupRow{3, "%Speed%", "0", Owner::Cut, 1, "toolispeed"},  // %ISpeed%
+                      LookupRow{3, "%Speed%", "9", Owner::Cut, 1, "toolispeed"},
+                      LookupRow{3, "%ISpeed%", "0", Owner::Cut, -5, nullptr},  // %IISpeed%
+                      LookupRow{3, "%Depth%", "0", Owner::Cut, -5, nullptr},   // %IDepth% lives in a sub-list
+                      LookupRow{7, "%Step%", "0", Owner::None, 1, "step"},
+                      LookupRow{7, "%Cam%", "0", Owner::None, -5, nullptr},
+                      LookupRow{8, "%Cam%", "0", Owner::None, 1, "cam"},
+                      LookupRow{5, "%Layer%", "0", Owner::Cut, -5, nullptr},  // dialog kinds are not GetVar's
+                      LookupRow{6, "%TP%", "0", Owner::Cut, -5, nullptr},
+                      LookupRow{0, "%Speed%", "0", Owner::None, -5, nullptr},
+                      LookupRow{4, "%Speed%", "0", Owner::None, -5, nullptr},
+                      LookupRow{9, "%Speed%", "0", Owner::None, -5, nullptr}),
+    kerfline::test::RowIndex());
+
+struct DialogRow {
+  std::int32_t kind;
+  const char* name;
+  Owner owner;
+  std::int32_t result;
+  const char* text;
+  const char* dialog_text;  // null: the item is no dialog variable
+};
+
+class GetDlgVarLookup : public ::testing::TestWithParam<DialogRow> {};
+
+TEST_P(GetDlgVarLookup, FindsTheItemAndItsDialogTexts) {
+  const DialogRow& row = GetParam();
+  SampleDriver d;
+  d.doc.Variant = "3";  // dialog variables take no variant name
+  DRVTOOL tool{};
+  if (row.owner != Owner::None) open_tool(d, row.owner, tool);
+  VMV6DLGVAR var{};
+  std::strcpy(var.szName, row.name);
+  var.pDrv = &d.handle;
+  var.nKind = row.kind;
+  var.nValueType = KERFLINE_VT_TEXT;
+  var.pOwner = row.owner == Owner::None ? nullptr : &tool;
+  EXPECT_EQ(GetDlgVar(&var), row.result);
+  if (row.result == 1) {
+    EXPECT_STREQ(var.uValue.pszText, row.text);
+    if (row.dialog_text == nullptr) {
+      EXPECT_EQ(var.pszDlgText, nullptr);
+      EXPECT_EQ(var.pszDlgFormat, nullptr);
+    } else {
+      EXPECT_STREQ(var.pszDlgText, row.dialog_text);
+      EXPECT_STREQ(var.pszDlgFormat, "%.2f");
+    }
+  }
+  EXPECT_EQ(FreeDlgVar(&var), 1);
+  EXPECT_EQ(var.uValue.pszText, nullptr);
+  EXPECT_EQ(var.pszDlgText, nullptr);
+  EXPECT_EQ(var.pszDlgFormat, nullptr);
+  FreeTool(&tool);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, GetDlgVarLookup,
+    ::testing::Values(DialogRow{2, "%Dlg%", Owner::Cut, 1, "3.25",
+                                "Cut depth"},  // blanks trimmed with an owner
+                      DialogRow{2, "%Depth%", Owner::Cut, 1, "tooldepth", nullptr},
+                      DialogRow{3, "%DlgInt%", Owner::Cut, 1, "4", "Passes"},
+                      DialogRow{5, "%Layer%", Owner::Cut, 1, "layer", nullptr},
+                      DialogRow{5, "%Depth%", Owner::Cut, 1, "layerdepth", nullptr},  // retried as %IDepth%
+                      DialogRow{5, "%Nope%", Owner::Cut, -5, nullptr, nullptr},
+                      DialogRow{5, "%Layer%", Owner::Move, -5, nullptr, nullptr},  // a tool without sub-lists
+                      DialogRow{6, "%TP%", Owner::Cut, 1, "tp", nullptr},
+                      DialogRow{6, "%Layer%", Owner::Cut, -5, nullptr, nullptr},
+                      DialogRow{6, "%TP%", Owner::Move, -5, nullptr, nullptr},
+                      DialogRow{5, "%Layer%", Owner::None, -2, nullptr, nullptr},
+                      DialogRow{6, "%TP%", Owner::None, -2, nullptr, nullptr},
+                      DialogRow{2, "%Dlg%", Owner::None, -5, nullptr, nullptr},
+                      DialogRow{1, "%Speed%", Owner::None, -5, nullptr, nullptr},  // kind 1 refused
+                      DialogRow{8, "%Cam%", Owner::None, -5, nullptr, nullptr}),
+    kerfline::test::RowIndex());
+
+TEST(GetVar, DialogVariableByOwnerListSetsTheNumber) {
+  SampleDriver d;
+  DRVTOOL tool{};
+  open_tool(d, Owner::Cut, tool);
+  VMV6VAR var = d.request("%Dlg%", KERFLINE_VARKIND_OWNER, KERFLINE_VT_INTEGER, &tool);
+  var.dNumber = -1;
+  EXPECT_EQ(GetVar(&var), 1);
+  EXPECT_EQ(var.uValue.nInt, 3);
+  EXPECT_DOUBLE_EQ(var.dNumber, 3.25);
+  // Kind 3 finds the same item under its "I" name without reading the number.
+  VMV6VAR by_int = d.request("%DlgInt%", KERFLINE_VARKIND_OWNER_INT, KERFLINE_VT_INTEGER, &tool);
+  by_int.dNumber = -1;
+  EXPECT_EQ(GetVar(&by_int), 1);
+  EXPECT_EQ(by_int.uValue.nInt, 4);
+  EXPECT_EQ(by_int.dNumber, -1);
+  FreeTool(&tool);
+}
+
+// Every value type on every item type.
+struct ValueRow {
+  std::uint32_t item_type;
+  const char* text;
+  std::int32_t as_int;
+  double as_double;
+  std::int32_t date[3];
+  std::int32_t auto_type;
+};
+
+class ValueTypes : public ::testing::TestWithParam<ValueRow> {};
+
+TEST_P(ValueTypes, ConvertTheItemText) {
+  const ValueRow& row = GetParam();
+  SampleDriver d;
+  d.doc.Root().AddChild(kerfline::test::item("%V%", row.text, row.item_type));
+
+  VMV6VAR var = d.request("%V%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_INTEGER);
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_EQ(var.uValue.nInt, row.as_int);
+
+  var.nValueType = KERFLINE_VT_FLOAT;
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_FLOAT_EQ(var.uValue.fFloat, static_cast<float>(row.as_double));
+
+  var.nValueType = KERFLINE_VT_DOUBLE;
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_DOUBLE_EQ(var.uValue.dDouble, row.as_double);
+
+  var.nValueType = KERFLINE_VT_DATE;
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_EQ(var.uValue.anDate[0], row.date[0]);
+  EXPECT_EQ(var.uValue.anDate[1], row.date[1]);
+  EXPECT_EQ(var.uValue.anDate[2], row.date[2]);
+
+  var.nValueType = KERFLINE_VT_TEXT;
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_STREQ(var.uValue.pszText, row.text);
+  EXPECT_EQ(FreeVar(&var), 1);
+
+  var.nValueType = KERFLINE_VT_AUTO;
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_EQ(var.nValueType, row.auto_type);  // the choice is written back
+  FreeVar(&var);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ValueTypes,
+    ::testing::Values(
+        ValueRow{drv::type_code::kDouble, "2.75", 2, 2.75, {2, 75, 0}, KERFLINE_VT_DOUBLE},
+        ValueRow{drv::type_code::kDouble, "-1e3", -1000, -1000.0, {255, 0, 0}, KERFLINE_VT_DOUBLE},
+        ValueRow{drv::type_code::kInteger, "42", 42, 42.0, {42, 0, 0}, KERFLINE_VT_INTEGER},
+        ValueRow{drv::type_code::kInteger, " +7xyz", 7, 7.0, {7, 0, 0}, KERFLINE_VT_INTEGER},
+        ValueRow{drv::type_code::kInteger, "1e99", 2147483647, 1e99, {1, 0, 0}, KERFLINE_VT_INTEGER},
+        ValueRow{drv::type_code::kBool, "1", 1, 1.0, {1, 0, 0}, KERFLINE_VT_FLOAT},
+        ValueRow{
+            drv::type_code::kDate, "31.12.2009", 0x07D90C1F, 131664927.0, {31, 12, 2009}, KERFLINE_VT_DATE},
+        ValueRow{drv::type_code::kString, "hello", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT},
+        ValueRow{drv::type_code::kString, "", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT},
+        ValueRow{drv::type_code::kCutInstr, "(AL:10e6)", 0, 0.0, {0, 0, 0}, KERFLINE_VT_TEXT}),
+    kerfline::test::RowIndex());
+
+TEST(GetVar, CodesOutsideTheTableFillNothing) {
+  struct {
+    std::int32_t code;
+    std::int32_t result;
+  } const rows[] = {{0, 1}, {6, 0}, {9, 0}, {11, 0}, {-1, 0}};
+  SampleDriver d;
+  for (const auto& row : rows) {
+    VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER, row.code);
+    var.uValue.nInt = 0x5A5A;
+    EXPECT_EQ(GetVar(&var), row.result) << row.code;
+    EXPECT_EQ(var.uValue.nInt, 0x5A5A) << row.code;
+    EXPECT_EQ(var.nValueType, row.code);
+  }
+}
+
+TEST(GetVar, FailedVariantAttemptLeavesNoTrace) {
+  // Variant item found but of a code that yields 0: the name as given is
+  // tried next, and the record keeps what the host put in.
+  SampleDriver d;
+  d.doc.Variant = "3";
+  VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER, 7);
+  var.uValue.nInt = 99;
+  EXPECT_EQ(GetVar(&var), 0);
+  EXPECT_EQ(var.uValue.nInt, 99);
+  EXPECT_STREQ(var.szName, "%Speed%");
+}
+
+TEST(GetVar, BadRecords) {
+  SampleDriver d;
+  EXPECT_EQ(GetVar(nullptr), -2);
+  EXPECT_EQ(GetDlgVar(nullptr), -2);
+  EXPECT_EQ(SetVar(nullptr), -2);
+  EXPECT_EQ(FreeVar(nullptr), -2);
+  EXPECT_EQ(FreeDlgVar(nullptr), -2);
+  EXPECT_EQ(GetVarAndDesc(nullptr, nullptr), -2);
+
+  VMV6VAR empty = d.request("", KERFLINE_VARKIND_DRIVER);
+  EXPECT_EQ(GetVar(&empty), -2);
+
+  VMV6VAR no_driver = d.request("%Speed%", KERFLINE_VARKIND_DRIVER);
+  no_driver.pDrv = nullptr;
+  EXPECT_EQ(GetVar(&no_driver), -2);
+  VMV6DRV closed{};
+  no_driver.pDrv = &closed;
+  EXPECT_EQ(GetVar(&no_driver), -2);
+  EXPECT_EQ(SetVar(&no_driver), -2);
+
+  VMV6VAR unterminated = d.request("", KERFLINE_VARKIND_DRIVER);
+  std::memset(unterminated.szName, 'A', sizeof unterminated.szName);
+  EXPECT_EQ(GetVar(&unterminated), -2);
+  EXPECT_EQ(SetVar(&unterminated), -2);
+}
+
+TEST(GetVar, LongestNamesGrowPastTheRecordSafely) {
+  SampleDriver d;
+  const std::string name = "%" + std::string(61, 'L') + "%";  // 63 characters, one byte to spare
+  const std::string int_name = "%I" + std::string(61, 'L') + "%";
+  d.doc.Root().AddChild(kerfline::test::item(name, "long"));
+  d.doc.Variant = "12";
+  DRVTOOL tool{};
+  open_tool(d, Owner::Cut, tool);
+  d.cut_tool->AddChild(kerfline::test::item(int_name, "long int"));
+
+  VMV6VAR var = d.request(name.c_str(), KERFLINE_VARKIND_DRIVER);
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_STREQ(var.uValue.pszText, "long");
+  FreeVar(&var);
+
+  VMV6VAR by_int = d.request(name.c_str(), KERFLINE_VARKIND_OWNER_INT, KERFLINE_VT_TEXT, &tool);
+  ASSERT_EQ(GetVar(&by_int), 1);  // looked up under a 64-character name
+  EXPECT_STREQ(by_int.uValue.pszText, "long int");
+  EXPECT_EQ(by_int.szName, name);
+  FreeVar(&by_int);
+  FreeTool(&tool);
+}
+
+TEST(GetVar, OwnerRecordsThatNoLongerReferToATool) {
+  SampleDriver d;
+  SampleDriver other;
+  DRVTOOL tool{};
+  open_tool(other, Owner::Cut, tool);
+  VMV6VAR var = d.request("%Depth%", KERFLINE_VARKIND_OWNER, KERFLINE_VT_TEXT, &tool);
+  EXPECT_EQ(GetVar(&var), -5);  // a tool of another driver
+  FreeTool(&tool);
+  open_tool(d, Owner::Cut, tool);
+  FreeTool(&tool);
+  EXPECT_EQ(GetVar(&var), -5);  // released record
+
+  DRVTOOL forged{};
+  int junk[8] = {};
+  forged.pItem = junk;
+  var.pOwner = &forged;
+  EXPECT_EQ(GetVar(&var), -5);
+}
+
+TEST(FreeVar, ReleasesOnlyTexts) {
+  SampleDriver d;
+  VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_INTEGER);
+  var.uValue.nInt = 5;
+  EXPECT_EQ(FreeVar(&var), 1);
+  EXPECT_EQ(var.uValue.nInt, 5);
+  var.nValueType = KERFLINE_VT_TEXT;
+  var.uValue.pszText = nullptr;
+  EXPECT_EQ(FreeVar(&var), -2);
+}
+
+TEST(GetVarAndDesc, GivesTheDescriptionForQuickFree) {
+  SampleDriver d;
+  VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_TEXT);
+  char* description = nullptr;
+  ASSERT_EQ(GetVarAndDesc(&var, &description), 1);
+  EXPECT_STREQ(var.uValue.pszText, "speed");
+  ASSERT_NE(description, nullptr);
+  EXPECT_STREQ(description, "about %Speed%");
+  EXPECT_EQ(QuickFree(description), 1);
+  FreeVar(&var);
+
+  VMV6VAR missing = d.request("%Nope%", KERFLINE_VARKIND_DRIVER);
+  description = nullptr;
+  EXPECT_EQ(GetVarAndDesc(&missing, &description), -5);
+  EXPECT_EQ(description, nullptr);
+}
+
+struct SetRow {
+  std::uint32_t item_type;
+  std::int32_t value_type;
+  VMV6VALUE value;
+  std::int32_t result;
+  const char* stored;
+  std::int32_t type_after;
+};
+
+VMV6VALUE int_value(std::int32_t v) {
+  VMV6VALUE u{};
+  u.nInt = v;
+  return u;
+}
+VMV6VALUE float_value(float v) {
+  VMV6VALUE u{};
+  u.fFloat = v;
+  return u;
+}
+VMV6VALUE double_value(double v) {
+  VMV6VALUE u{};
+  u.dDouble = v;
+  return u;
+}
+VMV6VALUE date_value(std::int32_t day, std::int32_t month, std::int32_t year) {
+  VMV6VALUE u{};
+  u.anDate[0] = day;
+  u.anDate[1] = month;
+  u.anDate[2] = year;
+  return u;
+}
+
+class SetVarTypes : public ::testing::TestWithParam<SetRow> {};
+
+TEST_P(SetVarTypes, WritesTheValueAsText) {
+  const SetRow& row = GetParam();
+  SampleDriver d;
+  d.doc.Root().AddChild(kerfline::test::item("%V%", "old", row.item_type));
+  VMV6VAR var = d.request("%V%", KERFLINE_VARKIND_DRIVER, row.value_type);
+  var.uValue = row.value;
+  EXPECT_EQ(SetVar(&var), row.result);
+  EXPECT_EQ(d.doc.FindItem("%V%")->GetValue(), row.stored);
+  EXPECT_EQ(var.nValueType, row.type_after);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, SetVarTypes,
+    ::testing::Values(SetRow{drv::type_code::kInteger, 1, int_value(-7), 1, "-7", 1},
+                      SetRow{drv::type_code::kDouble, 2, float_value(1.5f), 1, "1.5", 2},
+                      SetRow{drv::type_code::kDouble, 3, double_value(0.1), 1, "0.1", 3},
+                      SetRow{drv::type_code::kDate, 5, date_value(1, 2, 2024), 1, "1.2.2024", 5},
+                      SetRow{drv::type_code::kDouble, 10, double_value(2.5), 1, "2.5", 3},
+                      SetRow{drv::type_code::kInteger, 10, int_value(12), 1, "12", 1},
+                      SetRow{drv::type_code::kDate, 10, date_value(9, 8, 2007), 1, "9.8.2007", 5},
+                      SetRow{drv::type_code::kString, 6, int_value(1), 0, "old", 6},
+                      SetRow{drv::type_code::kString, 0, int_value(1), 0, "old", 0},
+                      SetRow{drv::type_code::kString, 4, VMV6VALUE{}, -2, "old", 4}),
+    kerfline::test::RowIndex());
+
+TEST(SetVar, TextsRoundTripThroughGetVar) {
+  SampleDriver d;
+  d.doc.Variant = "3";
+  char text[] = "new speed";
+  VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_TEXT);
+  var.uValue.pszText = text;
+  EXPECT_EQ(SetVar(&var), 1);
+  EXPECT_EQ(d.doc.FindItem("%Speed.3%")->GetValue(), "new speed");  // the variant item
+  EXPECT_EQ(d.doc.FindItem("%Speed%")->GetValue(), "speed");
+
+  var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_TEXT);
+  ASSERT_EQ(GetVar(&var), 1);
+  EXPECT_STREQ(var.uValue.pszText, "new speed");
+  FreeVar(&var);
+
+  VMV6VAR missing = d.request("%Nope%", KERFLINE_VARKIND_DRIVER, KERFLINE_VT_TEXT);
+  missing.uValue.pszText = text;
+  EXPECT_EQ(SetVar(&missing), -5);
+}
+
+TEST(SetVar, ToolSubListsAndTheirBadOwners) {
+  SampleDriver d;
+  DRVTOOL cut{};
+  DRVTOOL move{};
+  open_tool(d, Owner::Cut, cut);
+  open_tool(d, Owner::Move, move);
+  char text[] = "set";
+  struct {
+    std::int32_t kind;
+    const char* name;
+    DRVTOOL* owner;
+    std::int32_t result;
+  } const rows[] = {
+      {KERFLINE_VARKIND_TOOLPARM, "%TP%", &cut, 1},     {KERFLINE_VARKIND_LAYER, "%Depth%", &cut, 1},
+      {KERFLINE_VARKIND_LAYER, "%Layer%", &move, -5},   {KERFLINE_VARKIND_LAYER, "%Layer%", nullptr, -2},
+      {KERFLINE_VARKIND_TOOLPARM, "%TP%", nullptr, -2}, {KERFLINE_VARKIND_OWNER, "%Depth%", nullptr, -5}};
+  for (const auto& row : rows) {
+    VMV6VAR var = d.request(row.name, row.kind, KERFLINE_VT_TEXT, row.owner);
+    var.uValue.pszText = text;
+    EXPECT_EQ(SetVar(&var), row.result) << row.kind << row.name;
+  }
+  VMV6DLGVAR read{};
+  std::strcpy(read.szName, "%Depth%");
+  read.pDrv = &d.handle;
+  read.nKind = KERFLINE_VARKIND_LAYER;
+  read.nValueType = KERFLINE_VT_TEXT;
+  read.pOwner = &cut;
+  ASSERT_EQ(GetDlgVar(&read), 1);
+  EXPECT_STREQ(read.uValue.pszText, "set");  // %IDepth% took the text
+  FreeDlgVar(&read);
+  FreeTool(&cut);
+  FreeTool(&move);
+}
+
+TEST(SetVar, IntegerDialogVariablesCheckTheirInput) {
+  struct {
+    const char* text;
+    std::int32_t result;
+    const char* stored;
+  } const rows[] = {{"15", 1, "15"}, {"1.5", 0, "15"}, {"2e3", 0, "15"}, {"3;4", 0, "15"}, {"-8", 1, "-8"}};
+  kerfline::test::HostRecorder host;
+  SampleDriver d;
+  DRVTOOL tool{};
+  open_tool(d, Owner::Cut, tool);
+  std::size_t boxes = 0;
+  for (const auto& row : rows) {
+    char text[16];
+    std::strcpy(text, row.text);
+    VMV6VAR var = d.request("%DlgInt%", KERFLINE_VARKIND_OWNER_INT, KERFLINE_VT_TEXT, &tool);
+    var.uValue.pszText = text;
+    EXPECT_EQ(SetVar(&var), row.result) << row.text;
+    EXPECT_EQ(d.cut_tool->FindChild("%IDlgInt%")->GetValue(), row.stored) << row.text;
+    if (row.result == 0) {
+      ASSERT_EQ(host.boxes.size(), ++boxes);
+      EXPECT_EQ(host.boxes.back().text, std::string(row.text) + " (Integer Error)");
+    }
+  }
+  EXPECT_EQ(host.boxes.size(), boxes);
+  // A Double dialog variable takes any text.
+  char text[] = "1.5";
+  VMV6VAR var = d.request("%Dlg%", KERFLINE_VARKIND_OWNER, KERFLINE_VT_TEXT, &tool);
+  var.uValue.pszText = text;
+  EXPECT_EQ(SetVar(&var), 1);
+  EXPECT_EQ(host.boxes.size(), boxes);
+  FreeTool(&tool);
+}
+
+}  // namespace
