@@ -20,6 +20,12 @@ Evaluator::Evaluator(const FunctionRegistry& registry, const MaskedVariableSet& 
     : registry_(registry), shared_(shared) {}
 
 std::string Evaluator::evaluate(std::string_view text, std::int32_t channel) {
+  std::string storage;
+  const std::string_view result = evaluate_view(text, channel, storage);
+  return result.data() == storage.data() ? std::move(storage) : std::string(result);
+}
+
+std::string_view Evaluator::evaluate_view(std::string_view text, std::int32_t channel, std::string& storage) {
   pass_counter_ = 0;
   escape_flag_.store(0);
   if (parent_ == nullptr) {
@@ -29,26 +35,53 @@ std::string Evaluator::evaluate(std::string_view text, std::int32_t channel) {
   channel_ = channel;
   try {
     const NestingGuard nesting(*this);
-    return template_pass(text);
+    if (template_pass_into(text, storage)) return storage;
+    return text;
   } catch (const ScriptError& e) {
     last_error_ = e.printable();
   } catch (...) {
     last_error_ = printable_internal_error();
   }
   error_ = true;
-  return last_error_;
+  storage = last_error_;
+  return storage;
 }
 
 std::string Evaluator::evaluate_for_output(std::string_view text) {
-  std::string result = conditional_pass(text, false);
-  result = evaluate(result, -1);
-  if (!result.empty()) result = arithmetic_pass(result, 0);
-  return result;
+  std::string storage;
+  const std::string_view result = evaluate_for_output(text, storage);
+  return result.data() == storage.data() ? std::move(storage) : std::string(result);
+}
+
+std::string_view Evaluator::evaluate_for_output(std::string_view text, std::string& storage) {
+  // A pass with nothing to replace leaves the text where it is: passthrough
+  // text is copied once, into the caller's block.
+  std::string blocks_done;
+  if (text.find('{') != std::string_view::npos) {
+    blocks_done = conditional_pass(text, false);
+    text = blocks_done;
+  }
+  std::string calls_done;
+  const std::string_view result = evaluate_view(text, -1, calls_done);
+  if (result.find("%[") != std::string_view::npos) {
+    storage = arithmetic_pass(result, 0);
+  } else if (result.data() == calls_done.data()) {
+    storage = std::move(calls_done);
+  } else if (result.data() == blocks_done.data()) {
+    storage = std::move(blocks_done);
+  } else {
+    return result;
+  }
+  return storage;
 }
 
 std::optional<std::string> Evaluator::evaluate_device_output(std::string_view text) {
-  std::string result = conditional_pass(text, false);
-  result = evaluate(result, -1);
+  std::string blocks_done;
+  if (text.find('{') != std::string_view::npos) {
+    blocks_done = conditional_pass(text, false);
+    text = blocks_done;
+  }
+  std::string result = evaluate(text, -1);
   if (error_ && show_error_box_) {
     const int answer = platform::host::message_box(last_error_, "Cutter Script Error:", KERFLINE_MB_OKCANCEL);
     if (answer == KERFLINE_IDCANCEL) show_error_box_ = false;

@@ -31,9 +31,15 @@ class Evaluator {
   // escape flag and the error flag; an error sets the error flag, becomes
   // the last error text and is the output.
   std::string evaluate(std::string_view text, std::int32_t channel);
+  // The same; the result is text itself when no call was found, else held
+  // in storage.
+  std::string_view evaluate_view(std::string_view text, std::int32_t channel, std::string& storage);
   // Conditional pass, template pass, then (for a non-empty result) the
   // arithmetic pass with no decimals: what DoEval runs.
   std::string evaluate_for_output(std::string_view text);
+  // The same without copying text that no pass changed: the result is a
+  // view of text or of storage.
+  std::string_view evaluate_for_output(std::string_view text, std::string& storage);
   // The library's own output entry: conditional and template passes; an
   // error is shown in a "Cutter Script Error:" box (OK/Cancel; Cancel stops
   // the boxes for this evaluator's life). Nothing when the error or escape
@@ -46,6 +52,8 @@ class Evaluator {
   // --- Passes ------------------------------------------------------------
   std::string conditional_pass(std::string_view text, bool closed);
   std::string template_pass(std::string_view text);  // throws ScriptError
+  // The same, writing into out; false (out unused) when no call was found.
+  bool template_pass_into(std::string_view text, std::string& out);
   std::string arithmetic_pass(std::string_view text, int decimals);
 
   // --- Variables ---------------------------------------------------------

@@ -7,13 +7,18 @@
 namespace kerfline::script {
 
 std::string Evaluator::template_pass(std::string_view text) {
+  std::string out;
+  return template_pass_into(text, out) ? out : std::string(text);
+}
+
+bool Evaluator::template_pass_into(std::string_view text, std::string& out) {
   if (pass_counter_ > kMaxPassCount) throw ScriptError(kRecursionLimit, "");
   // Checks every literal of the text before any call runs.
   const std::vector<std::size_t> ampersands = tokenizer_.ampersand_positions(text);
   ++pass_counter_;
 
-  std::string out;
-  out.reserve(text.size());
+  out.clear();
+  bool replaced = false;
   std::size_t copied = 0;
   Token name;
   Token paren;
@@ -40,12 +45,15 @@ std::string Evaluator::template_pass(std::string_view text) {
     }
     if (!closed) throw ScriptError(kNoEndFound, "&" + paren.text);
 
+    if (!replaced) out.reserve(text.size());
+    replaced = true;
     out.append(text.substr(copied, amp - copied));
     out += evaluate_call(text, call);
     copied = static_cast<std::size_t>(call.back().end) + 1;
   }
+  if (!replaced) return false;
   out.append(text.substr(copied));
-  return out;
+  return true;
 }
 
 }  // namespace kerfline::script
