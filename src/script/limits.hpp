@@ -19,7 +19,7 @@ inline constexpr int kMaxCallDepth = 64;
 inline constexpr int kMaxNestedEvaluations = 16;
 
 // Text produced by user-function expansions within one expression.
-inline constexpr std::size_t kMaxExpansionBytes = std::size_t{1} << 20;
+inline constexpr std::size_t kMaxExpansionBytes = std::size_t{64} << 10;
 
 // Output of one conditional or arithmetic pass; a pass that would exceed it
 // gives the status text "0.0".

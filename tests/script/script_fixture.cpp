@@ -55,6 +55,15 @@ std::string wait(script::ArgStack& args, const script::FunctionRecord&, script::
   return {};
 }
 
+// Waits like Wait, but not as a device read.
+std::string hold(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator& evaluator) {
+  const auto ms = static_cast<std::uint32_t>(std::strtoul(args.pop().c_str(), nullptr, 10));
+  holding().store(true);
+  const script::WaitResult result = evaluator.wait(ms);
+  holding().store(false);
+  return result == script::WaitResult::kEscaped ? "escaped" : "not escaped";
+}
+
 // Pops one argument more than it declares.
 std::string greedy(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
   args.pop();
@@ -63,6 +72,11 @@ std::string greedy(script::ArgStack& args, const script::FunctionRecord&, script
 
 }  // namespace
 
+std::atomic<bool>& holding() {
+  static std::atomic<bool> flag{false};
+  return flag;
+}
+
 void add_test_functions(script::FunctionRegistry& registry) {
   registry.add(record("Left", left, 2, "Text, n"));
   registry.add(record("Upper", upper, 1, "Text"));
@@ -70,6 +84,7 @@ void add_test_functions(script::FunctionRegistry& registry) {
   registry.add(record("T", identity, 1, "Text"));
   registry.add(record("Wait", wait, 1, "ms"));
   registry.add(record("Greedy", greedy, 0, ""));
+  registry.add(record("Hold", hold, 1, "ms"));
 }
 
 ScriptBench::ScriptBench() {

@@ -3,6 +3,7 @@
 // built-ins) and functions that record or wait.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -12,8 +13,11 @@
 
 namespace kerfline::test {
 
-// Adds Left, Upper, Join, T, Wait (see script_fixture.cpp) to a registry.
+// Adds Left, Upper, Join, T, Wait, Hold, Greedy (see script_fixture.cpp).
 void add_test_functions(script::FunctionRegistry& registry);
+
+// Set by Hold once it waits (outside a device read), cleared when it returns.
+std::atomic<bool>& holding();
 
 struct ScriptBench {
   ScriptBench();
