@@ -99,7 +99,7 @@ BENCHMARK(BM_Passthrough)->Arg(1 << 10)->Arg(1 << 20);
 void BM_TypicalTemplate(benchmark::State& state) {
   Evaluator evaluator(setup().registry, setup().shared);
   // A conditional, three calls and an arithmetic block.
-  const std::string text = "{[%Tool% == 1][SP1;][SP2;]}PU&T(%x%),&T(%y%);PD%[&T(%x%)/40*2.5]%;";
+  const std::string text = "{[&T(%Tool%) == 1][SP1;][SP2;]}PU&T(%x%),&T(%y%);PD%[1200/40*2.5]%;";
   for (auto _ : state) {
     char* block = eval_to_block(evaluator, text);
     benchmark::DoNotOptimize(block);

@@ -122,6 +122,14 @@ TEST_F(EvalApi, SharedVariablesAndLookup) {
   EXPECT_EQ(SetEvalVar("%Speed%", "800", 0xFFFFFFFFu), 1);
   EXPECT_EQ(get_var("%speed%"), "800");
   EXPECT_EQ(do_eval("VS&T(%Speed%);"), "VS800;");
+  SetEvalVar("%Tool%", "1", 0xFFFFFFFFu);
+  SetEvalVar("%x%", "1200", 0xFFFFFFFFu);
+  SetEvalVar("%y%", "3400", 0xFFFFFFFFu);
+  // Variables take part through calls only; the blocks see texts.
+  EXPECT_EQ(
+      do_eval(
+          "{[&T(%Tool%) == 1][SP1;][SP2;]}{[%Tool% == 1][SP1;][SP2;]}PU&T(%x%),&T(%y%);PD%[1200/40*2.5]%;"),
+      "SP1;SP2;PU1200,3400;PD75;");
   EXPECT_EQ(SetEvalVar("%Speed%", nullptr, 0), 1);
   EXPECT_EQ(get_var("%Speed%"), "%Speed%");
   EXPECT_EQ(SetEvalVar("Empty", "", 0xFFFFFFFFu), 1);
