@@ -462,12 +462,20 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  * Creates the evaluator on the first call (building the function registry,
  * the user functions and seeding the random generator), counts the call,
  * keeps mode and logTarget when they are non-zero, keeps owner as given,
- * clears the escape flag. Returns 1.
+ * clears the escape flag, and switches asynchronous I/O on when IsAsyncIO()
+ * says so. Returns 1.
  */
 KERFLINE_API int32_t InitEval(uint32_t mode, uint32_t logTarget, void* owner);
 
 /* InitEval, then switches asynchronous I/O on. Returns 1. */
 KERFLINE_API int32_t InitEvalAsync(uint32_t mode, uint32_t logTarget, void* owner);
+
+/*
+ * 1 when the integer key "AsyncIO" of section "CutterSettings" in
+ * "plotman.ini" in the suite directory is exactly 1, else 0 (also when the
+ * file or key is missing).
+ */
+KERFLINE_API int32_t IsAsyncIO(void);
 
 /* Keeps logTarget as the device trace target when the evaluator exists and
    logTarget is non-zero. Returns 1. */

@@ -33,7 +33,7 @@ int32_t init_eval(uint32_t mode, uint32_t log_target, void* owner, bool async) {
     if (log_target != 0) evaluator.log_target = log_target;
     evaluator.owner = owner;
     evaluator.enable();
-    if (async) evaluator.async_io.store(1);
+    if (async || kerfline::script::is_async_io()) evaluator.async_io.store(1);
   } catch (...) {
     // Never fails: an evaluator that could not be built leaves the others no-ops.
   }
@@ -50,6 +50,14 @@ KERFLINE_API int32_t InitEval(uint32_t mode, uint32_t logTarget, void* owner) {
 
 KERFLINE_API int32_t InitEvalAsync(uint32_t mode, uint32_t logTarget, void* owner) {
   return init_eval(mode, logTarget, owner, true);
+}
+
+KERFLINE_API int32_t IsAsyncIO(void) {
+  try {
+    return kerfline::script::is_async_io() ? 1 : 0;
+  } catch (...) {
+    return 0;
+  }
 }
 
 KERFLINE_API int32_t SetEvalLogFile(uint32_t logTarget) {

@@ -60,4 +60,7 @@ class ProcessEval {
 
 ProcessEval& process_eval();
 
+// "AsyncIO" of section "CutterSettings" in the suite's plotman.ini is 1.
+bool is_async_io();
+
 }  // namespace kerfline::script

@@ -10,7 +10,9 @@
 
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
+#include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/paths.hpp"
 #include "script/process_state.hpp"
 #include "script_fixture.hpp"
 
@@ -203,6 +205,31 @@ TEST_F(EvalApi, OutputEntryShowsErrorsUntilCancelled) {
   EXPECT_EQ(host.boxes.size(), 2u);
   EXPECT_EQ(e.last_error(), "[incorrect number of parameters: Operator T expects 1 parameters]");
 }
+
+struct AsyncRow {
+  std::string ini;  // plotman.ini contents; empty: no file
+  int expected;
+};
+
+class AsyncIoSwitch : public ::testing::TestWithParam<AsyncRow> {};
+
+TEST_P(AsyncIoSwitch, OnlyExactlyOne) {
+  kerfline::test::TempDir dir;
+  if (!GetParam().ini.empty()) dir.write("plotman.ini", GetParam().ini);
+  platform::set_home_dir(dir.str());
+  EXPECT_EQ(IsAsyncIO(), GetParam().expected);
+  InitEval(0, 0, nullptr);
+  EXPECT_EQ(process_eval().evaluator()->async_io.load(), GetParam().expected);
+  platform::set_home_dir("");
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, AsyncIoSwitch,
+                         ::testing::Values(AsyncRow{"[CutterSettings]\r\nAsyncIO=1\r\n", 1},
+                                           AsyncRow{"[cuttersettings]\nasyncio=1\n", 1},
+                                           AsyncRow{"[CutterSettings]\nAsyncIO=2\n", 0},
+                                           AsyncRow{"[CutterSettings]\nAsyncIO=0\n", 0},
+                                           AsyncRow{"[Other]\nAsyncIO=1\n", 0}, AsyncRow{"", 0}),
+                         kerfline::test::RowIndex());
 
 }  // namespace
 }  // namespace kerfline::script
