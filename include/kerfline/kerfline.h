@@ -652,6 +652,109 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  * Evaluation
  * ====================================================================== */
 
+/*
+ * Templates in the cutter script language are evaluated by one evaluator
+ * object per process, created by the first InitEval and kept until the
+ * library is unloaded. All calls but EscapeEval and DoEval(NULL) belong to
+ * one thread at a time; EscapeEval and DoEval(NULL) may come from another
+ * thread while DoEval runs.
+ *
+ * Limits (no template can take the host down):
+ *   - a template pass refuses to start after 10 passes on one evaluator
+ *     since the last top-level reset ("[internal recursion limit reached]");
+ *   - calls nest at most 64 deep inside one expression, user-function
+ *     expansions included, and expansions may produce at most 64 KiB of text
+ *     per expression (beyond either: "[internal recursion limit reached]");
+ *   - evaluations started from inside an evaluation (Import chains, blocks
+ *     that an operand's value brings in) nest at most 16 deep; the innermost
+ *     then gives "[internal recursion limit reached]" in place of its value;
+ *   - a conditional or arithmetic pass whose output would pass 64 MiB gives
+ *     "0.0", as an unclosed block does;
+ *   - an arithmetic block nests at most 200 levels (deeper: "0.00").
+ */
+
+/*
+ * Creates the evaluator on the first call (building the function registry,
+ * the user functions and seeding the random generator), counts the call,
+ * keeps mode and logTarget when they are non-zero, keeps owner as given,
+ * clears the escape flag, and switches asynchronous I/O on when IsAsyncIO()
+ * says so. Returns 1.
+ */
+KERFLINE_API int32_t InitEval(uint32_t mode, uint32_t logTarget, void* owner);
+
+/* InitEval, then switches asynchronous I/O on. Returns 1. */
+KERFLINE_API int32_t InitEvalAsync(uint32_t mode, uint32_t logTarget, void* owner);
+
+/*
+ * 1 when the integer key "AsyncIO" of section "CutterSettings" in
+ * "plotman.ini" in the suite directory is exactly 1, else 0 (also when the
+ * file or key is missing).
+ */
+KERFLINE_API int32_t IsAsyncIO(void);
+
+/* Keeps logTarget as the device trace target when the evaluator exists and
+   logTarget is non-zero. Returns 1. */
+KERFLINE_API int32_t SetEvalLogFile(uint32_t logTarget);
+
+/*
+ * Any thread: sets the escape flag of the evaluator and wakes every device
+ * function waiting in it, so that a waiting DoEval returns at once.
+ * Returns 1 (also without an evaluator).
+ */
+KERFLINE_API int32_t EscapeEval(void);
+
+/* Clears the escape flag. Returns 1. */
+KERFLINE_API int32_t EnableEval(void);
+
+/*
+ * With a text: evaluates the template for output (conditional blocks,
+ * function calls, then arithmetic blocks with no decimals). Returns a new
+ * zero-terminated block that the caller releases with FreeEval, or NULL when
+ * the result is empty, a script error occurred (the error text is then the
+ * evaluator's last error), there is no evaluator yet (call InitEval first)
+ * or memory ran out.
+ * With NULL (busy query, any thread): returns the pointer value 1 while a
+ * device read of the evaluator waits or another DoEval runs, else NULL; this
+ * value is not a block and must not be released.
+ */
+KERFLINE_API char* DoEval(const char* text);
+
+/*
+ * The value of a variable (shared variables visible on channel -1, then the
+ * evaluator's own, then those set by the script's VarSet), or a copy of the
+ * name when none has it, as a new block for FreeEval/FreeEvalVar. NULL when
+ * there is no evaluator, name is NULL or the text is empty.
+ */
+KERFLINE_API char* GetEvalVar(const char* name);
+
+/* Releases a block returned by DoEval or GetEvalVar; NULL is ignored.
+   FreeEval and FreeEvalVar are the same function. */
+KERFLINE_API void FreeEval(char* block);
+KERFLINE_API void FreeEvalVar(char* block);
+
+/* Does nothing; the evaluator lives until the library is unloaded. Returns 1. */
+KERFLINE_API int32_t ExitEval(void);
+
+/*
+ * Sets a shared variable that every template can read by name (without
+ * regard to case): value is copied; mask has bit (channel AND 31) set for
+ * each channel that sees it (0xFFFFFFFF: every channel; DoEval uses channel
+ * -1, i.e. bit 31). A NULL value removes the variable. Returns 1, -2 for a
+ * NULL or empty name, -3 when memory ran out.
+ */
+KERFLINE_API int32_t SetEvalVar(const char* name, const char* value, uint32_t mask);
+
+/*
+ * Adds a user function, called in templates as &name(a, b): params is the
+ * comma-separated list of parameter names (NULL or empty: none), body the
+ * text that replaces each call, its parameter names (case-sensitive) replaced
+ * by the argument texts as written. A built-in or an earlier function of the
+ * same name (without regard to case) always wins. Returns 1 when added, 0
+ * when the name is taken, -2 for a NULL or empty name or a NULL body, -3 when
+ * memory ran out. Not to be called while an evaluation runs.
+ */
+KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params, const char* body);
+
 /* ======================================================================
  * Shared data block
  * ====================================================================== */

@@ -1,0 +1,16 @@
+// The arithmetic evaluator behind "%[ ... ]%" blocks: numbers, + - * / ^,
+// unary minus, parentheses and named functions. Angles are in degrees.
+// Results closer to 0 than the tolerance are 0; anything that cannot be
+// evaluated (bad syntax, a domain error, a non-finite result) is nothing.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace kerfline::script {
+
+inline constexpr double kArithmeticTolerance = 1e-9;
+
+std::optional<double> evaluate_arithmetic(std::string_view expression);
+
+}  // namespace kerfline::script

@@ -1,0 +1,148 @@
+// The evaluator object: the state one evaluation runs on (flags, variable
+// sets, pass counter, tokenizer settings, the events that waiting device
+// functions block on) and the passes of the template language.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "script/function_registry.hpp"
+#include "script/tokenizer.hpp"
+#include "script/variables.hpp"
+#include "script/wake_event.hpp"
+
+namespace kerfline::script {
+
+enum class WaitResult { kTimedOut, kSignalled, kEscaped };
+
+class Evaluator {
+ public:
+  // registry and shared must outlive the evaluator.
+  Evaluator(const FunctionRegistry& registry, const MaskedVariableSet& shared);
+  Evaluator(const Evaluator&) = delete;
+  Evaluator& operator=(const Evaluator&) = delete;
+
+  // --- Entries -----------------------------------------------------------
+  // The template pass under an error trap: resets the pass counter, the
+  // escape flag and the error flag; an error sets the error flag, becomes
+  // the last error text and is the output.
+  std::string evaluate(std::string_view text, std::int32_t channel);
+  // The same; the result is text itself when no call was found, else held
+  // in storage.
+  std::string_view evaluate_view(std::string_view text, std::int32_t channel, std::string& storage);
+  // Conditional pass, template pass, then (for a non-empty result) the
+  // arithmetic pass with no decimals: what DoEval runs.
+  std::string evaluate_for_output(std::string_view text);
+  // The same without copying text that no pass changed: the result is a
+  // view of text or of storage.
+  std::string_view evaluate_for_output(std::string_view text, std::string& storage);
+  // The library's own output entry: conditional and template passes; an
+  // error is shown in a "Cutter Script Error:" box (OK/Cancel; Cancel stops
+  // the boxes for this evaluator's life). Nothing when the error or escape
+  // flag is set.
+  std::optional<std::string> evaluate_device_output(std::string_view text);
+  // Evaluates an imported text in a fresh evaluator that starts with copies
+  // of this one's own and script variables (on channel -1).
+  std::string evaluate_imported(std::string_view text);
+
+  // --- Passes ------------------------------------------------------------
+  std::string conditional_pass(std::string_view text, bool closed);
+  std::string template_pass(std::string_view text);  // throws ScriptError
+  // The same, writing into out; false (out unused) when no call was found.
+  bool template_pass_into(std::string_view text, std::string& out);
+  std::string arithmetic_pass(std::string_view text, int decimals);
+
+  // --- Variables ---------------------------------------------------------
+  // Shared, own, then script variables; masks tested against the channel.
+  [[nodiscard]] const std::string* find_variable(std::string_view name) const;
+  // The value, or the name itself when no set holds it.
+  [[nodiscard]] std::string lookup_or_name(std::string_view name) const;
+  void set_script_variable(std::string_view name, std::string value) {
+    script_vars_.set(name, std::move(value));
+  }
+  MaskedVariableSet& own_variables() { return own_vars_; }
+
+  // --- Escape and waiting (callable from another thread where noted) -----
+  // Any thread: sets the escape flag and wakes every waiter.
+  void escape();
+  void enable() { escape_flag_.store(false); }
+  [[nodiscard]] bool escaped() const;
+  // Waits up to ms, or until the event is signalled or the evaluation is
+  // escaped. Device functions use it for every wait they do.
+  WaitResult wait(std::uint32_t ms, int event = 0);
+  // Any thread: wakes a waiter on one of the two events.
+  void signal(int event);
+  // Marks a device read that waits for its answer (the busy query sees it).
+  class DeviceRead {
+   public:
+    explicit DeviceRead(Evaluator& e);
+    ~DeviceRead();
+    DeviceRead(const DeviceRead&) = delete;
+    DeviceRead& operator=(const DeviceRead&) = delete;
+
+   private:
+    Evaluator& root_;
+  };
+  // Any thread.
+  [[nodiscard]] bool device_read_waiting() const { return root().waiting_.load() != 0; }
+
+  // --- State -------------------------------------------------------------
+  [[nodiscard]] bool error() const { return error_; }
+  [[nodiscard]] const std::string& last_error() const { return last_error_; }
+  [[nodiscard]] bool show_error_box() const { return show_error_box_; }
+  [[nodiscard]] std::int32_t channel() const { return channel_; }
+  [[nodiscard]] int pass_counter() const { return pass_counter_; }
+  void set_pass_counter(int value) { pass_counter_ = value; }
+  [[nodiscard]] const FunctionRegistry& registry() const { return registry_; }
+  [[nodiscard]] const Tokenizer& tokenizer() const { return tokenizer_; }
+  void set_raw_escapes(bool on) { tokenizer_ = Tokenizer(on); }
+
+  // Settings kept for the device-dialogue functions.
+  std::uint32_t mode = 0;
+  std::uint32_t log_target = 0;
+  void* owner = nullptr;
+  std::atomic<std::int32_t> async_io{0};
+
+ private:
+  friend class NestingGuard;
+  Evaluator& root() { return parent_ == nullptr ? *this : *parent_; }
+  [[nodiscard]] const Evaluator& root() const { return parent_ == nullptr ? *this : *parent_; }
+  std::string decide_block(std::string_view content, bool closed, int depth);
+  std::string evaluate_call(std::string_view source, const std::vector<Token>& tokens);
+
+  const FunctionRegistry& registry_;
+  const MaskedVariableSet& shared_;
+  MaskedVariableSet own_vars_;
+  ScriptVariableSet script_vars_;
+  Tokenizer tokenizer_;
+  Evaluator* parent_ = nullptr;  // the evaluator an imported text came from
+  int nesting_ = 0;
+
+  std::atomic<std::int32_t> escape_flag_{0};
+  std::atomic<std::int32_t> waiting_{0};
+  std::array<WakeEvent, 2> events_;
+  std::int32_t channel_ = -1;
+  int pass_counter_ = 0;
+  bool error_ = false;
+  std::string last_error_;
+  bool show_error_box_ = true;
+};
+
+// Counts one level of nested evaluation; throws the recursion-limit error
+// beyond kMaxNestedEvaluations.
+class NestingGuard {
+ public:
+  explicit NestingGuard(Evaluator& e);
+  ~NestingGuard() { --evaluator_.nesting_; }
+  NestingGuard(const NestingGuard&) = delete;
+  NestingGuard& operator=(const NestingGuard&) = delete;
+
+ private:
+  Evaluator& evaluator_;
+};
+
+}  // namespace kerfline::script

@@ -1,0 +1,59 @@
+#include "script/function_registry.hpp"
+
+#include "platform/codepage.hpp"
+
+namespace kerfline::script {
+namespace {
+
+std::string_view trim_blanks(std::string_view s) {
+  const auto is_blank = [](char c) { return c == ' ' || (c >= 0x09 && c <= 0x0d); };
+  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
+  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
+  return s;
+}
+
+}  // namespace
+
+bool FunctionRegistry::add(FunctionRecord record) {
+  if (record.name.empty()) return false;
+  std::string key = platform::cp1252::to_upper(record.name);
+  if (by_upper_name_.count(key) != 0) return false;
+  auto owned = std::make_unique<FunctionRecord>(std::move(record));
+  order_.push_back(owned.get());
+  by_upper_name_.emplace(std::move(key), std::move(owned));
+  return true;
+}
+
+const FunctionRecord* FunctionRegistry::find(std::string_view name) const {
+  if (name.empty()) return nullptr;
+  const auto it = by_upper_name_.find(platform::cp1252::to_upper(name));
+  return it == by_upper_name_.end() ? nullptr : it->second.get();
+}
+
+std::vector<std::string> split_parameter_names(std::string_view parameter_list) {
+  std::vector<std::string> names;
+  if (trim_blanks(parameter_list).empty()) return names;
+  std::size_t from = 0;
+  while (true) {
+    const std::size_t comma = parameter_list.find(',', from);
+    names.emplace_back(trim_blanks(parameter_list.substr(from, comma - from)));
+    if (comma == std::string_view::npos) break;
+    from = comma + 1;
+  }
+  return names;
+}
+
+bool add_user_function(FunctionRegistry& registry, std::string_view name, std::string_view parameter_list,
+                       std::string_view body) {
+  FunctionRecord record;
+  record.name = std::string(name);
+  record.parameter_names = split_parameter_names(parameter_list);
+  record.parameter_count = static_cast<std::int32_t>(record.parameter_names.size());
+  record.parameters = std::string(parameter_list);
+  record.second_text = std::string(body);
+  record.help = kUserFunctionHelp;
+  record.user = true;
+  return registry.add(std::move(record));
+}
+
+}  // namespace kerfline::script
