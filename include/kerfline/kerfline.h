@@ -755,6 +755,17 @@ KERFLINE_API int32_t SetEvalVar(const char* name, const char* value, uint32_t ma
  */
 KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params, const char* body);
 
+/*
+ * Makes every named variable of an open driver a shared variable (as
+ * SetEvalVar does, with the given mask), under its name as the driver writes
+ * it ("%Speed%"), with its value as GetVar reads it (links followed). Items
+ * are taken in tree order; when two have the same name (without regard to
+ * case) the first wins, as in every other lookup by name. Groups are walked,
+ * not loaded. Returns the number of variables set; -2 when the record holds
+ * no open driver; -3 when memory ran out.
+ */
+KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask);
+
 /* ======================================================================
  * Shared data block
  * ====================================================================== */
