@@ -103,6 +103,61 @@ std::string from_utf16(const char16_t* units, std::size_t count) {
 
 std::string from_utf16(std::u16string_view units) { return from_utf16(units.data(), units.size()); }
 
+std::string to_utf8(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (const char ch : text) {
+    const char32_t cp = to_unicode(static_cast<unsigned char>(ch));
+    if (cp < 0x80) {
+      out.push_back(static_cast<char>(cp));
+    } else if (cp < 0x800) {
+      out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
+      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+    } else {
+      out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
+      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+    }
+  }
+  return out;
+}
+
+std::optional<std::string> from_utf8(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size();) {
+    const auto lead = static_cast<unsigned char>(utf8[i]);
+    char32_t cp = 0;
+    std::size_t extra = 0;
+    if (lead < 0x80) {
+      cp = lead;
+    } else if ((lead & 0xE0) == 0xC0) {
+      cp = lead & 0x1F;
+      extra = 1;
+    } else if ((lead & 0xF0) == 0xE0) {
+      cp = lead & 0x0F;
+      extra = 2;
+    } else if ((lead & 0xF8) == 0xF0) {
+      cp = lead & 0x07;
+      extra = 3;
+    } else {
+      return std::nullopt;
+    }
+    for (std::size_t k = 1; k <= extra; ++k) {
+      if (i + k >= utf8.size()) return std::nullopt;
+      const auto cont = static_cast<unsigned char>(utf8[i + k]);
+      if ((cont & 0xC0) != 0x80) return std::nullopt;
+      cp = (cp << 6) | (cont & 0x3F);
+    }
+    i += extra + 1;
+    if ((extra == 1 && cp < 0x80) || (extra == 2 && cp < 0x800)) return std::nullopt;  // overlong
+    const char byte = from_code_point(cp);
+    if (byte == '?' && cp != U'?') return std::nullopt;
+    out.push_back(byte);
+  }
+  return out;
+}
+
 char32_t to_unicode(unsigned char c) {
   if (c >= 0x80 && c <= 0x9F) return kHighControls[c - 0x80];
   return c;

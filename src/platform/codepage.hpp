@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,12 @@ bool equals_no_case(std::string_view a, std::string_view b);
 // surrogate.
 std::string from_utf16(const char16_t* units, std::size_t count);
 std::string from_utf16(std::u16string_view units);
+
+// 1252 text as UTF-8, and back. from_utf8 fails (nothing) on malformed
+// UTF-8 or a character that 1252 cannot hold, so a round trip never changes
+// a byte silently.
+std::string to_utf8(std::string_view text);
+std::optional<std::string> from_utf8(std::string_view utf8);
 
 // The Unicode code point of a 1252 byte. The five unassigned bytes 0x81,
 // 0x8D, 0x8F, 0x90 and 0x9D map to the control points of the same value, as

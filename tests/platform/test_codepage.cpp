@@ -83,3 +83,26 @@ TEST(Cp1252Unicode, HighControlBlock) {
   EXPECT_EQ(cp::to_unicode(0x81), U'\u0081');
   EXPECT_EQ(cp::to_unicode(0xE4), U'\u00e4');
 }
+
+TEST(Cp1252Utf8, EveryByteRoundTrips) {
+  std::string all;
+  for (int c = 0; c < 256; ++c) all.push_back(static_cast<char>(c));
+  const std::string utf8 = cp::to_utf8(all);
+  const auto back = cp::from_utf8(utf8);
+  ASSERT_TRUE(back.has_value());
+  EXPECT_EQ(*back, all);
+  EXPECT_EQ(cp::to_utf8("\x80\xe4"), "\xe2\x82\xac\xc3\xa4");  // € ä
+}
+
+TEST(Cp1252Utf8, RefusesWhatWouldChangeABytes) {
+  const char* bad[] = {
+      "\xe4\xb8\xad",      // a character outside 1252
+      "\xc3",              // cut short
+      "\xc3\x28",          // not a continuation byte
+      "\xc0\x80",          // overlong NUL
+      "\xf0\x9f\x98\x80",  // outside the BMP
+      "\xff",
+  };
+  for (const char* text : bad) EXPECT_FALSE(cp::from_utf8(text).has_value()) << text;
+  EXPECT_EQ(*cp::from_utf8("a?b"), "a?b");
+}

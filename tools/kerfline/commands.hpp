@@ -32,5 +32,6 @@ class CommandList {
 
 void register_version(CLI::App& app, CommandList& commands);
 void register_check(CLI::App& app, CommandList& commands);
+void register_driver(CLI::App& app, CommandList& commands);
 
 }  // namespace kerfline::cli

@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
   kerfline::cli::CommandList commands;
   kerfline::cli::register_version(app, commands);
   kerfline::cli::register_check(app, commands);
+  kerfline::cli::register_driver(app, commands);
 
   try {
     app.parse(argc, argv);
