@@ -114,6 +114,8 @@ void register_driver(CLI::App& app, CommandList& commands) {
   dump->add_option("file", options->input, "Driver file")->required()->check(CLI::ExistingFile);
   dump->add_flag("--json", options->json, "Print the JSON text form instead of the tree");
   commands.add(dump, [options] { return run_dump(*options); });
+
+  register_driver_api(*driver, commands);
 }
 
 }  // namespace kerfline::cli

@@ -33,5 +33,8 @@ class CommandList {
 void register_version(CLI::App& app, CommandList& commands);
 void register_check(CLI::App& app, CommandList& commands);
 void register_driver(CLI::App& app, CommandList& commands);
+// The subcommands of `driver` that work through the C interface.
+void register_driver_api(CLI::App& driver, CommandList& commands);
+void register_eval(CLI::App& app, CommandList& commands);
 
 }  // namespace kerfline::cli

@@ -10,6 +10,7 @@
 #include "driver/drv_item_mat_db.hpp"
 #include "driver/drv_item_tool_parm_var.hpp"
 #include "driver/item_classes.hpp"
+#include "driver/text_definitions.hpp"
 #include "platform/codepage.hpp"
 
 namespace kerfline::cli {
@@ -198,7 +199,8 @@ json item_to_json(const std::shared_ptr<CDrvItem>& item) {
   return out;
 }
 
-std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& path, int depth);
+std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& path, int depth,
+                                         const driver::TextDefinitions& texts);
 
 void common_from_json(const json& form, CDrvItem& item, const std::string& path) {
   item.DictId = dword_of(form, "id", path);
@@ -213,7 +215,8 @@ void common_from_json(const json& form, CDrvItem& item, const std::string& path)
   item.UpdateAtEnd();
 }
 
-void list_from_json(const json& form, driver::CDrvItemList& list, const std::string& path, int depth) {
+void list_from_json(const json& form, driver::CDrvItemList& list, const std::string& path, int depth,
+                    const driver::TextDefinitions& texts) {
   if (const json* params = member(form, "params")) {
     if (!params->is_array() || params->size() != 4) throw FormError(path + ".params: expected four numbers");
     std::uint32_t* fields[] = {&list.ListParam0, &list.ListParam1, &list.ListParam2, &list.ListParam3};
@@ -227,7 +230,7 @@ void list_from_json(const json& form, driver::CDrvItemList& list, const std::str
   if (const json* items = member(form, "items")) {
     if (!items->is_array()) throw FormError(path + ".items: expected a list of items");
     for (std::size_t i = 0; i < items->size(); ++i) {
-      list.AddChild(item_from_json((*items)[i], path + ".items[" + std::to_string(i) + "]", depth + 1));
+      list.AddChild(item_from_json((*items)[i], path + ".items[" + std::to_string(i) + "]", depth + 1, texts));
     }
   }
 }
@@ -252,7 +255,8 @@ void dlgvar_from_json(const json& form, driver::CDrvItemDlgVar& dlg, const std::
   }
 }
 
-std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& path, int depth) {
+std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& path, int depth,
+                                         const driver::TextDefinitions& texts) {
   constexpr int kMaxDepth = 200;  // the binary reader's own limit
   if (depth > kMaxDepth) throw FormError(path + ": items nested too deep");
   if (!form.is_object()) throw FormError(path + ": expected an item object");
@@ -260,8 +264,11 @@ std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& pa
   std::shared_ptr<CDrvItem> item = driver::make_item(cls);
   if (!item) throw FormError(path + ".class: unknown item class \"" + cls + "\"");
   common_from_json(form, *item, path);
+  // As when the file is read: such an item takes name, type and description
+  // from its text number.
+  if (defined_by_text_number(*item)) item->ApplyDefinition(texts, item->DictId);
   if (auto* list = dynamic_cast<driver::CDrvItemList*>(item.get())) {
-    list_from_json(form, *list, path, depth);
+    list_from_json(form, *list, path, depth, texts);
   } else if (auto* cut = dynamic_cast<driver::CDrvItemCutInstr*>(item.get())) {
     // The file keeps a cut instruction's name only through its text number.
     if (cut->DictId == 0) throw FormError(path + ".id: a cut instruction needs the text number of its name");
@@ -314,7 +321,7 @@ std::unique_ptr<driver::CVm6Drv> driver_from_json(const json& form, std::string&
     if (root == nullptr || !root->is_object()) throw FormError("$.root: missing the root group");
     json root_form = *root;
     root_form["class"] = "CDrvItemList";
-    auto parsed = std::dynamic_pointer_cast<driver::CDrvItemList>(item_from_json(root_form, "$.root", 0));
+    auto parsed = std::dynamic_pointer_cast<driver::CDrvItemList>(item_from_json(root_form, "$.root", 0, doc->Texts()));
     auto& target = doc->Root();
     common_from_json(root_form, target, "$.root");
     target.ListParam0 = parsed->ListParam0;

@@ -1,0 +1,44 @@
+// A driver opened through the C interface for one command, freed on exit.
+#pragma once
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "kerfline/kerfline.h"
+
+namespace kerfline::cli {
+
+class OpenDriver {
+ public:
+  // Library mode: a command-line tool shows no dialogs.
+  explicit OpenDriver(const std::string& path) {
+    if (path.size() >= sizeof(record_.szFileName)) {
+      std::fprintf(stderr, "kerfline: driver path too long (%zu characters, at most 259): %s\n", path.size(),
+                   path.c_str());
+      return;
+    }
+    std::memcpy(record_.szFileName, path.c_str(), path.size() + 1);
+    record_.nAppMode = 0;
+    const int32_t result = InitDrv(&record_);
+    if (result != 1) {
+      std::fprintf(stderr, "kerfline: cannot open driver %s (result %d)\n", path.c_str(), result);
+      return;
+    }
+    open_ = true;
+  }
+  ~OpenDriver() {
+    if (open_) FreeDrv(&record_);
+  }
+  OpenDriver(const OpenDriver&) = delete;
+  OpenDriver& operator=(const OpenDriver&) = delete;
+
+  [[nodiscard]] bool ok() const { return open_; }
+  VMV6DRV* record() { return &record_; }
+
+ private:
+  VMV6DRV record_{};
+  bool open_ = false;
+};
+
+}  // namespace kerfline::cli
