@@ -78,7 +78,11 @@ void print_value(const VMV6VAR& var) {
   }
 }
 
-int run_info(const ApiOptions& o) {
+}  // namespace
+
+int print_driver_info(const std::string& file) {
+  ApiOptions o;
+  o.file = file;
   OpenDriver drv(o.file);
   if (!drv.ok()) return kExitFailure;
   char name[260] = {};
@@ -99,6 +103,8 @@ int run_info(const ApiOptions& o) {
   std::printf("materials: %d\n", CountMaterial(drv.record()));
   return kExitOk;
 }
+
+namespace {
 
 int run_get(const ApiOptions& o) {
   OpenDriver drv(o.file);
@@ -141,8 +147,10 @@ int run_set(const ApiOptions& o) {
   return kExitOk;
 }
 
-int run_tools(const ApiOptions& o) {
-  OpenDriver drv(o.file);
+}  // namespace
+
+int print_driver_tools(const std::string& file) {
+  OpenDriver drv(file);
   if (!drv.ok()) return kExitFailure;
   DRVTOOL tool{};
   for (int32_t r = GetFirstTool(drv.record(), &tool); r == 1; r = GetNextTool(drv.record(), &tool)) {
@@ -154,6 +162,8 @@ int run_tools(const ApiOptions& o) {
   FreeTool(&tool);
   return kExitOk;
 }
+
+namespace {
 
 int run_materials(const ApiOptions& o) {
   OpenDriver drv(o.file);
@@ -177,7 +187,7 @@ void register_driver_api(CLI::App& driver, CommandList& commands) {
 
   CLI::App* info = driver.add_subcommand("info", "Name, title, class, flags and counts of a driver");
   file_arg(info);
-  commands.add(info, [o] { return run_info(*o); });
+  commands.add(info, [o] { return print_driver_info(o->file); });
 
   CLI::App* get = driver.add_subcommand("get", "Read a variable as a host does (GetVar)");
   file_arg(get);
@@ -198,7 +208,7 @@ void register_driver_api(CLI::App& driver, CommandList& commands) {
 
   CLI::App* tools = driver.add_subcommand("tools", "List the driver's tools");
   file_arg(tools);
-  commands.add(tools, [o] { return run_tools(*o); });
+  commands.add(tools, [o] { return print_driver_tools(o->file); });
 
   CLI::App* materials = driver.add_subcommand("materials", "List the driver's materials");
   file_arg(materials);

@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
   kerfline::cli::register_check(app, commands);
   kerfline::cli::register_driver(app, commands);
   kerfline::cli::register_eval(app, commands);
+  kerfline::cli::register_demo(app, commands);
 
   try {
     app.parse(argc, argv);

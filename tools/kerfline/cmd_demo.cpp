@@ -1,0 +1,164 @@
+// `kerfline demo`: the library doing its main job, in a few seconds, on the
+// example drivers in a temporary suite directory.
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <system_error>
+
+#include "commands.hpp"
+#include "kerfline/kerfline.h"
+#include "open_driver.hpp"
+
+namespace kerfline::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string tool_dir() {
+  std::error_code ec;
+  const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+  return ec ? std::string(".") : exe.parent_path().string();
+}
+
+// A fresh suite directory holding the string tables and the example drivers.
+class DemoSuite {
+ public:
+  DemoSuite() {
+    std::random_device rd;
+    dir_ = fs::temp_directory_path() / ("kerfline-demo-" + std::to_string(rd()));
+    fs::create_directories(dir_ / "Res");
+    fs::create_directories(dir_ / "Drivers");
+    const fs::path bin = tool_dir();
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(bin / "Res", ec)) {
+      fs::copy_file(entry.path(), dir_ / "Res" / entry.path().filename(), ec);
+    }
+    for (const auto& entry : fs::directory_iterator(bin / ".." / "examples" / "drivers", ec)) {
+      if (entry.path().extension() == ".vmd") {
+        fs::copy_file(entry.path(), dir_ / "Drivers" / entry.path().filename(), ec);
+      }
+    }
+  }
+  ~DemoSuite() {
+    std::error_code ec;
+    fs::remove_all(dir_, ec);
+  }
+  DemoSuite(const DemoSuite&) = delete;
+  DemoSuite& operator=(const DemoSuite&) = delete;
+
+  [[nodiscard]] std::string path() const { return dir_.string(); }
+  [[nodiscard]] std::string driver(const char* name) const { return (dir_ / "Drivers" / name).string(); }
+
+ private:
+  fs::path dir_;
+};
+
+void heading(const char* text) { std::printf("\n== %s\n", text); }
+
+std::string read_template(VMV6DRV* drv, const char* name) {
+  VMV6VAR var{};
+  std::strncpy(var.szName, name, sizeof(var.szName) - 1);
+  var.pDrv = drv;
+  var.nKind = KERFLINE_VARKIND_DRIVER;
+  var.nValueType = KERFLINE_VT_TEXT;
+  if (GetVar(&var) != 1) return {};
+  std::string text = var.uValue.pszText != nullptr ? var.uValue.pszText : "";
+  FreeVar(&var);
+  return text;
+}
+
+// Evaluates a driver's template variable and shows template and output.
+void show_eval(VMV6DRV* drv, const char* name, const char* note) {
+  const std::string text = read_template(drv, name);
+  char* out = DoEval(text.c_str());
+  std::printf("%-14s %s\n", name, note);
+  std::printf("  template: %s\n", text.c_str());
+  std::printf("  output:   %s\n", out != nullptr ? out : "(empty or script error)");
+  FreeEval(out);
+}
+
+int run_demo() {
+  DemoSuite suite;
+  KerflineSetHomeDir(suite.path().c_str());
+  std::printf("Kerfline %s demo, suite directory %s\n", KerflineGetVersion(), suite.path().c_str());
+  std::printf("start-up (InitKerflineDll): %d\n", InitKerflineDll());
+
+  const std::string cutter = suite.driver("hpgl-cutter.vmd");
+  heading("A driver as a host sees it (InitDrv, GetDrvName, GetDrvClass2, GetDrvFlags, CountTools)");
+  if (print_driver_info(cutter) != kExitOk) {
+    std::fprintf(stderr, "kerfline: the example drivers are missing; build the project first\n");
+    return kExitFailure;
+  }
+  heading("Its tools (GetFirstTool/GetNextTool, GetDrvFlags with a tool name)");
+  print_driver_tools(cutter);
+
+  heading("Output templates evaluated with the driver's variables (LoadEvalVars, DoEval)");
+  InitEval(0, 0, nullptr);
+  {
+    OpenDriver drv(cutter);
+    if (!drv.ok()) return kExitFailure;
+    LoadEvalVars(drv.record(), 0xFFFFFFFFu);
+    show_eval(drv.record(), "%PlotInit%", "initialisation");
+    SetEvalVar("%Tool%", "1", 0xFFFFFFFFu);
+    show_eval(drv.record(), "%ToolChange%", "tool change to tool 1 (a conditional block)");
+    SetEvalVar("%Tool%", "2", 0xFFFFFFFFu);
+    show_eval(drv.record(), "%ToolChange%", "tool change to tool 2");
+    SetEvalVar("%x%", "1200", 0xFFFFFFFFu);
+    SetEvalVar("%y%", "800", 0xFFFFFFFFu);
+    show_eval(drv.record(), "%Move%", "a move with x=1200, y=800");
+    show_eval(drv.record(), "%OvercutUnits%", "an arithmetic block");
+  }
+  {
+    OpenDriver drv(suite.driver("dialog-cutter.vmd"));
+    if (!drv.ok()) return kExitFailure;
+    LoadEvalVars(drv.record(), 0xFFFFFFFFu);
+    show_eval(drv.record(), "%PlotInit%", "dialog-cutter: conditional and arithmetic from dialog variables");
+  }
+  {
+    OpenDriver drv(suite.driver("hpgl-cutter-plus.vmd"));
+    if (!drv.ok()) return kExitFailure;
+    LoadEvalVars(drv.record(), 0xFFFFFFFFu);
+    show_eval(drv.record(), "%PlotInit%", "hpgl-cutter-plus: linked to its base driver, own speed");
+  }
+
+  heading("Change a variable, store the driver and read it back (SetVar, StoreDrv, GetVar)");
+  {
+    OpenDriver drv(cutter);
+    if (!drv.ok()) return kExitFailure;
+    VMV6VAR var{};
+    std::strcpy(var.szName, "%Speed%");
+    var.pDrv = drv.record();
+    var.nKind = KERFLINE_VARKIND_DRIVER;
+    var.nValueType = KERFLINE_VT_INTEGER;
+    GetVar(&var);
+    std::printf("%%Speed%% before: %d\n", var.uValue.nInt);
+    var.uValue.nInt = 55;
+    const int32_t set = SetVar(&var);
+    const int32_t stored = StoreDrv(drv.record());
+    std::printf("SetVar(%%Speed%% = 55): %d, StoreDrv: %d\n", set, stored);
+  }
+  {
+    OpenDriver drv(cutter);
+    if (!drv.ok()) return kExitFailure;
+    VMV6VAR var{};
+    std::strcpy(var.szName, "%Speed%");
+    var.pDrv = drv.record();
+    var.nKind = KERFLINE_VARKIND_DRIVER;
+    var.nValueType = KERFLINE_VT_INTEGER;
+    const int32_t result = GetVar(&var);
+    std::printf("%%Speed%% after reopening: %d (GetVar %d)\n", var.uValue.nInt, result);
+  }
+  std::printf("\ndemo done\n");
+  return kExitOk;
+}
+
+}  // namespace
+
+void register_demo(CLI::App& app, CommandList& commands) {
+  CLI::App* sub = app.add_subcommand("demo", "Show the library at work on the example drivers");
+  commands.add(sub, run_demo);
+}
+
+}  // namespace kerfline::cli
