@@ -14,19 +14,32 @@ namespace {
 // groups take their paths.
 std::string texts(std::uint32_t id) {
   switch (id) {
-    case 107: return "1000";
-    case 108: return "6";
-    case 109: return "2";
-    case 122: return "9000";
-    case 123: return "57";
-    case 124: return "8";
-    case 1000: return "%CI_ArcLimit%";
-    case 1004: return "(AL:10e6)";
-    case 1005: return "String";
-    case 1006: return "%CI_AltHPGL%";
-    case 9016: return "%DriverName%";
-    case 9020: return "String";
-    default: return "";
+    case 107:
+      return "1000";
+    case 108:
+      return "6";
+    case 109:
+      return "2";
+    case 122:
+      return "9000";
+    case 123:
+      return "57";
+    case 124:
+      return "8";
+    case 1000:
+      return "%CI_ArcLimit%";
+    case 1004:
+      return "(AL:10e6)";
+    case 1005:
+      return "String";
+    case 1006:
+      return "%CI_AltHPGL%";
+    case 9016:
+      return "%DriverName%";
+    case 9020:
+      return "String";
+    default:
+      return "";
   }
 }
 

@@ -34,7 +34,8 @@ void fill(drv::CVm6Drv& doc) {
         var->Description = "A dialog variable with limits and conditions";
         var->DlgText = "Speed of the tool in cm/s";
         var->DlgFormat = "%d";
-        var->Ext = std::make_unique<drv::CDrvItemDlgVar::ExtParms>(drv::CDrvItemDlgVar::ExtParms{1, 800, 1, 1});
+        var->Ext =
+            std::make_unique<drv::CDrvItemDlgVar::ExtParms>(drv::CDrvItemDlgVar::ExtParms{1, 800, 1, 1});
         var->Conditions = {"%Flags_1%", "%Flags_2%"};
         group->AddChild(var);
       } else {

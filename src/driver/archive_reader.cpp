@@ -128,7 +128,8 @@ ArchiveReader::ObjectTag ArchiveReader::object_reference(std::uint32_t index) {
     throw ArchiveError("object index " + std::to_string(index) + " was never assigned");
   }
   // An object still being read would become its own descendant.
-  if (!map_[index].complete) throw ArchiveError("object index " + std::to_string(index) + " refers to itself");
+  if (!map_[index].complete)
+    throw ArchiveError("object index " + std::to_string(index) + " refers to itself");
   ObjectTag out;
   out.kind = ObjectTag::Kind::Reference;
   out.object = map_[index].object;

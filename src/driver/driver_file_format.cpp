@@ -91,7 +91,8 @@ std::optional<std::string> parse_driver_title(std::string_view bytes, const Text
 }
 
 std::string write_driver_file(const ExtendedHeader& header, const std::string& title,
-                              std::uint32_t base_driver_flag, CDrvItemList& root, const TextDefinitions& texts) {
+                              std::uint32_t base_driver_flag, CDrvItemList& root,
+                              const TextDefinitions& texts) {
   ArchiveWriter ar;
   ar.definitions = &texts;
   if (header.Present) {

@@ -37,6 +37,7 @@ DriverFileContents parse_driver_file(std::string_view bytes, const TextDefinitio
 std::optional<std::string> parse_driver_title(std::string_view bytes, const TextDefinitions& texts);
 
 std::string write_driver_file(const ExtendedHeader& header, const std::string& title,
-                              std::uint32_t base_driver_flag, CDrvItemList& root, const TextDefinitions& texts);
+                              std::uint32_t base_driver_flag, CDrvItemList& root,
+                              const TextDefinitions& texts);
 
 }  // namespace kerfline::driver

@@ -125,11 +125,16 @@ void CDrvItem::SetValue(const std::string& value) {
 
 std::string CDrvItem::TypeName(std::uint32_t type) {
   switch (type) {
-    case type_code::kInteger: return "Integer";
-    case type_code::kDouble: return "Double";
-    case type_code::kDate: return "Date";
-    case type_code::kBool: return "Bool";
-    default: return "String";
+    case type_code::kInteger:
+      return "Integer";
+    case type_code::kDouble:
+      return "Double";
+    case type_code::kDate:
+      return "Date";
+    case type_code::kBool:
+      return "Bool";
+    default:
+      return "String";
   }
 }
 
@@ -157,13 +162,27 @@ std::string CDrvItem::ValueAsEscapedText() const {
       continue;
     }
     switch (c) {
-      case 7: out += "\\a"; break;
-      case 8: out += "\\b"; break;
-      case 9: out += "\\t"; break;
-      case 10: out += "\\n"; break;
-      case 11: out += "\\v"; break;
-      case 12: out += "\\f"; break;
-      case 13: out += "\\r"; break;
+      case 7:
+        out += "\\a";
+        break;
+      case 8:
+        out += "\\b";
+        break;
+      case 9:
+        out += "\\t";
+        break;
+      case 10:
+        out += "\\n";
+        break;
+      case 11:
+        out += "\\v";
+        break;
+      case 12:
+        out += "\\f";
+        break;
+      case 13:
+        out += "\\r";
+        break;
       default: {
         char hex[8];
         const auto res = std::to_chars(hex, hex + sizeof(hex), static_cast<unsigned>(c), 16);
@@ -214,8 +233,8 @@ std::uint32_t CDrvItem::GetDate() const {
     }
     if (!scan_int(value, pos, parts[i])) break;
   }
-  return (static_cast<std::uint32_t>(parts[0]) & 0xFF) | ((static_cast<std::uint32_t>(parts[1]) & 0xFF) << 8) |
-         (static_cast<std::uint32_t>(parts[2]) << 16);
+  return (static_cast<std::uint32_t>(parts[0]) & 0xFF) |
+         ((static_cast<std::uint32_t>(parts[1]) & 0xFF) << 8) | (static_cast<std::uint32_t>(parts[2]) << 16);
 }
 
 }  // namespace kerfline::driver

@@ -107,7 +107,9 @@ void CDrvItemList::Populate(const TextDefinitions& texts) {
 }
 
 bool CDrvItemList::IsReservedGroup() const {
-  const auto reserved = [](const std::string& s) { return s == "Dialogvariablen" || s == "Werkzeugvariablen"; };
+  const auto reserved = [](const std::string& s) {
+    return s == "Dialogvariablen" || s == "Werkzeugvariablen";
+  };
   return reserved(Name) || reserved(Description) || DictId == 33025 || DictId == 33058;
 }
 
@@ -117,8 +119,8 @@ void CDrvItemList::RemoveUnexpectedChildren() {
   if (removed == 0) return;
   if (maps_built_) BuildMaps();
   for (std::size_t i = 0; i < removed; ++i) {
-    platform::host::message_box("(1) - Removed unexpected link", "Driver check:",
-                                KERFLINE_MB_OK | KERFLINE_MB_ICONWARNING);
+    platform::host::message_box("(1) - Removed unexpected link",
+                                "Driver check:", KERFLINE_MB_OK | KERFLINE_MB_ICONWARNING);
   }
 }
 

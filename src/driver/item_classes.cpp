@@ -15,8 +15,9 @@ namespace {
 // Copies of each class's description, so that the table does not depend on
 // the order in which static members are initialised.
 constexpr ArchiveClass kItemClasses[] = {
-    {"CDrvItem", 2, true},        {"CDrvItemList", 1, false},  {"CDrvItemCutInstr", 1, false},
-    {"CDrvItemToolParmVar", 1, false}, {"CDrvItemDlgVar", 3, true}, {"CDrvItemMatDB", 2, true},
+    {"CDrvItem", 2, true},          {"CDrvItemList", 1, false},
+    {"CDrvItemCutInstr", 1, false}, {"CDrvItemToolParmVar", 1, false},
+    {"CDrvItemDlgVar", 3, true},    {"CDrvItemMatDB", 2, true},
 };
 
 }  // namespace

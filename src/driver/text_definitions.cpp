@@ -72,8 +72,10 @@ ItemDefinition TextDefinitions::definition(std::uint32_t id) const {
   def.name = text(id);
   def.description = text(id + 1);
   if (const Kind* kind = kind_of_block(id)) {
-    if (kind->default_offset >= 0) def.default_value = text(id + static_cast<std::uint32_t>(kind->default_offset));
-    if (kind->type_offset >= 0) def.type = type_code_of(text(id + static_cast<std::uint32_t>(kind->type_offset)));
+    if (kind->default_offset >= 0)
+      def.default_value = text(id + static_cast<std::uint32_t>(kind->default_offset));
+    if (kind->type_offset >= 0)
+      def.type = type_code_of(text(id + static_cast<std::uint32_t>(kind->type_offset)));
   }
   return def;
 }

@@ -53,7 +53,8 @@ CDrvItem* CVm6Drv::FindLocal(const std::string& name) {
 CDrvItem* CVm6Drv::FindItem(const std::string& name) {
   CDrvItem* found = FindLocal(name);
   if (found != nullptr && found->Linked != 0 && base_driver_) {
-    if (CDrvItem* target = base_driver_->FindItem(name)) found->SetLinkTarget(target->weak_from_this().lock());
+    if (CDrvItem* target = base_driver_->FindItem(name))
+      found->SetLinkTarget(target->weak_from_this().lock());
   }
   return found;
 }
@@ -66,10 +67,14 @@ void CVm6Drv::MergeBaseDriver() {
     for (const auto& child : group.GetChildren()) {
       if (!seen.insert(child.get()).second) continue;
       const ArchiveClass& cls = child->GetClass();
-      if (&cls == &CDrvItemList::kClass) groups.push_back(child);
-      else if (&cls == &CDrvItemDlgVar::kClass) dialog_vars.push_back(child);
-      else if (&cls == &CDrvItemToolParmVar::kClass) tool_vars.push_back(child);
-      else if (&cls == &CDrvItem::kClass) plain.push_back(child);
+      if (&cls == &CDrvItemList::kClass)
+        groups.push_back(child);
+      else if (&cls == &CDrvItemDlgVar::kClass)
+        dialog_vars.push_back(child);
+      else if (&cls == &CDrvItemToolParmVar::kClass)
+        tool_vars.push_back(child);
+      else if (&cls == &CDrvItem::kClass)
+        plain.push_back(child);
     }
   };
   sort(base_driver_->Root());

@@ -24,12 +24,30 @@ inline const std::map<std::uint32_t, std::string>& sample_texts() {
   static const std::map<std::uint32_t, std::string> texts = {
       // directory: cut instructions (base, step, count), standard variables
       // (base, count, step)
-      {107, "1000"}, {108, "6"}, {109, "2"}, {122, "9000"}, {123, "57"}, {124, "8"},
-      {1000, "%CI_ArcLimit%"}, {1001, "Arc limit"}, {1004, "(AL:10e6)"}, {1005, "String"},
-      {1006, "%CI_AltHPGL%"}, {1007, "Alternative HPGL"}, {1010, "(AT:PA)"}, {1011, "String"},
-      {9016, "%DriverName%"}, {9017, "Name of the driver"}, {9020, "String"},
-      {9120, "%BaseDrv%"}, {9121, "Base driver"}, {9124, "String"},
-      {9288, "%Digits%"}, {9289, "Digits after the point"}, {9291, "0"}, {9292, "Integer"},
+      {107, "1000"},
+      {108, "6"},
+      {109, "2"},
+      {122, "9000"},
+      {123, "57"},
+      {124, "8"},
+      {1000, "%CI_ArcLimit%"},
+      {1001, "Arc limit"},
+      {1004, "(AL:10e6)"},
+      {1005, "String"},
+      {1006, "%CI_AltHPGL%"},
+      {1007, "Alternative HPGL"},
+      {1010, "(AT:PA)"},
+      {1011, "String"},
+      {9016, "%DriverName%"},
+      {9017, "Name of the driver"},
+      {9020, "String"},
+      {9120, "%BaseDrv%"},
+      {9121, "Base driver"},
+      {9124, "String"},
+      {9288, "%Digits%"},
+      {9289, "Digits after the point"},
+      {9291, "0"},
+      {9292, "Integer"},
   };
   return texts;
 }
@@ -94,7 +112,8 @@ inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   dlg->DlgText = "Speed";
   dlg->DlgFormat = "%d cm/s";
   dlg->AuxText = "dlg aux";
-  dlg->Ext = std::make_unique<drv::CDrvItemDlgVar::ExtParms>(drv::CDrvItemDlgVar::ExtParms{3, 100.5, -2.25, 0.5});
+  dlg->Ext =
+      std::make_unique<drv::CDrvItemDlgVar::ExtParms>(drv::CDrvItemDlgVar::ExtParms{3, 100.5, -2.25, 0.5});
   dlg->Conditions = {"%A%>1", "", "%B%"};
   group->AddChild(dlg);
 

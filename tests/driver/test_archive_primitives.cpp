@@ -47,14 +47,14 @@ TEST_P(StringPrefix, UsesTheShortestFormAndReadsBack) {
   EXPECT_TRUE(r.at_end());
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, StringPrefix,
-                         ::testing::Values(StringCase{0, bytes({0x00})}, StringCase{1, bytes({0x01})},
-                                           StringCase{254, bytes({0xFE})},
-                                           StringCase{255, bytes({0xFF, 0xFF, 0x00})},
-                                           StringCase{65533, bytes({0xFF, 0xFD, 0xFF})},
-                                           StringCase{65534, bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0x00, 0x00})},
-                                           StringCase{70000, bytes({0xFF, 0xFF, 0xFF, 0x70, 0x11, 0x01, 0x00})}),
-                         kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(
+    Table, StringPrefix,
+    ::testing::Values(StringCase{0, bytes({0x00})}, StringCase{1, bytes({0x01})},
+                      StringCase{254, bytes({0xFE})}, StringCase{255, bytes({0xFF, 0xFF, 0x00})},
+                      StringCase{65533, bytes({0xFF, 0xFD, 0xFF})},
+                      StringCase{65534, bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0x00, 0x00})},
+                      StringCase{70000, bytes({0xFF, 0xFF, 0xFF, 0x70, 0x11, 0x01, 0x00})}),
+    kerfline::test::RowIndex());
 
 TEST(ArchiveReader, ReadsUtf16StringsAs1252) {
   const struct {
@@ -95,12 +95,13 @@ TEST(ArchiveCount, WordBelowFFFFElseMarkerAndDword) {
 TEST(ArchiveWriter, DescribesAClassOnceThenTagsItWithItsIndex) {
   int a = 0, b = 0, c = 0;
   drv::ArchiveWriter w;
-  ASSERT_TRUE(w.begin_object(&a, drv::CDrvItem::kClass));           // class 1, object 2
-  ASSERT_TRUE(w.begin_object(&b, drv::CDrvItem::kClass));           // object 3
-  ASSERT_TRUE(w.begin_object(&c, drv::CDrvItemList::kClass));       // class 4, object 5
-  EXPECT_FALSE(w.begin_object(&b, drv::CDrvItem::kClass));          // back-reference
+  ASSERT_TRUE(w.begin_object(&a, drv::CDrvItem::kClass));      // class 1, object 2
+  ASSERT_TRUE(w.begin_object(&b, drv::CDrvItem::kClass));      // object 3
+  ASSERT_TRUE(w.begin_object(&c, drv::CDrvItemList::kClass));  // class 4, object 5
+  EXPECT_FALSE(w.begin_object(&b, drv::CDrvItem::kClass));     // back-reference
   EXPECT_EQ(w.bytes(), bytes({0xFF, 0xFF, 0x02, 0x00, 0x08, 0x00}) + "CDrvItem" + bytes({0x01, 0x80}) +
-                           bytes({0xFF, 0xFF, 0x01, 0x00, 0x0C, 0x00}) + "CDrvItemList" + bytes({0x03, 0x00}));
+                           bytes({0xFF, 0xFF, 0x01, 0x00, 0x0C, 0x00}) + "CDrvItemList" +
+                           bytes({0x03, 0x00}));
 }
 
 TEST(ArchiveMap, IndexesBeyond15BitsUseTheBigTag) {
@@ -113,7 +114,8 @@ TEST(ArchiveMap, IndexesBeyond15BitsUseTheBigTag) {
   const std::size_t tail = w.bytes().size();
   w.begin_object(&objects[kObjects + 1], drv::CDrvItemList::kClass);
   w.begin_object(&objects[kObjects - 1], drv::CDrvItem::kClass);
-  EXPECT_EQ(w.bytes().substr(tail), bytes({0xFF, 0x7F, 0x42, 0x9C, 0x00, 0x80, 0xFF, 0x7F, 0x41, 0x9C, 0x00, 0x00}));
+  EXPECT_EQ(w.bytes().substr(tail),
+            bytes({0xFF, 0x7F, 0x42, 0x9C, 0x00, 0x80, 0xFF, 0x7F, 0x41, 0x9C, 0x00, 0x00}));
 
   drv::ArchiveReader r(w.bytes());
   std::vector<std::shared_ptr<void>> read;
@@ -149,23 +151,22 @@ std::string new_class(int schema, const std::string& name) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, MalformedObject,
-    ::testing::Values(BadStream{"64-byte class name", new_class(2, std::string(64, 'C'))},
-                      BadStream{"unknown class", new_class(1, "CDrvItemFoo")},
-                      BadStream{"list with schema 2", new_class(2, "CDrvItemList")},
-                      BadStream{"cut instruction with schema 0", new_class(0, "CDrvItemCutInstr")},
-                      BadStream{"item schema above current", new_class(3, "CDrvItem")},
-                      BadStream{"dialog variable schema above current", new_class(4, "CDrvItemDlgVar")},
-                      BadStream{"dangling object index", bytes({0x05, 0x00})},
-                      BadStream{"dangling class index", bytes({0x03, 0x80})},
-                      BadStream{"dangling big object index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0})},
-                      BadStream{"dangling big class index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0x80})},
-                      BadStream{"null object", bytes({0x00, 0x00})},
-                      BadStream{"one byte of a tag", bytes({0xFF})},
-                      BadStream{"class name past the end", bytes({0xFF, 0xFF, 2, 0, 8, 0}) + "CDrv"},
-                      BadStream{"value past the end", new_class(2, "CDrvItem") + bytes({0x05, 'a'})},
-                      BadStream{"word prefix past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0x00, 0x01})},
-                      BadStream{"UTF-16 past the end",
-                                new_class(2, "CDrvItem") + bytes({0xFF, 0xFE, 0xFF, 0x10, 'a', 0})}),
+    ::testing::Values(
+        BadStream{"64-byte class name", new_class(2, std::string(64, 'C'))},
+        BadStream{"unknown class", new_class(1, "CDrvItemFoo")},
+        BadStream{"list with schema 2", new_class(2, "CDrvItemList")},
+        BadStream{"cut instruction with schema 0", new_class(0, "CDrvItemCutInstr")},
+        BadStream{"item schema above current", new_class(3, "CDrvItem")},
+        BadStream{"dialog variable schema above current", new_class(4, "CDrvItemDlgVar")},
+        BadStream{"dangling object index", bytes({0x05, 0x00})},
+        BadStream{"dangling class index", bytes({0x03, 0x80})},
+        BadStream{"dangling big object index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0})},
+        BadStream{"dangling big class index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0x80})},
+        BadStream{"null object", bytes({0x00, 0x00})}, BadStream{"one byte of a tag", bytes({0xFF})},
+        BadStream{"class name past the end", bytes({0xFF, 0xFF, 2, 0, 8, 0}) + "CDrv"},
+        BadStream{"value past the end", new_class(2, "CDrvItem") + bytes({0x05, 'a'})},
+        BadStream{"word prefix past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0x00, 0x01})},
+        BadStream{"UTF-16 past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0xFE, 0xFF, 0x10, 'a', 0})}),
     kerfline::test::RowIndex());
 
 TEST(ArchiveMap, AnObjectCannotReferToItselfWhileBeingRead) {

@@ -139,13 +139,13 @@ TEST_P(ExtendedHeaderRoundTrip, KeepsTheStoredBytesAndTheDword) {
   EXPECT_EQ(copy.WriteToBytes(), written);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, ExtendedHeaderRoundTrip,
-    ::testing::Values(HeaderCase{{true, "\x93\x01\xfe", "note", true}, "Title"},
-                      HeaderCase{{true, "\x93\x01\xfe", "note", false}, "Title"},
-                      HeaderCase{{true, "x", "", true}, ""}, HeaderCase{{true, "x", "", false}, ""},
-                      HeaderCase{{true, "", "", false}, "T"}),
-    kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(Table, ExtendedHeaderRoundTrip,
+                         ::testing::Values(HeaderCase{{true, "\x93\x01\xfe", "note", true}, "Title"},
+                                           HeaderCase{{true, "\x93\x01\xfe", "note", false}, "Title"},
+                                           HeaderCase{{true, "x", "", true}, ""},
+                                           HeaderCase{{true, "x", "", false}, ""},
+                                           HeaderCase{{true, "", "", false}, "T"}),
+                         kerfline::test::RowIndex());
 
 TEST(DriverDocument, ReadsOlderSchemas) {
   // A dialog variable of schema 1, 2 and 3, a plain item of schema 1 and a
@@ -186,10 +186,11 @@ TEST(DriverDocument, ReadsOlderSchemas) {
 
   const std::string plain_v1 = new_class(1, "CDrvItem") + bytes({1, '5'}) + dword(0) + dword(0) + dword(0) +
                                bytes({3}) + "%P%" + dword(0xFFFFFFFF) + dword(1) + bytes({2}) + "de";
-  const std::string matdb_v1 = new_class(1, "CDrvItemMatDB") + bytes({2, 'm', 'm'}) + dword(0) + dword(0) + dword(0) +
-                               bytes({3}) + "%M%" + dword(0) + dword(4) + bytes({0});
+  const std::string matdb_v1 = new_class(1, "CDrvItemMatDB") + bytes({2, 'm', 'm'}) + dword(0) + dword(0) +
+                               dword(0) + bytes({3}) + "%M%" + dword(0) + dword(4) + bytes({0});
   drv::CVm6Drv doc(sample_lookup());
-  ASSERT_TRUE(doc.ReadFromBytes(bytes({6}) + "VM6DRV" + bytes({0}) + dword(0) + root_record(2) + plain_v1 + matdb_v1))
+  ASSERT_TRUE(
+      doc.ReadFromBytes(bytes({6}) + "VM6DRV" + bytes({0}) + dword(0) + root_record(2) + plain_v1 + matdb_v1))
       << doc.LastError();
   const auto* plain = doc.FindItem("%P%");
   ASSERT_NE(plain, nullptr);

@@ -103,7 +103,8 @@ TEST(LoadDriver, AFileThatCannotBeOpenedIsShownAndKeepsTheDocument) {
   EXPECT_NE(doc.Root().FindChild("%A%"), nullptr);
   ASSERT_EQ(host.boxes.size(), 1u);
   EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
-  EXPECT_EQ(host.boxes[0].text, "Can not open driver:\n" + path + "\n\nCode = (2)\n\nNo such file or directory");
+  EXPECT_EQ(host.boxes[0].text,
+            "Can not open driver:\n" + path + "\n\nCode = (2)\n\nNo such file or directory");
 }
 
 TEST(LoadDriver, BrokenAndLegacyFilesFailQuietlyWithAReason) {
@@ -135,11 +136,16 @@ TEST(ReadDriverTitle, ReadsOnlyTheTitle) {
     const char* title;
   } files[] = {
       {"plain.vmd", std::string("\x06VM6DRV\x05Title", 13), true, "Title"},
-      {"ext.vmd", std::string("\x07VM6DRV$\x02xy\x01n\x03" "Abc", 17), true, "Abc"},
+      {"ext.vmd",
+       std::string("\x07VM6DRV$\x02xy\x01n\x03"
+                   "Abc",
+                   17),
+       true, "Abc"},
       {"ext-dword.vmd", driver_bytes([](drv::CVm6Drv& d) {
          d.Header = {true, "enc", "note", true};
          d.Title = "With dword";
-       }), true, "With dword"},
+       }),
+       true, "With dword"},
       {"other.vmd", std::string("\x06VM7DRV\x05Title", 13), false, ""},
       {"short.vmd", std::string("\x06VM6DRV\x05Ti", 10), false, ""},
   };

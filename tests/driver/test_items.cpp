@@ -54,7 +54,8 @@ TEST(ItemType, NamesAndCodes) {
   const struct {
     std::uint32_t code;
     const char* name;
-  } names[] = {{0, "Double"}, {1, "Integer"}, {2, "Bool"}, {3, "Date"}, {4, "String"}, {8, "String"}, {77, "String"}};
+  } names[] = {{0, "Double"}, {1, "Integer"}, {2, "Bool"},   {3, "Date"},
+               {4, "String"}, {8, "String"},  {77, "String"}};
   for (const auto& n : names) EXPECT_EQ(drv::CDrvItem::TypeName(n.code), n.name) << n.code;
 
   const struct {
@@ -108,7 +109,8 @@ TEST(ItemDate, PackedDayMonthYear) {
   const struct {
     const char* text;
     std::uint32_t packed;
-  } parsed[] = {{"1.2.2020", 0x07E40201}, {" 5. 6. 7", 0x00070605}, {"9", 0x00000009}, {"x", 0}, {"3.4", 0x0403}};
+  } parsed[] = {
+      {"1.2.2020", 0x07E40201}, {" 5. 6. 7", 0x00070605}, {"9", 0x00000009}, {"x", 0}, {"3.4", 0x0403}};
   for (const auto& p : parsed) {
     item.Value = p.text;
     EXPECT_EQ(item.GetDate(), p.packed) << p.text;
@@ -240,8 +242,9 @@ TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
     const char* description;
     std::uint32_t dict_id;
     bool reserved;
-  } groups[] = {{"Dialogvariablen", "", 0, true},   {"", "Werkzeugvariablen", 0, true}, {"x", "", 33025, true},
-                {"x", "", 33058, true},             {"dialogvariablen", "", 0, false}, {"x", "", 33026, false}};
+  } groups[] = {
+      {"Dialogvariablen", "", 0, true}, {"", "Werkzeugvariablen", 0, true}, {"x", "", 33025, true},
+      {"x", "", 33058, true},           {"dialogvariablen", "", 0, false},  {"x", "", 33026, false}};
   for (const auto& g : groups) {
     host.boxes.clear();
     drv::CDrvItemList group;

@@ -123,25 +123,25 @@ INSTANTIATE_TEST_SUITE_P(
         ReadCase{"empty_cfgman", "<CfgMan><CfgMan>", false, 0, "", 0, 0},
         ReadCase{"no_count", "<CfgMan><Cfg><Cfg><CfgMan>", false, 0, "", 0, 0},
         ReadCase{"fewer_configs_than_counted",
-                 "<CfgMan><Count>2<Count><Cfg><Name>A<Name><Flags>5<Flags><Vars>0<Vars><Cfg><CfgMan>", false, 1,
-                 "", 5, 0},
+                 "<CfgMan><Count>2<Count><Cfg><Name>A<Name><Flags>5<Flags><Vars>0<Vars><Cfg><CfgMan>", false,
+                 1, "", 5, 0},
         // A missing <Desc> does not fail; <Flags> is searched from the end of the name.
         ReadCase{"missing_desc",
-                 "<CfgMan><Count>1<Count><Cfg><Name>A<Name><Flags>7<Flags><Vars>0<Vars><Cfg><CfgMan>", true, 1, "",
-                 7, 0},
+                 "<CfgMan><Count>1<Count><Cfg><Name>A<Name><Flags>7<Flags><Vars>0<Vars><Cfg><CfgMan>", true,
+                 1, "", 7, 0},
         // A configuration whose parse fails is still appended; the read goes on.
         ReadCase{"config_without_flags",
-                 "<CfgMan><Count>1<Count><Cfg><Name>A<Name><Desc>d<Desc><Vars>0<Vars><Cfg><CfgMan>", true, 1, "d",
-                 0, 0},
+                 "<CfgMan><Count>1<Count><Cfg><Name>A<Name><Desc>d<Desc><Vars>0<Vars><Cfg><CfgMan>", true, 1,
+                 "d", 0, 0},
         // Variables read before a failing one stay in the configuration.
         ReadCase{"second_var_without_flags",
                  "<CfgMan><Count>1<Count><Cfg><Name>A<Name><Flags>1<Flags><Vars>3<Vars>"
                  "<Var><VName>a<VName><Val>1<Val><VFlags>0<VFlags><Var>"
                  "<Var><VName>b<VName><Val>2<Val><Var><Cfg><CfgMan>",
                  true, 1, "", 1, 1},
-        ReadCase{"huge_count_ends_at_the_text", "<CfgMan><Count>2000000000<Count><Cfg><Cfg><CfgMan>", false, 1, "",
-                 0, 0},
+        ReadCase{"huge_count_ends_at_the_text", "<CfgMan><Count>2000000000<Count><Cfg><Cfg><CfgMan>", false,
+                 1, "", 0, 0},
         ReadCase{"signed_and_padded_flags",
-                 "<CfgMan><Count> 1<Count><Cfg><Flags> -12x<Flags><Vars>0<Vars><Cfg><CfgMan>", true, 1, "", -12,
-                 0}),
+                 "<CfgMan><Count> 1<Count><Cfg><Flags> -12x<Flags><Vars>0<Vars><Cfg><CfgMan>", true, 1, "",
+                 -12, 0}),
     [](const auto& info) { return std::string(info.param.name); });

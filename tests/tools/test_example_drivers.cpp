@@ -28,7 +28,8 @@ TEST(ExampleDrivers, EveryOneRoundTripsByteForByte) {
     ASSERT_EQ(dumped.exit_code, 0) << stem << ": " << dumped.out;
     dir.write(stem + ".json", dumped.out);
     const std::string rebuilt = dir.str() + stem + ".vmd";
-    ASSERT_EQ(run_cli("driver build '" + dir.str() + stem + ".json' -o '" + rebuilt + "'").exit_code, 0) << stem;
+    ASSERT_EQ(run_cli("driver build '" + dir.str() + stem + ".json' -o '" + rebuilt + "'").exit_code, 0)
+        << stem;
     std::ifstream a(built(stem.c_str()), std::ios::binary);
     std::ifstream b(rebuilt, std::ios::binary);
     const std::string bytes_a((std::istreambuf_iterator<char>(a)), {});
@@ -89,5 +90,6 @@ TEST(ExampleDrivers, SetStoresAndGetReadsBack) {
   EXPECT_EQ(run_cli("driver get '" + copy + "' %Overcut% --type double").out, "0.75\n");
   const auto missing = run_cli("driver get '" + copy + "' %NoSuchThing%");
   EXPECT_EQ(missing.exit_code, 1);
-  EXPECT_NE(missing.out.find("variable %NoSuchThing% not found (result -5)"), std::string::npos) << missing.out;
+  EXPECT_NE(missing.out.find("variable %NoSuchThing% not found (result -5)"), std::string::npos)
+      << missing.out;
 }

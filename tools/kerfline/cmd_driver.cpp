@@ -106,7 +106,9 @@ void register_driver(CLI::App& app, CommandList& commands) {
   auto options = std::make_shared<DriverOptions>();
 
   CLI::App* build = driver->add_subcommand("build", "Build a binary driver file from its JSON text form");
-  build->add_option("json", options->input, "Driver in text form (.json)")->required()->check(CLI::ExistingFile);
+  build->add_option("json", options->input, "Driver in text form (.json)")
+      ->required()
+      ->check(CLI::ExistingFile);
   build->add_option("-o,--output", options->output, "Driver file to write (.vmd)")->required();
   commands.add(build, [options] { return run_build(*options); });
 

@@ -72,7 +72,8 @@ std::string text_of(const json& object, const char* key, const std::string& path
   return *converted;
 }
 
-std::uint32_t dword_of(const json& object, const char* key, const std::string& path, std::uint32_t fallback = 0) {
+std::uint32_t dword_of(const json& object, const char* key, const std::string& path,
+                       std::uint32_t fallback = 0) {
   const json* v = member(object, key);
   if (v == nullptr) return fallback;
   if (v->is_number_unsigned()) {
@@ -230,7 +231,8 @@ void list_from_json(const json& form, driver::CDrvItemList& list, const std::str
   if (const json* items = member(form, "items")) {
     if (!items->is_array()) throw FormError(path + ".items: expected a list of items");
     for (std::size_t i = 0; i < items->size(); ++i) {
-      list.AddChild(item_from_json((*items)[i], path + ".items[" + std::to_string(i) + "]", depth + 1, texts));
+      list.AddChild(
+          item_from_json((*items)[i], path + ".items[" + std::to_string(i) + "]", depth + 1, texts));
     }
   }
 }
@@ -321,7 +323,8 @@ std::unique_ptr<driver::CVm6Drv> driver_from_json(const json& form, std::string&
     if (root == nullptr || !root->is_object()) throw FormError("$.root: missing the root group");
     json root_form = *root;
     root_form["class"] = "CDrvItemList";
-    auto parsed = std::dynamic_pointer_cast<driver::CDrvItemList>(item_from_json(root_form, "$.root", 0, doc->Texts()));
+    auto parsed =
+        std::dynamic_pointer_cast<driver::CDrvItemList>(item_from_json(root_form, "$.root", 0, doc->Texts()));
     auto& target = doc->Root();
     common_from_json(root_form, target, "$.root");
     target.ListParam0 = parsed->ListParam0;

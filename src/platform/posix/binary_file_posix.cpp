@@ -44,7 +44,7 @@ Result<std::string> read_binary_file(const std::string& path) {
   Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (fd.get() < 0) return os_error(errno, "open " + path);
   std::string out;
-  struct stat st{};
+  struct stat st {};
   if (::fstat(fd.get(), &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
     out.reserve(static_cast<std::size_t>(st.st_size));
   }
@@ -81,7 +81,7 @@ Result<std::string> read_binary_file_head(const std::string& path, std::size_t m
 
 Result<bool> replace_binary_file(const std::string& path, std::string_view bytes) {
   mode_t mode = 0666;
-  struct stat st{};
+  struct stat st {};
   if (::stat(path.c_str(), &st) == 0) mode = st.st_mode & 07777;
 
   const std::string temp = temp_name(path);
