@@ -50,8 +50,9 @@ std::int32_t text_to_int(std::string_view value);
 // value outside the 32-bit range (or NaN) prints as -2147483648, the value
 // a 32-bit conversion of it gives.
 std::string whole_number_text(double value);
-// Up to 15 significant digits in plain decimal notation, trailing zeros and
-// a trailing point dropped, never "-0"; "???" for NaN and infinity.
+// Plain decimal notation with up to 15 significant digits and at most 10
+// decimals (rounded half away from zero), trailing zeros and a trailing
+// point dropped, never "-0"; "???" for NaN and infinity.
 std::string double_text(double value);
 // value rounded half away from zero to `decimals` places (0 to 100, taken
 // from its 15-significant-digit decimal form), printed with exactly that

@@ -28,6 +28,13 @@ std::string binary(ArgStack& args, F f) {
 // "%.0f", and "???" where there is no number to print.
 std::string whole_coordinate(double value) { return std::isfinite(value) ? format_fixed(value, 0) : "???"; }
 
+// As whole_coordinate, but never "-0": the rounding noise of cos and sin
+// must not show in device instructions.
+std::string arc_coordinate(double value) {
+  std::string text = whole_coordinate(value);
+  return text == "-0" ? "0" : text;
+}
+
 // The point at `length` along the line from start towards end (beyond the
 // end for a longer length, behind the start for a negative one); the start
 // itself for a line of no length.
@@ -164,7 +171,7 @@ std::string i_line_y(ArgStack& args, const FunctionRecord&, Evaluator&) {
 // arc from the current point around the center by Arc degrees
 // (counter-clockwise when positive) as Count lines; the template is written
 // once per line end with %x% and %y% replaced by the end point times the
-// scales ("%.0f"; a scale of 0 counts as 1).
+// scales ("%.0f", "-0" written as "0"; a scale of 0 counts as 1).
 std::string iar(ArgStack& args, const FunctionRecord&, Evaluator&) {
   const auto [count_text, xa, ya, xc, yc, arc, templ, sx, sy] = pop_args<9>(args);
   const int count = std::min(text_to_int(count_text), kMaxArcLines);
@@ -180,7 +187,7 @@ std::string iar(ArgStack& args, const FunctionRecord&, Evaluator&) {
     const double angle = start + sweep * i / count;
     const double x = (cx + radius * std::cos(angle)) * scale_x;
     const double y = (cy + radius * std::sin(angle)) * scale_y;
-    append_capped(out, fill_point(templ, whole_coordinate(x), whole_coordinate(y)));
+    append_capped(out, fill_point(templ, arc_coordinate(x), arc_coordinate(y)));
   }
   return out;
 }

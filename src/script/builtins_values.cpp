@@ -14,6 +14,9 @@
 namespace kerfline::script {
 namespace {
 
+// Enough for any plotter unit, few enough that 12.01 - 12 prints as 0.01.
+constexpr int kDoubleDecimals = 10;
+
 bool is_blank(char c) { return c == ' ' || (c >= 0x09 && c <= 0x0d); }
 
 // A finite value as 15 significant digits and the power of ten of the first.
@@ -101,17 +104,11 @@ std::string whole_number_text(double value) {
 }
 
 std::string double_text(double value) {
-  if (!std::isfinite(value)) return "???";
-  const Significant s = significant(value);
-  std::string whole;
-  std::string fraction;
-  split_plain(s, whole, fraction);
-  while (!fraction.empty() && fraction.back() == '0') fraction.pop_back();
-  std::string out;
-  if (s.negative && !(all_zero(whole) && fraction.empty())) out.push_back('-');
-  out += whole;
-  if (!fraction.empty()) out += "." + fraction;
-  return out;
+  std::string text = rounded_text(value, kDoubleDecimals);
+  if (text == "???") return text;
+  while (text.back() == '0') text.pop_back();
+  if (text.back() == '.') text.pop_back();
+  return text;
 }
 
 std::string rounded_text(double value, int decimals) {
