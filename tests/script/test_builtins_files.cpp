@@ -37,7 +37,8 @@ TEST_F(BuiltinFiles, SizesDatesAndExistence) {
   dir_.write("empty.txt", "");
   fs::create_directory(dir_.path() / "sub");
   // 2024-03-05 14:07:09 UTC.
-  const auto when = std::chrono::file_clock::from_sys(std::chrono::sys_seconds(std::chrono::seconds(1709647629)));
+  const auto when =
+      std::chrono::file_clock::from_sys(std::chrono::sys_seconds(std::chrono::seconds(1709647629)));
   fs::last_write_time(dir_.path() / "data.bin", when);
   const std::string missing = path("missing.txt");
   expect_rows({
@@ -121,8 +122,9 @@ TEST_F(BuiltinFiles, IsoLineNumbers) {
     EXPECT_EQ(dir_.read("prog.nc"), row.expected) << row.args;
   }
   dir_.write("prog.nc", program);
-  EXPECT_EQ(evaluate_call("&AddIsoLineNrExt(" + quoted("prog.nc") + R"(, "N", " ", "%04d", 2, 10, 5, "\\\\n"))"),
-            "");
+  EXPECT_EQ(
+      evaluate_call("&AddIsoLineNrExt(" + quoted("prog.nc") + R"(, "N", " ", "%04d", 2, 10, 5, "\\\\n"))"),
+      "");
   EXPECT_EQ(dir_.read("prog.nc"), "%\nN0010 G0 X0\n\nN0015 G1 X1\nN0020 M30\n");
   EXPECT_EQ(evaluate_call("&AddIsoLineNr(" + quoted("none.nc") + R"(, "N%d", 1, 1, 1, ""))"),
             "<!-- Can't open file: " + path("none.nc") + " -->");

@@ -40,7 +40,9 @@ TEST(BuiltinText, LeftRightAndMidCountBeforeStart) {
 TEST(BuiltinText, ReplaceIgnoresCaseIn1252) {
   expect_rows({
       {R"(&Repl("aXbxc", "x", "--"))", "a--b--c"},
-      {"&Repl(\"\xE4" "bc\xC4\", \"\xC4\", \"A\")", "AbcA"},
+      {"&Repl(\"\xE4"
+       "bc\xC4\", \"\xC4\", \"A\")",
+       "AbcA"},
       {R"(&Repl("aaa", "aa", "b"))", "ba"},
       {R"(&Repl("abc", "", "x"))", "abc"},
       {R"(&Repl("abc", "abc", ""))", ""},
