@@ -670,7 +670,11 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  *     then gives "[internal recursion limit reached]" in place of its value;
  *   - a conditional or arithmetic pass whose output would pass 64 MiB gives
  *     "0.0", as an unclosed block does;
- *   - an arithmetic block nests at most 200 levels (deeper: "0.00").
+ *   - an arithmetic block nests at most 200 levels (deeper: "0.00");
+ *   - the result of Join, Join3, Repl, AddNChar or IAR is cut at 16 MiB, and
+ *     IAR draws at most 10000 lines.
+ * The built-in functions and their output formats are listed in
+ * docs/script-functions.md.
  */
 
 /*

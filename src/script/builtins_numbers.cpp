@@ -86,7 +86,11 @@ std::string dc4(ArgStack& args, const FunctionRecord&, Evaluator&) {
   std::uint32_t result = 0;
   if (from < value.size()) {
     for (const char c : std::string_view(value).substr(from, count)) {
-      result = (result << 4) | (static_cast<std::uint32_t>(static_cast<unsigned char>(c) - offset) & 0x0FU);
+      // Unsigned: any offset wraps instead of overflowing.
+      const std::uint32_t nibble =
+          (static_cast<std::uint32_t>(static_cast<unsigned char>(c)) - static_cast<std::uint32_t>(offset)) &
+          0x0FU;
+      result = (result << 4) | nibble;
     }
   }
   return std::to_string(result);
