@@ -769,6 +769,8 @@ KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params, const
  * no open driver; -3 when memory ran out.
  */
 KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask);
+
+/*
  * The function registry, read-only, for a host's function browser: the
  * built-in functions in registration order (the basic table of 28, then the
  * extended table of 74), then the user functions. A name registered a second
