@@ -1,13 +1,15 @@
 // Calls of the built-in functions with random arguments: nested calls,
 // numbers at the edges of every range, random texts, wrong argument counts.
 // File functions only ever see names inside a private temporary directory
-// (they are always called with their exact argument count, so no other
-// value can reach their path), and Import is replaced by a stand-in so that
+// (only outermost calls of other functions get wrong argument counts, so no
+// other value can reach their path), and Import is replaced by a stand-in so that
 // no file's text is evaluated.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -105,9 +107,11 @@ std::string argument(FuzzedDataProvider& in, int depth) {
 std::string call(FuzzedDataProvider& in, int depth) {
   const FunctionRecord& f = *functions()[in.ConsumeIntegralInRange<std::size_t>(0, functions().size() - 1)];
   int count = f.parameter_count;
-  // Wrong counts shift what a routine pops (values of enclosing calls share
-  // the stack), so only functions that touch no file get them.
-  if (!takes_path(f.name) && in.ConsumeIntegralInRange(0, 15) == 0) count += in.ConsumeBool() ? 1 : -1;
+  // A wrong count shifts what a routine pops, and the values of enclosing
+  // calls share the stack: only outermost calls of functions that touch no
+  // file get one (nested calls pop exactly their own arguments).
+  if (depth == 0 && !takes_path(f.name) && in.ConsumeIntegralInRange(0, 15) == 0)
+    count += in.ConsumeBool() ? 1 : -1;
   std::string text = f.name + "(";
   for (int i = 0; i < count; ++i) {
     if (i > 0) text += ", ";
@@ -132,6 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string templ;
   const int calls = in.ConsumeIntegralInRange(1, 4);
   for (int i = 0; i < calls && in.remaining_bytes() > 0; ++i) templ += "<&" + call(in, 0) + ">";
+  if (std::getenv("KERFLINE_FUZZ_PRINT") != nullptr) std::fprintf(stderr, "%s\n", templ.c_str());
   Evaluator* evaluator = kerfline::script::process_eval().evaluator();
   // The template pass alone: the conditional pass would read braces inside
   // the literals as blocks and could assemble calls outside the sandbox.
