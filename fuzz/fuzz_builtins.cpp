@@ -132,6 +132,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const bool ready = set_up();
   (void)ready;
   if (size > 4096) return 0;
+  // Every input starts from an empty sandbox: runs stay independent, and
+  // files grown by earlier runs cannot pile up.
+  std::error_code ec;
+  std::filesystem::remove_all(sandbox(), ec);
+  std::filesystem::create_directories(sandbox(), ec);
   FuzzedDataProvider in(data, size);
   std::string templ;
   const int calls = in.ConsumeIntegralInRange(1, 4);
