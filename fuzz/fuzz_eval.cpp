@@ -1,7 +1,10 @@
 // DoEval on arbitrary templates: no crash, no leak, bounded time. Inputs are
 // capped at 4 KiB (every bound of the language is then reached quickly), and
 // templates that name Import are skipped so that the fuzzer never reads
-// files chosen by its input.
+// files chosen by its input. The functions that write files (or wait for
+// them) are replaced by stand-ins registered first - the first registration
+// of a name wins - since a template can assemble their names from pieces
+// that the conditional pass joins.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -18,12 +21,6 @@ using kerfline::script::ArgStack;
 using kerfline::script::Evaluator;
 using kerfline::script::FunctionRecord;
 
-std::string identity(ArgStack& args, const FunctionRecord&, Evaluator&) { return args.pop(); }
-std::string join(ArgStack& args, const FunctionRecord&, Evaluator&) {
-  const std::string second = args.pop();
-  return args.pop() + second;
-}
-
 void add(const char* name, kerfline::script::NativeRoutine routine, int n) {
   FunctionRecord record;
   record.name = name;
@@ -32,9 +29,22 @@ void add(const char* name, kerfline::script::NativeRoutine routine, int n) {
   kerfline::script::process_eval().registry().add(record);
 }
 
+std::string swallow(ArgStack& args, const FunctionRecord& record, Evaluator&) {
+  for (int i = 0; i < record.parameter_count; ++i) args.pop();
+  return {};
+}
+
+int silent_box(void*, const char*, const char*, uint32_t) { return KERFLINE_IDOK; }
+
 bool set_up() {
-  add("T", identity, 1);
-  add("Join", join, 2);
+  add("FWrite", swallow, 3);
+  add("AddIsoLineNr", swallow, 6);
+  add("AddIsoLineNrExt", swallow, 8);
+  add("Import", swallow, 1);
+  KERFLINE_HOST_HOOKS hooks{};
+  hooks.cbSize = sizeof hooks;
+  hooks.pfnMessageBox = silent_box;
+  KerflineSetHostHooks(&hooks);
   AddEvalUserFunc("Twice", "a", "Join(a, a)");
   AddEvalUserFunc("Self", "a", "Self(Join(a, a))");
   SetEvalVar("%x%", "12.5", 0xFFFFFFFFu);

@@ -670,7 +670,11 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  *     then gives "[internal recursion limit reached]" in place of its value;
  *   - a conditional or arithmetic pass whose output would pass 64 MiB gives
  *     "0.0", as an unclosed block does;
- *   - an arithmetic block nests at most 200 levels (deeper: "0.00").
+ *   - an arithmetic block nests at most 200 levels (deeper: "0.00");
+ *   - the result of Join, Join3, Repl, AddNChar or IAR is cut at 16 MiB, and
+ *     IAR draws at most 10000 lines.
+ * The built-in functions and their output formats are listed in
+ * docs/script-functions.md.
  */
 
 /*
@@ -765,6 +769,46 @@ KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params, const
  * no open driver; -3 when memory ran out.
  */
 KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask);
+
+/*
+ * The function registry, read-only, for a host's function browser: the
+ * built-in functions in registration order (the basic table of 28, then the
+ * extended table of 74), then the user functions. A name registered a second
+ * time is listed where it was registered, flagged EVALFUNC_SHADOWED: calls
+ * of that name always reach the first entry (so the extended table's OR, AND
+ * and NOT are listed but never called). The registry is built by the first
+ * InitEval; before it the list is empty.
+ */
+#define EVALFUNC_USER 0x00000001u     /* a user function (AddEvalUserFunc) */
+#define EVALFUNC_SHADOWED 0x00000002u /* an earlier entry has the name */
+
+/*
+ * One entry. The texts belong to the library, are zero-terminated and stay
+ * unchanged and valid until the library is unloaded; never NULL (an absent
+ * text is ""). pszSecond is empty for most built-ins (for the D functions it
+ * names the computation, e.g. " ceil(d1)"); for a user function it is the
+ * body. pszHelp of a user function is "<!--user func-->".
+ */
+typedef struct EVALFUNC {
+  const char* pszName;
+  int32_t nParams;
+  const char* pszParams;
+  const char* pszSecond;
+  const char* pszHelp;
+  uint32_t dwFlags; /* EVALFUNC_* bits */
+} EVALFUNC;
+
+/* The number of entries in the list (0 before the first InitEval). */
+KERFLINE_API int32_t GetEvalFuncCount(void);
+
+/*
+ * Fills *info with entry `index` (0-based, in the order described above).
+ * Returns 1; 0 (nothing written) when index is negative or not below
+ * GetEvalFuncCount(); -2 for a NULL info; -3 (nothing written) when memory
+ * ran out. Like AddEvalUserFunc, not to be
+ * called while another thread adds user functions.
+ */
+KERFLINE_API int32_t GetEvalFunc(int32_t index, EVALFUNC* info);
 
 /* ======================================================================
  * Shared data block

@@ -17,17 +17,20 @@ std::string_view trim_blanks(std::string_view s) {
 bool FunctionRegistry::add(FunctionRecord record) {
   if (record.name.empty()) return false;
   std::string key = platform::cp1252::to_upper(record.name);
-  if (by_upper_name_.count(key) != 0) return false;
-  auto owned = std::make_unique<FunctionRecord>(std::move(record));
-  order_.push_back(owned.get());
-  by_upper_name_.emplace(std::move(key), std::move(owned));
+  const bool taken = by_upper_name_.count(key) != 0;
+  records_.push_back(std::make_unique<FunctionRecord>(std::move(record)));
+  const FunctionRecord* kept = records_.back().get();
+  listing_.push_back(kept);
+  if (taken) return false;
+  order_.push_back(kept);
+  by_upper_name_.emplace(std::move(key), kept);
   return true;
 }
 
 const FunctionRecord* FunctionRegistry::find(std::string_view name) const {
   if (name.empty()) return nullptr;
   const auto it = by_upper_name_.find(platform::cp1252::to_upper(name));
-  return it == by_upper_name_.end() ? nullptr : it->second.get();
+  return it == by_upper_name_.end() ? nullptr : it->second;
 }
 
 std::vector<std::string> split_parameter_names(std::string_view parameter_list) {

@@ -1,6 +1,7 @@
 // The function registry: every function a template can call, looked up by
 // the upper-case form of its name. The first registration of a name wins,
-// so a later table or a user function can never replace an earlier entry.
+// so a later table or a user function can never replace an earlier entry;
+// the shadowed entry is still kept for a function browser's listing.
 #pragma once
 
 #include <cstdint>
@@ -35,15 +36,22 @@ inline constexpr const char* kUserFunctionHelp = "<!--user func-->";
 
 class FunctionRegistry {
  public:
-  // False (and nothing changes) when the name is empty or already taken.
+  // False when the name is empty (nothing kept) or already taken (the
+  // record is listed as shadowed but can never be called).
   bool add(FunctionRecord record);
   [[nodiscard]] const FunctionRecord* find(std::string_view name) const;
-  // Every entry in registration order.
+  // Every callable entry in registration order.
   [[nodiscard]] const std::vector<const FunctionRecord*>& entries() const { return order_; }
+  // Every registered record in registration order, shadowed ones included.
+  [[nodiscard]] const std::vector<const FunctionRecord*>& listing() const { return listing_; }
+  // True for a listed record that lost to an earlier one of the same name.
+  [[nodiscard]] bool shadowed(const FunctionRecord& record) const { return find(record.name) != &record; }
 
  private:
-  std::unordered_map<std::string, std::unique_ptr<FunctionRecord>> by_upper_name_;
+  std::vector<std::unique_ptr<FunctionRecord>> records_;
+  std::unordered_map<std::string, const FunctionRecord*> by_upper_name_;
   std::vector<const FunctionRecord*> order_;
+  std::vector<const FunctionRecord*> listing_;
 };
 
 // A user function: a body expanded in place of each call, its parameter

@@ -25,6 +25,13 @@ inline constexpr std::size_t kMaxExpansionBytes = std::size_t{64} << 10;
 // gives the status text "0.0".
 inline constexpr std::size_t kMaxPassOutputBytes = std::size_t{64} << 20;
 
+// The result of one built-in that can multiply its input (Join, Join3,
+// Repl, AddNChar, IAR): longer results are cut here.
+inline constexpr std::size_t kMaxFunctionResultBytes = std::size_t{16} << 20;
+
+// Lines of one arc drawn by IAR.
+inline constexpr int kMaxArcLines = 10000;
+
 // Parenthesis and operator nesting inside one arithmetic block.
 inline constexpr int kMaxArithmeticDepth = 200;
 
