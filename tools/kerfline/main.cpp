@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
   kerfline::cli::register_driver(app, commands);
   kerfline::cli::register_eval(app, commands);
   kerfline::cli::register_demo(app, commands);
+  kerfline::cli::register_functions(app, commands);
 
   try {
     app.parse(argc, argv);
