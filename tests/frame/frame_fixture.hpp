@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "fixtures/temp_dir.hpp"
 #include "frame/library_state.hpp"
 #include "platform/paths.hpp"
@@ -23,5 +25,10 @@ class FrameTest : public ::testing::Test {
 
   TempDir suite;
 };
+
+// One entry of a translation file.
+inline std::string po_entry(const std::string& id, const std::string& str) {
+  return "msgid \"" + id + "\"\nmsgstr \"" + str + "\"\n\n";
+}
 
 }  // namespace kerfline::test

@@ -113,15 +113,20 @@ struct SampleDriver {
   SampleDriver(const SampleDriver&) = delete;
   SampleDriver& operator=(const SampleDriver&) = delete;
 
-  VMV6VAR request(const char* name, std::int32_t kind, std::int32_t value_type = KERFLINE_VT_TEXT,
-                  void* owner = nullptr) {
-    VMV6VAR var{};
+  // A GetVar (VMV6VAR) or GetDlgVar (VMV6DLGVAR) record for this driver.
+  template <typename Record = VMV6VAR>
+  Record request(const char* name, std::int32_t kind, std::int32_t value_type = KERFLINE_VT_TEXT,
+                 void* owner = nullptr) {
+    Record var{};
     std::strncpy(var.szName, name, sizeof var.szName - 1);
     var.pDrv = &handle;
     var.nKind = kind;
     var.nValueType = value_type;
     var.pOwner = owner;
     return var;
+  }
+  VMV6DLGVAR dialog_request(const char* name, std::int32_t kind, std::int32_t value_type, void* owner) {
+    return request<VMV6DLGVAR>(name, kind, value_type, owner);
   }
 };
 

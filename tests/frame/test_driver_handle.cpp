@@ -181,9 +181,3 @@ TEST_F(DriverHandle, FailedStoreIsShownButReportsSuccess) {
       << host.boxes[0].text;
   EXPECT_EQ(FreeDrv(&drv), 1);
 }
-
-TEST(DriverHandleAccessor, DocumentOfAClosedOrNullRecordIsNull) {
-  VMV6DRV drv{};
-  EXPECT_EQ(document_of(nullptr), nullptr);
-  EXPECT_EQ(document_of(&drv), nullptr);
-}

@@ -149,6 +149,8 @@ TEST_P(FixedLayoutFlags, ReadFromTheFileHead) {
 const std::vector<VdvTool> kSixTools = {{"Pen", 0x8000, "Pen"},       {"Cut", 0x0104, "contour"},
                                         {"Drag", 0, "TRANSFER"},      {"Kiss", 0x0001, "Contour"},
                                         {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
+const std::vector<VdvTool> kSevenTools = {{"F", 1, ""}, {"F", 1, ""}, {"F", 1, ""},      {"F", 1, ""},
+                                          {"F", 1, ""}, {"F", 1, ""}, {"Seventh", 2, ""}};
 
 INSTANTIATE_TEST_SUITE_P(Vdv, FixedLayoutFlags,
                          ::testing::Values(
@@ -162,19 +164,10 @@ INSTANTIATE_TEST_SUITE_P(Vdv, FixedLayoutFlags,
                              VdvRow{"Last", kSixTools, 10209, 0x1234},
                              // names are case-sensitive; a cut-off file has fewer slots
                              VdvRow{"cut", kSixTools, 10209, 0}, VdvRow{"Nope", kSixTools, 10209, 0},
-                             VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0}),
+                             VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0},
+                             // only six slots are searched
+                             VdvRow{"Seventh", kSevenTools, 20000, 0}),
                          kerfline::test::RowIndex());
-
-TEST(FixedLayoutFlagsFile, OnlySixSlotsAreSearched) {
-  TempDir dir;
-  std::vector<VdvTool> seven(6, VdvTool{"Filler", 1, ""});
-  seven.push_back({"Seventh", 2, ""});
-  const std::string path = dir.write("seven.vdv", vdv_bytes("X", 0, 0, seven, 20000)).string();
-  uint32_t flags = 5;
-  EXPECT_EQ(GetFlags(path.c_str(), "Seventh", &flags), 1);
-  EXPECT_EQ(flags, 0u);
-  EXPECT_EQ(GetFlags((dir.str() + "missing.vdv").c_str(), nullptr, &flags), 0);
-}
 
 TEST_F(DriverQueries, DocumentFlagsComeFromTheFlagVariables) {
   const std::string path = flag_driver();
@@ -209,6 +202,7 @@ TEST_F(DriverQueries, FlagsOfUnopenableDriversAndBadArguments) {
   EXPECT_EQ(GetFlags(nullptr, nullptr, &flags), -2);
   EXPECT_EQ(flags, 7u);
   EXPECT_EQ(GetFlags("x.drv", nullptr, nullptr), -2);
+  EXPECT_EQ(GetFlags((dir.str() + "missing.vdv").c_str(), nullptr, &flags), 0);
 }
 
 TEST(DocumentToolMask, TypeBitsAreAddedWhenTheTypeIsNot) {
@@ -324,24 +318,6 @@ TEST(VariableNames, TheMissMarkerIsNeverCopied) {
   EXPECT_EQ(host.boxes[0].caption, "Kerfline:");
   EXPECT_EQ(host.boxes[0].text, "GetVarName: DLX_NOT_FOUNDprevious");
   EXPECT_EQ(frame::copy_variable_name(frame::kDlxNotFound, nullptr), 1);
-}
-
-TEST(ReplaceAll, LeftToRightWithoutRescanning) {
-  struct Row {
-    const char* text;
-    const char* find;
-    const char* replacement;
-    const char* expected;
-    std::size_t count;
-  };
-  const Row rows[] = {{"aaaa", "aa", "a", "aa", 2}, {"%I%I", "%I", "%", "%%", 2},
-                      {"abc", "x", "y", "abc", 0},  {"abab", "ab", "abab", "abababab", 2},
-                      {"abc", "", "z", "abc", 0},   {"", "a", "b", "", 0}};
-  for (const Row& row : rows) {
-    std::string text = row.text;
-    EXPECT_EQ(frame::replace_all(text, row.find, row.replacement), row.count) << row.text;
-    EXPECT_EQ(text, row.expected) << row.text;
-  }
 }
 
 TEST_F(DriverQueries, ReplaceStringsFollowsTheGroupsDirection) {

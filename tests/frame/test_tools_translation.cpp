@@ -10,13 +10,10 @@
 #include "kerfline/kerfline.h"
 #include "sample_driver.hpp"
 
+using kerfline::test::po_entry;
 using kerfline::test::SampleDriver;
 
 namespace {
-
-std::string po_entry(const std::string& id, const std::string& str) {
-  return "msgid \"" + id + "\"\nmsgstr \"" + str + "\"\n\n";
-}
 
 struct TranslationRow {
   uint32_t mask;
@@ -45,12 +42,7 @@ TEST_P(ShownNames, FollowTheTranslationFlags) {
   ASSERT_EQ(GetFirstMaterial(&d.handle, &material), 1);
   EXPECT_STREQ(material.pszName, row.material);
 
-  VMV6DLGVAR var{};
-  std::strcpy(var.szName, "%Dlg%");
-  var.pDrv = &d.handle;
-  var.nKind = KERFLINE_VARKIND_OWNER;
-  var.nValueType = KERFLINE_VT_DOUBLE;
-  var.pOwner = &tool;
+  VMV6DLGVAR var = d.dialog_request("%Dlg%", KERFLINE_VARKIND_OWNER, KERFLINE_VT_DOUBLE, &tool);
   ASSERT_EQ(GetDlgVar(&var), 1);
   EXPECT_STREQ(var.pszDlgText, row.dialog_text);
   EXPECT_STREQ(var.pszDlgFormat, row.dialog_format);

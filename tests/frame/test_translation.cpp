@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "fixtures/table_names.hpp"
 #include "frame/library_state.hpp"
@@ -13,13 +15,10 @@
 
 namespace kf = kerfline::frame;
 using kerfline::test::FrameTest;
+using kerfline::test::po_entry;
 using kerfline::test::TempDir;
 
 namespace {
-
-std::string po_entry(const std::string& id, const std::string& str) {
-  return "msgid \"" + id + "\"\nmsgstr \"" + str + "\"\n\n";
-}
 
 class Translation : public FrameTest {
  protected:
@@ -82,26 +81,22 @@ TEST_F(Translation, NothingIsTranslatedBeforeTheServiceStarts) {
 
 TEST_F(Translation, TranslateStringReplacesTheTextOnlyWhenTheTranslationFits) {
   start_with(po_entry("Pen", "Stift") + po_entry("50!-Percent-!", "f\\xfcnfzig!-Percent-!"));
-  char text[8] = "Pen";
-  EXPECT_EQ(TranslateString(text, sizeof(text)), 1);
-  EXPECT_STREQ(text, "Stift");
-
-  char exact[6] = "Pen";  // "Stift" and its zero: exactly 6
-  EXPECT_EQ(TranslateString(exact, sizeof(exact)), 1);
-  EXPECT_STREQ(exact, "Stift");
-
-  char small[5] = "Pen";
-  EXPECT_EQ(TranslateString(small, sizeof(small)), 0);
-  EXPECT_STREQ(small, "Pen");
-
-  char percent[16] = "50%";
-  EXPECT_EQ(TranslateString(percent, sizeof(percent)), 1);
-  EXPECT_STREQ(percent, "f\xfcnfzig%");
-
-  char unknown[8] = "Router";
-  EXPECT_EQ(TranslateString(unknown, sizeof(unknown)), 0);
-  EXPECT_STREQ(unknown, "Router");
-
+  const struct {
+    std::size_t size;
+    const char* text;
+    int32_t result;
+    const char* after;
+  } rows[] = {{8, "Pen", 1, "Stift"},
+              {6, "Pen", 1, "Stift"},  // "Stift" and its zero: exactly 6
+              {5, "Pen", 0, "Pen"},
+              {16, "50%", 1, "f\xfcnfzig%"},
+              {8, "Router", 0, "Router"}};
+  for (const auto& row : rows) {
+    std::string buffer(row.text);
+    buffer.resize(row.size, '\0');
+    EXPECT_EQ(TranslateString(buffer.data(), static_cast<uint32_t>(row.size)), row.result) << row.size;
+    EXPECT_STREQ(buffer.c_str(), row.after) << row.size;
+  }
   char unterminated[3] = {'P', 'e', 'n'};
   EXPECT_EQ(TranslateString(unterminated, sizeof(unterminated)), 0);
   EXPECT_EQ(TranslateString(nullptr, 10), 0);
@@ -134,28 +129,39 @@ TEST_F(Translation, TranslateDrvStringHandsOutABlockFromTheCallersAllocator) {
 
 // --- InitKerflineDll2 --------------------------------------------------------
 
-TEST_F(Translation, DefaultCodeIsGerWhenLangIniHasNoDefault) {
-  suite.write("lang.ini", "[Languages]\nFRA=1\n");
-  suite.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Messer"));
+// Which translation file the start picks, from the suite's files.
+struct StartCase {
+  std::vector<std::pair<const char*, const char*>> files;
+  const char* knife;
+};
+
+class TranslationStart : public Translation, public ::testing::WithParamInterface<StartCase> {};
+
+TEST_P(TranslationStart, ReadsTheCodeFromLangIni) {
+  for (const auto& [path, text] : GetParam().files) suite.write(path, text);
   EXPECT_GT(InitKerflineDll2(), 0);
-  EXPECT_EQ(kf::translate_text("Knife"), "Messer");
+  EXPECT_EQ(kf::translate_text("Knife"), GetParam().knife);
 }
 
-TEST_F(Translation, CodeComesFromLangIniOfTheSuiteDirectory) {
-  suite.write("lang.ini", "[Default]\nActual=FRA\n");
-  // The language context's file is not the one the translation start reads.
-  suite.write("Lang/lang.ini", "[Default]\nActual=ITA\n");
-  suite.write("lang/FRA/kerflineFRA.TRA", po_entry("Knife", "Couteau"));
-  EXPECT_GT(InitKerflineDll2(), 0);
-  EXPECT_EQ(kf::translate_text("Knife"), "Couteau");
-}
+const char* const kKnife = "msgid \"Knife\"\nmsgstr \"Messer\"\n";
 
-TEST_F(Translation, FindsLangIniAndTranslationFileWhateverTheirCase) {
-  suite.write("LANG.INI", "[Default]\nActual=GER\n");
-  suite.write("Lang/ger/KERFLINEGER.tra", po_entry("Knife", "Messer"));
-  EXPECT_GT(InitKerflineDll2(), 0);
-  EXPECT_EQ(kf::translate_text("Knife"), "Messer");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Files, TranslationStart,
+    ::testing::Values(
+        // no default in lang.ini: GER
+        StartCase{{{"lang.ini", "[Languages]\nFRA=1\n"}, {"lang/GER/kerflineGER.TRA", kKnife}}, "Messer"},
+        // lang.ini of the suite directory, not the language context's Lang/lang.ini
+        StartCase{{{"lang.ini", "[Default]\nActual=FRA\n"},
+                   {"Lang/lang.ini", "[Default]\nActual=ITA\n"},
+                   {"lang/FRA/kerflineFRA.TRA", "msgid \"Knife\"\nmsgstr \"Couteau\"\n"}},
+                  "Couteau"},
+        // names in any case
+        StartCase{{{"LANG.INI", "[Default]\nActual=GER\n"}, {"Lang/ger/KERFLINEGER.tra", kKnife}}, "Messer"},
+        // the code is read into ten characters
+        StartCase{{{"lang.ini", "[Default]\nActual=ABCDEFGHIJKL\n"},
+                   {"lang/ABCDEFGHI/kerflineABCDEFGHI.TRA", "msgid \"Knife\"\nmsgstr \"Cut\"\n"}},
+                  "Cut"}),
+    kerfline::test::RowIndex());
 
 TEST_F(Translation, IsStartedOncePerProcess) {
   start_with(po_entry("Knife", "Messer"));
@@ -188,13 +194,6 @@ TEST_F(Translation, AnUnreadableTranslationFileLeavesTranslationOff) {
   std::filesystem::create_directories(suite.path() / "lang/GER/kerflineGER.TRA");
   EXPECT_EQ(InitKerflineDll2(), 0);
   EXPECT_EQ(kf::translate_text("Knife"), std::nullopt);
-}
-
-TEST_F(Translation, LanguageCodeIsReadIntoTenCharacters) {
-  suite.write("lang.ini", "[Default]\nActual=ABCDEFGHIJKL\n");
-  suite.write("lang/ABCDEFGHI/kerflineABCDEFGHI.TRA", po_entry("Knife", "Cut"));
-  EXPECT_GT(InitKerflineDll2(), 0);
-  EXPECT_EQ(kf::translate_text("Knife"), "Cut");
 }
 
 // --- The start record ---------------------------------------------------------
@@ -274,11 +273,6 @@ TEST_F(FrameTest, TranslationFlagsFollowTheirCalls) {
   EXPECT_TRUE(kf::translation_enabled(kf::kTranslateExtDialogTexts));
 }
 
-TEST_F(FrameTest, SetTranslationFlagReturnsAllBitsOnTheFirstCall) {
-  EXPECT_EQ(SetTranslationFlag(0), 0xFFFFFFFFu);
-  EXPECT_EQ(GetTranslationFlag(), 0u);
-}
-
 struct ReplaceCase {
   const char* text;
   const char* find;
@@ -299,7 +293,8 @@ TEST_P(ReplaceStringTable, ReplacesLeftToRightWithoutRescanning) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ReplaceStringTable,
-    ::testing::Values(ReplaceCase{"%I1 %I2", "%I", "%", "%1 %2", 2},
+    ::testing::Values(ReplaceCase{"%I1 %I2", "%I", "%", "%1 %2", 2}, ReplaceCase{"%I%I", "%I", "%", "%%", 2},
+                      ReplaceCase{"abab", "ab", "abab", "abababab", 2},
                       ReplaceCase{"aaa", "a", "aa", "aaaaaa", 3}, ReplaceCase{"aaaa", "aa", "a", "aa", 2},
                       ReplaceCase{"abcabc", "abc", "", "", 2},
                       ReplaceCase{"short", "short", "much longer text", "much longer text", 1},

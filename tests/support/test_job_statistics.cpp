@@ -36,10 +36,14 @@ class JobStatistics : public ::testing::Test {
     stats_.SetIni(ini_.c_str());
   }
 
-  // A second object on the same file, as after a restart.
-  void reopen(CJobStatistics& other) const {
-    other.SetDevice("Cutter 1");
-    other.SetIni(ini_.c_str());
+  // Saves, then loads into a second object on the same file, as after a restart.
+  Tools saved_and_reloaded() {
+    stats_.SaveToolStat();
+    CJobStatistics later;
+    later.SetDevice("Cutter 1");
+    later.SetIni(ini_.c_str());
+    later.LoadToolStat();
+    return list_of(later);
   }
 
   [[nodiscard]] std::optional<std::string> key(const char* name) const {
@@ -108,41 +112,30 @@ TEST_F(JobStatistics, DistancesSurviveARestart) {
   stats_.AddToolDist("Blade", 5.0);
   stats_.AddToolDist("Pen", 0.125);
   stats_.AddToolDist("Drag knife", 1.0 / 3.0);
-  stats_.SaveToolStat();
-  CJobStatistics later;
-  reopen(later);
-  later.LoadToolStat();
-  EXPECT_EQ(list_of(later), (Tools{{"Blade", 5.0}, {"Pen", 0.125}, {"Drag knife", 0.333333}}));
+  EXPECT_EQ(saved_and_reloaded(), (Tools{{"Blade", 5.0}, {"Pen", 0.125}, {"Drag knife", 0.333333}}));
 }
 
 TEST_F(JobStatistics, ZeroBeforeNonzeroLosesTheNonzeroOnLoad) {
   stats_.AddToolDist("A", 0.0);
   stats_.AddToolDist("B", 3.0);
-  stats_.SaveToolStat();
+  EXPECT_EQ(saved_and_reloaded(), Tools{});
   EXPECT_EQ(key("nStatCount"), "1");
   EXPECT_EQ(key("szTool1"), "B");
-  CJobStatistics later;
-  reopen(later);
-  later.LoadToolStat();
-  EXPECT_EQ(later.GetSize(), 0);
 }
 
 TEST_F(JobStatistics, LoadAppendsAndClearTouchesTheFirstMatchOnly) {
   stats_.AddToolDist("A", 1.5);
   stats_.AddToolDist("B", 2.0);
   stats_.SaveToolStat();
-  CJobStatistics later;
-  reopen(later);
-  later.LoadToolStat();
-  later.LoadToolStat();
-  EXPECT_EQ(list_of(later), (Tools{{"A", 1.5}, {"B", 2.0}, {"A", 1.5}, {"B", 2.0}}));
-  later.ClearToolStat("A");
-  later.ClearToolStat("missing");
-  EXPECT_EQ(list_of(later), (Tools{{"A", 0.0}, {"B", 2.0}, {"A", 1.5}, {"B", 2.0}}));
-  later.AddToolDist("A", 1.0);  // the first one again
-  EXPECT_EQ(later.GetAt(0)->dDist, 1.0);
-  later.FreeToolInfoArray();
-  EXPECT_EQ(later.GetSize(), 0);
+  stats_.LoadToolStat();
+  EXPECT_EQ(list_of(stats_), (Tools{{"A", 1.5}, {"B", 2.0}, {"A", 1.5}, {"B", 2.0}}));
+  stats_.ClearToolStat("A");
+  stats_.ClearToolStat("missing");
+  EXPECT_EQ(list_of(stats_), (Tools{{"A", 0.0}, {"B", 2.0}, {"A", 1.5}, {"B", 2.0}}));
+  stats_.AddToolDist("A", 1.0);  // the first one again
+  EXPECT_EQ(stats_.GetAt(0)->dDist, 1.0);
+  stats_.FreeToolInfoArray();
+  EXPECT_EQ(stats_.GetSize(), 0);
 }
 
 struct FileRow {
@@ -185,12 +178,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(JobStatistics, LongToolNamesAreCutOnLoad) {
   const std::string name(300, 'n');
   stats_.AddToolDist(name.c_str(), 1.0);
-  stats_.SaveToolStat();
-  CJobStatistics later;
-  reopen(later);
-  later.LoadToolStat();
-  ASSERT_EQ(later.GetSize(), 1);
-  EXPECT_EQ(std::string(later.GetAt(0)->szTool), name.substr(0, 259));
+  EXPECT_EQ(saved_and_reloaded(), (Tools{{name.substr(0, 259), 1.0}}));
 }
 
 TEST_F(JobStatistics, ResetZeroesDeletesAndUnstamps) {
