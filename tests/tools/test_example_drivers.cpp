@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -92,4 +93,39 @@ TEST(ExampleDrivers, SetStoresAndGetReadsBack) {
   EXPECT_EQ(missing.exit_code, 1);
   EXPECT_NE(missing.out.find("variable %NoSuchThing% not found (result -5)"), std::string::npos)
       << missing.out;
+}
+
+TEST(EvalCommand, TemplatesWithTheDriversVariables) {
+  const std::string cutter = "--driver '" + built("hpgl-cutter") + "' ";
+  const std::string dialog = "--driver '" + built("dialog-cutter") + "' ";
+  const struct {
+    std::string args;
+    int exit_code;
+    const char* out;
+  } cases[] = {
+      {cutter + "-e 'IN;VS&T(%Speed%);FS&T(%Pressure%);'", 0, "IN;VS40;FS80;\n"},
+      {cutter + "--var %Tool%=2 -e '{[&T(%Tool%) == 1][VS&T(%Speed%);][VS60;]}'", 0, "VS60;\n"},
+      {cutter + "-e 'OC%[&T(%Overcut%)*40]%;'", 0, "OC20;\n"},
+      {dialog + "-e 'IN;{[&T(%Optimize%) == 1][OS1;][OS0;]}FS%[&T(%Pressure%)/10]%;'", 0, "IN;OS1;FS8;\n"},
+      {"--var x=3 -e '%[2*3.4]% &T(x)'", 0, "7 3\n"},
+      {"-e '&Mid(\"abc\")'", 1, "[incorrect number of parameters: Operator Mid expects 3 parameters]\n"},
+      {"-e '&T(\"x\"'", 1, "[invalid expression (no end found): &(]\n"},
+      {"--var novalue -e x", 2, "kerfline: --var expects NAME=VALUE, got \"novalue\"\n"},
+  };
+  for (const auto& c : cases) {
+    const auto r = run_cli("eval " + c.args);
+    EXPECT_EQ(r.exit_code, c.exit_code) << c.args;
+    EXPECT_EQ(r.out, c.out) << c.args;
+  }
+}
+
+TEST(FunctionsCommand, ListsTheRegistryAndOneFunctionsHelp) {
+  const auto all = run_cli("functions");
+  ASSERT_EQ(all.exit_code, 0);
+  EXPECT_EQ(std::count(all.out.begin(), all.out.end(), '\n'), 102);
+  EXPECT_EQ(all.out.rfind("&Upper(Text)\n&Lower(Text)\n", 0), 0U);
+  EXPECT_NE(all.out.find("&OR(A, B)  [shadowed]\n"), std::string::npos);
+  EXPECT_EQ(run_cli("functions mid").out,
+            "&Mid(Text, i, n)\n  parameters: 3\n  First 'i' characters of \"Text\", starting at character 'n'\n");
+  EXPECT_EQ(run_cli("functions NoSuch").exit_code, 1);
 }
