@@ -166,10 +166,10 @@ KERFLINE_API char* TranslateDrvString(const char* text, KERFLINE_ALLOC_FN alloc)
 
 /* Translation flags: a kind of text is translated only while its bit is set
    (initially all bits are set). */
-#define KERFLINE_TRANSLATE_TOOLS 0x1u         /* GetFirstTool / GetNextTool */
-#define KERFLINE_TRANSLATE_MATERIALS 0x2u     /* GetFirstMaterial / GetNextMaterial */
-#define KERFLINE_TRANSLATE_DLGVAR 0x4u        /* GetDlgVar */
-#define KERFLINE_TRANSLATE_EXT_DLGVAR 0x8u    /* GetExtDlgVarData, GetDlgDefaultEx */
+#define KERFLINE_TRANSLATE_TOOLS 0x1u      /* GetFirstTool / GetNextTool */
+#define KERFLINE_TRANSLATE_MATERIALS 0x2u  /* GetFirstMaterial / GetNextMaterial */
+#define KERFLINE_TRANSLATE_DLGVAR 0x4u     /* GetDlgVar */
+#define KERFLINE_TRANSLATE_EXT_DLGVAR 0x8u /* GetExtDlgVarData, GetDlgDefaultEx */
 
 /* Sets the bits in the translation flags; returns bits. */
 KERFLINE_API uint32_t AddTranslationFlag(uint32_t bits);
@@ -410,13 +410,13 @@ typedef union VMV6VALUE {
 #define KERFLINE_VT_AUTO 10 /* chosen from the item's type and written back */
 
 /* Kinds (VMV6VAR.nKind): where the name is looked up. */
-#define KERFLINE_VARKIND_DRIVER 1       /* the driver's tree, by exact name */
-#define KERFLINE_VARKIND_OWNER 2        /* the owner's variable list */
-#define KERFLINE_VARKIND_OWNER_INT 3    /* the same under the "%I" form of the name */
-#define KERFLINE_VARKIND_LAYER 5        /* the owner's "Layervariablen" (GetDlgVar, SetVar) */
-#define KERFLINE_VARKIND_TOOLPARM 6     /* the owner's "Werkzeugparameter" (GetDlgVar, SetVar) */
-#define KERFLINE_VARKIND_JOYSTICK 7     /* the driver's "%JoyStickSettings%" */
-#define KERFLINE_VARKIND_VIDEO 8        /* the driver's "%VideoSettings%" */
+#define KERFLINE_VARKIND_DRIVER 1    /* the driver's tree, by exact name */
+#define KERFLINE_VARKIND_OWNER 2     /* the owner's variable list */
+#define KERFLINE_VARKIND_OWNER_INT 3 /* the same under the "%I" form of the name */
+#define KERFLINE_VARKIND_LAYER 5     /* the owner's "Layervariablen" (GetDlgVar, SetVar) */
+#define KERFLINE_VARKIND_TOOLPARM 6  /* the owner's "Werkzeugparameter" (GetDlgVar, SetVar) */
+#define KERFLINE_VARKIND_JOYSTICK 7  /* the driver's "%JoyStickSettings%" */
+#define KERFLINE_VARKIND_VIDEO 8     /* the driver's "%VideoSettings%" */
 
 /*
  * The host's request for one variable. szName is the name as stored, with
@@ -528,12 +528,10 @@ KERFLINE_API int32_t SetVar(VMV6VAR* var);
  * the sub-lists of the tool in var->pOwner; any other group ("Sonderbefehle:",
  * "%Modi%", ...) is found in the driver by name (or, with an owner, among
  * the owner's groups first). The found item's name is written to szName and
- * its value converted as GetVar does (dNumber too, for a dialog variable). GetNextVar continues after the item
- * named in szName (and releases a text value left in the record first, so a
- * walk ends with a single FreeVar). Groups inside the group, items whose name
- * does not fit the 64 bytes and repeated names are skipped.
- * 1 found; 0 no more items; -5 group not found; -2 null record, no driver or
- * null group name.
+ * its value converted as GetVar does (dNumber too, for a dialog variable). GetNextVar continues after the
+ * item named in szName (and releases a text value left in the record first, so a walk ends with a single
+ * FreeVar). Groups inside the group, items whose name does not fit the 64 bytes and repeated names are
+ * skipped. 1 found; 0 no more items; -5 group not found; -2 null record, no driver or null group name.
  */
 KERFLINE_API int32_t GetFirstVar(VMV6VAR* var, const char* group);
 KERFLINE_API int32_t GetNextVar(VMV6VAR* var, const char* group);
@@ -595,7 +593,6 @@ KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* ma
    find nothing afterwards. 1 removed; 0 not found; -2 no driver or null
    name. */
 KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name);
-
 
 /* ======================================================================
  * Cut data
@@ -1072,8 +1069,7 @@ KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b);
  * behind a gets a foot ahead of a. Returns -2.0 (nothing written) for a null
  * pointer.
  */
-KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p,
-                                MESHPOINT* foot);
+KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p, MESHPOINT* foot);
 
 /* ======================================================================
  * Device access, device list and plot-manager coupling

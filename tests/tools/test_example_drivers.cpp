@@ -1,8 +1,8 @@
 // The example drivers as a driver author and a technician use them.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -125,7 +125,8 @@ TEST(FunctionsCommand, ListsTheRegistryAndOneFunctionsHelp) {
   EXPECT_EQ(std::count(all.out.begin(), all.out.end(), '\n'), 102);
   EXPECT_EQ(all.out.rfind("&Upper(Text)\n&Lower(Text)\n", 0), 0U);
   EXPECT_NE(all.out.find("&OR(A, B)  [shadowed]\n"), std::string::npos);
-  EXPECT_EQ(run_cli("functions mid").out,
-            "&Mid(Text, i, n)\n  parameters: 3\n  First 'i' characters of \"Text\", starting at character 'n'\n");
+  EXPECT_EQ(
+      run_cli("functions mid").out,
+      "&Mid(Text, i, n)\n  parameters: 3\n  First 'i' characters of \"Text\", starting at character 'n'\n");
   EXPECT_EQ(run_cli("functions NoSuch").exit_code, 1);
 }

@@ -29,7 +29,8 @@ int run_functions(const std::string& name) {
     }
     std::printf("&%s(%s)\n", shown(f.pszName).c_str(), shown(f.pszParams).c_str());
     std::printf("  parameters: %d\n", f.nParams);
-    if (f.pszSecond != nullptr && *f.pszSecond != '\0') std::printf("  computes:  %s\n", shown(f.pszSecond).c_str());
+    if (f.pszSecond != nullptr && *f.pszSecond != '\0')
+      std::printf("  computes:  %s\n", shown(f.pszSecond).c_str());
     std::printf("  %s\n", shown(f.pszHelp).c_str());
     if (shadowed) std::printf("  (shadowed: calls of this name reach the earlier entry)\n");
   }
