@@ -132,39 +132,27 @@ const OutputMode kOutputModes[] = {
     {"%InitFlag_1%", "0", "Bool", "4", "-1"},
     {"%InitFlag_2%", "0", "Bool", "D4", "-1"},
 };
+// clang-format off
 // name, default, type
 const CutInstruction kCutInstructions[] = {
-    {"%CI_ArcLimit%", "(AL:10e6)", "String"},
-    {"%CI_AltHPGL%", "(AT:PA)", "String"},
-    {"%CI_AltHPGL1%", "(AT:PA,1)", "String"},
-    {"%CI_ChangeAxis%", "(AW:)", "Bool"},
-    {"%CI_SendInitStringcpi%", "(CPI:0)", "String"},
-    {"%CI_FileImport%", "(FI:plotinit.txt)", "String"},
-    {"%CI_PlotPointDiv%", "(PP:1.567)", "String"},
-    {"%CI_CurveMode%", "(BH:PD;AA,1,10)", "String"},
-    {"%CI_FoilFeedInit%", "(FF:VS1)", "String"},
-    {"%CI_InitCurve%", "(IC:Yb,Ye,0)", "String"},
-    {"%CI_OutputMode%", "(OP:3)", "String"},
-    {"%CI_Pouncing%", "(PC:0,5,2,50)", "String"},
-    {"%CI_RingEngrave%", "(RG: ...)", "String"},
-    {"%CI_TrailingBlade%", "(SM:50,11,0)", "String"},
-    {"%CI_3D%", "(3D:';'10)", "String"},
-    {"%CI_ExtraMode%", "(EM:1)", "String"},
-    {"%CI_ExtendendCommand%", "(XC:1,PU !s, !s)", "String"},
-    {"%CI_BackStep%", "(BS:Zahl)", "String"},
-    {"%CI_OverCut%", "(OC:100)", "String"},
-    {"%CI_CutIn%", "(CI:400)", "String"},
+    {"%CI_ArcLimit%", "(AL:10e6)", "String"}, {"%CI_AltHPGL%", "(AT:PA)", "String"},
+    {"%CI_AltHPGL1%", "(AT:PA,1)", "String"}, {"%CI_ChangeAxis%", "(AW:)", "Bool"},
+    {"%CI_SendInitStringcpi%", "(CPI:0)", "String"}, {"%CI_FileImport%", "(FI:plotinit.txt)", "String"},
+    {"%CI_PlotPointDiv%", "(PP:1.567)", "String"}, {"%CI_CurveMode%", "(BH:PD;AA,1,10)", "String"},
+    {"%CI_FoilFeedInit%", "(FF:VS1)", "String"}, {"%CI_InitCurve%", "(IC:Yb,Ye,0)", "String"},
+    {"%CI_OutputMode%", "(OP:3)", "String"}, {"%CI_Pouncing%", "(PC:0,5,2,50)", "String"},
+    {"%CI_RingEngrave%", "(RG: ...)", "String"}, {"%CI_TrailingBlade%", "(SM:50,11,0)", "String"},
+    {"%CI_3D%", "(3D:';'10)", "String"}, {"%CI_ExtraMode%", "(EM:1)", "String"},
+    {"%CI_ExtendendCommand%", "(XC:1,PU !s, !s)", "String"}, {"%CI_BackStep%", "(BS:Zahl)", "String"},
+    {"%CI_OverCut%", "(OC:100)", "String"}, {"%CI_CutIn%", "(CI:400)", "String"},
     {"%CI_SharpenEdges%", "(SE:11,120,10,VS%zSpeedMat%;,VS%xySpeed%;)", "String"},
     {"%CI_ReverseOpen%", "(REV:1)", "String"},
 };
 // name, default, factor, type
 const ToolVariable kToolVariables[] = {
-    {"%IToolDepth%", "2", "1.0", "Double"},
-    {"%IToolMaxDepth%", "3", "1.0", "Double"},
-    {"%IToolLastDepth%", "2", "1.0", "Double"},
-    {"%IToolOffset%", "0", "1.0", "Double"},
+    {"%IToolDepth%", "2", "1.0", "Double"},     {"%IToolMaxDepth%", "3", "1.0", "Double"},
+    {"%IToolLastDepth%", "2", "1.0", "Double"}, {"%IToolOffset%", "0", "1.0", "Double"},
 };
-// clang-format off
 // name, default, type
 const MaterialVariable kMaterialVariables[] = {
     {"%IMatDescription%", "", "String"}, {"%IMatPressure%", "20", "Double"}, {"%IMatSpeed%", "50", "Double"},
@@ -173,8 +161,6 @@ const MaterialVariable kMaterialVariables[] = {
     {"%IV6%", "", "String"}, {"%IV7%", "", "String"}, {"%IV8%", "", "String"}, {"%IV9%", "", "String"},
     {"%IW1%", "", "String"}, {"%IW2%", "", "String"}, {"%IW3%", "", "String"}, {"%IW4%", "", "String"},
 };
-// clang-format on
-// clang-format off
 // name, value routine (none for the separator)
 const PlotTimeVariable kPlotTimeVariables[] = {
     {"%x%", "Getx"}, {"%y%", "Gety"}, {"%x0%", "Getx0"}, {"%y0%", "Gety0"}, {"%z%", "Getz"},
@@ -215,12 +201,14 @@ struct LayoutCase {
 
 void PrintTo(const LayoutCase& c, std::ostream* os) { *os << "kind " << static_cast<std::uint32_t>(c.kind); }
 
+// clang-format off
 const LayoutCase kKinds[] = {
     {TextKind::CutInstructions, 1000, 6, 22},   {TextKind::ToolVariables, 5000, 8, 4},
     {TextKind::MaterialVariables, 6000, 8, 18}, {TextKind::Groups, 8000, 3, 6},
     {TextKind::StandardVariables, 9000, 8, 57}, {TextKind::OutputModes, 2000, 8, 9},
     {TextKind::PlotTimeVariables, 2100, 6, 46}, {TextKind::Selections, 2500, 3, 6},
     {TextKind::Letters, 2600, 4, 4},            {TextKind::Positions, 2700, 4, 4}};
+// clang-format on
 
 Rows expected_directory() {
   // Directory rows: base, step, count; 122 and 125 store base, count, step.
@@ -514,9 +502,11 @@ TEST(BuiltinTexts, DefinitionsReadTheirBlock) {
     ASSERT_TRUE(definition.has_value()) << f.id;
     EXPECT_EQ((*definition).*f.field, f.value) << f.id;
   }
+  // clang-format off
   const std::pair<std::uint32_t, TextKind> kinds[] = {
       {9016, TextKind::StandardVariables}, {2016, TextKind::OutputModes}, {1120, TextKind::CutInstructions},
       {2612, TextKind::Letters},           {2509, TextKind::Selections}};
+  // clang-format on
   for (const auto& [id, kind] : kinds) EXPECT_EQ(builtin_definition(id)->kind, kind) << id;
   EXPECT_EQ(builtin_definition(9016)->index, 2u);
   EXPECT_FALSE(builtin_definition(9017).has_value());  // inside a block, not its base

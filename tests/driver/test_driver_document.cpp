@@ -15,8 +15,8 @@
 
 namespace drv = kerfline::driver;
 using kerfline::test::bytes;
-using kerfline::test::new_class;
 using kerfline::test::make_named;
+using kerfline::test::new_class;
 using kerfline::test::sample_lookup;
 
 namespace {
