@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,6 +20,18 @@
 namespace kerfline::test {
 
 namespace drv = kerfline::driver;
+
+// Raw bytes from a list of byte values.
+inline std::string bytes(std::initializer_list<int> values) {
+  std::string out;
+  for (const int v : values) out.push_back(static_cast<char>(v));
+  return out;
+}
+
+// The tag that describes a class the first time an archive meets it.
+inline std::string new_class(int schema, const std::string& name) {
+  return bytes({0xFF, 0xFF, schema, 0x00, static_cast<int>(name.size()), 0x00}) + name;
+}
 
 inline const std::map<std::uint32_t, std::string>& sample_texts() {
   static const std::map<std::uint32_t, std::string> texts = {

@@ -9,17 +9,14 @@
 #include "driver/archive_writer.hpp"
 #include "driver/drv_item_list.hpp"
 #include "driver/item_classes.hpp"
+#include "driver_samples.hpp"
 #include "fixtures/table_names.hpp"
 
 namespace drv = kerfline::driver;
+using kerfline::test::bytes;
+using kerfline::test::new_class;
 
 namespace {
-
-std::string bytes(std::initializer_list<int> values) {
-  std::string out;
-  for (const int v : values) out.push_back(static_cast<char>(v));
-  return out;
-}
 
 // A group record with no name and `count` children to follow.
 void write_group_head(drv::ArchiveWriter& ar, std::uint32_t count) {
@@ -143,10 +140,6 @@ class MalformedObject : public ::testing::TestWithParam<BadStream> {};
 TEST_P(MalformedObject, IsAFormatError) {
   drv::ArchiveReader r(GetParam().stream);
   EXPECT_THROW(drv::ReadItem(r), drv::ArchiveError) << GetParam().what;
-}
-
-std::string new_class(int schema, const std::string& name) {
-  return bytes({0xFF, 0xFF, schema, 0x00, static_cast<int>(name.size()), 0x00}) + name;
 }
 
 INSTANTIATE_TEST_SUITE_P(

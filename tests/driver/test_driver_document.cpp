@@ -14,16 +14,12 @@
 #include "fixtures/temp_dir.hpp"
 
 namespace drv = kerfline::driver;
+using kerfline::test::bytes;
 using kerfline::test::make_named;
+using kerfline::test::new_class;
 using kerfline::test::sample_lookup;
 
 namespace {
-
-std::string bytes(std::initializer_list<int> values) {
-  std::string out;
-  for (const int v : values) out.push_back(static_cast<char>(v));
-  return out;
-}
 
 std::string dword(std::uint32_t v) {
   drv::ArchiveWriter w;
@@ -44,10 +40,6 @@ std::string root_record(std::uint16_t count) {
   for (int i = 0; i < 5; ++i) w.write_dword(0);
   w.write_count(count);
   return w.bytes();
-}
-
-std::string new_class(int schema, const std::string& name) {
-  return bytes({0xFF, 0xFF, schema, 0x00, static_cast<int>(name.size()), 0x00}) + name;
 }
 
 TEST(DriverDocument, RoundTripsEveryClassByteForByte) {

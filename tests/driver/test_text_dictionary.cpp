@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -55,11 +56,13 @@ class TextDictionary : public ::testing::Test {
   Fakes fakes_;
 };
 
+const std::string kMarker = "Dlx not found!";
+
 struct LookupCase {
   const char* what;
   std::uint32_t id;
-  std::vector<std::pair<int, std::string>> table_texts;  // for `id`
-  std::vector<std::pair<std::string, std::string>> translations;
+  std::optional<std::string> cutter, kerfline;  // the tables' texts for `id`
+  std::optional<std::pair<std::string, std::string>> translation;
   std::string expected;
 };
 
@@ -73,75 +76,43 @@ class Lookup : public ::testing::TestWithParam<LookupCase> {
 TEST_P(Lookup, FirstSourceThatKnowsTheNumberAnswers) {
   const LookupCase& c = GetParam();
   Fakes fakes;
-  for (const auto& [table, text] : c.table_texts) fakes.tables[{table, c.id}] = text;
-  for (const auto& [from, to] : c.translations) fakes.translations[from] = to;
+  if (c.cutter) fakes.tables[{kCutter, c.id}] = *c.cutter;
+  if (c.kerfline) fakes.tables[{kKerfline, c.id}] = *c.kerfline;
+  if (c.translation) fakes.translations.insert(*c.translation);
   install(fakes);
   EXPECT_EQ(dictionary_text(c.id), c.expected) << c.what;
 }
 
-const std::string kMarker = "Dlx not found!";
+using Tr = std::pair<std::string, std::string>;
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Lookup,
-    ::testing::Values(
-        LookupCase{"built-in row wins over both tables",
-                   9016,
-                   {{kCutter, "cutter"}, {kKerfline, "kerfline"}},
-                   {},
-                   "%DriverName%"},
-        LookupCase{
-            "built-in text is not translated", 9016, {}, {{"%DriverName%", "%Treibername%"}}, "%DriverName%"},
-        LookupCase{"a built-in row with the empty text answers", 9003, {{kCutter, "cutter"}}, {}, ""},
-        LookupCase{
-            "number without a built-in row goes to cutterx", 9019, {{kCutter, "cutter"}}, {}, "cutter"},
-        LookupCase{
-            "cutterx before kerfline", 40000, {{kCutter, "cutter"}, {kKerfline, "kerfline"}}, {}, "cutter"},
-        LookupCase{"kerfline when cutterx has nothing", 40000, {{kKerfline, "kerfline"}}, {}, "kerfline"},
-        LookupCase{"unknown everywhere", 40000, {}, {}, ""},
-        LookupCase{"cutterx answer translated",
-                   40000,
-                   {{kCutter, "Speed"}},
-                   {{"Speed", "Geschwindigkeit"}},
-                   "Geschwindigkeit"},
-        LookupCase{
-            "kerfline answer translated", 40000, {{kKerfline, "Pressure"}}, {{"Pressure", "Druck"}}, "Druck"},
-        LookupCase{
-            "translation to the empty text is an answer", 40000, {{kCutter, "Speed"}}, {{"Speed", ""}}, ""},
-        LookupCase{"marker from cutterx is a miss",
-                   40000,
-                   {{kCutter, kMarker}, {kKerfline, "kerfline"}},
-                   {},
-                   "kerfline"},
-        LookupCase{"marker from both tables gives the empty text",
-                   40000,
-                   {{kCutter, kMarker}, {kKerfline, kMarker}},
-                   {},
-                   ""},
-        LookupCase{"translation to the marker is a miss",
-                   40000,
-                   {{kCutter, "Speed"}, {kKerfline, "kerfline"}},
-                   {{"Speed", kMarker}},
-                   "kerfline"},
-        LookupCase{"translated marker in the last table gives the empty text",
-                   40000,
-                   {{kKerfline, "Speed"}},
-                   {{"Speed", kMarker}},
-                   ""},
-        LookupCase{"empty string-table entry is a miss",
-                   40000,
-                   {{kCutter, ""}, {kKerfline, "kerfline"}},
-                   {},
-                   "kerfline"},
-        LookupCase{"string-table text ends at a zero byte",
-                   40000,
-                   {{kCutter, std::string("Speed\0junk", 10)}},
-                   {},
-                   "Speed"},
-        LookupCase{
-            "text longer than the marker is kept", 40000, {{kCutter, kMarker + " "}}, {}, kMarker + " "},
-        LookupCase{"directory number", 109, {{kCutter, "cutter"}}, {}, "22"},
-        LookupCase{"terminator number is not a text", 0xFFFFFFFFu, {{kCutter, "cutter"}}, {}, "cutter"}),
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Cases, Lookup, ::testing::Values(
+    LookupCase{"built-in row wins over both tables", 9016, "cutter", "kerfline", {}, "%DriverName%"},
+    LookupCase{"built-in text is not translated", 9016, {}, {}, Tr{"%DriverName%", "%Treibername%"},
+               "%DriverName%"},
+    LookupCase{"a built-in row with the empty text answers", 9003, "cutter", {}, {}, ""},
+    LookupCase{"number without a built-in row goes to cutterx", 9019, "cutter", {}, {}, "cutter"},
+    LookupCase{"cutterx before kerfline", 40000, "cutter", "kerfline", {}, "cutter"},
+    LookupCase{"kerfline when cutterx has nothing", 40000, {}, "kerfline", {}, "kerfline"},
+    LookupCase{"unknown everywhere", 40000, {}, {}, {}, ""},
+    LookupCase{"cutterx answer translated", 40000, "Speed", {}, Tr{"Speed", "Geschwindigkeit"},
+               "Geschwindigkeit"},
+    LookupCase{"kerfline answer translated", 40000, {}, "Pressure", Tr{"Pressure", "Druck"}, "Druck"},
+    LookupCase{"translation to the empty text is an answer", 40000, "Speed", {}, Tr{"Speed", ""}, ""},
+    LookupCase{"marker from cutterx is a miss", 40000, kMarker, "kerfline", {}, "kerfline"},
+    LookupCase{"marker from both tables gives the empty text", 40000, kMarker, kMarker, {}, ""},
+    LookupCase{"translation to the marker is a miss", 40000, "Speed", "kerfline", Tr{"Speed", kMarker},
+               "kerfline"},
+    LookupCase{"translated marker in the last table gives the empty text", 40000, {}, "Speed",
+               Tr{"Speed", kMarker}, ""},
+    LookupCase{"empty string-table entry is a miss", 40000, "", "kerfline", {}, "kerfline"},
+    LookupCase{"string-table text ends at a zero byte", 40000, std::string("Speed\0junk", 10), {}, {},
+               "Speed"},
+    LookupCase{"text longer than the marker is kept", 40000, kMarker + " ", {}, {}, kMarker + " "},
+    LookupCase{"directory number", 109, "cutter", {}, {}, "22"},
+    LookupCase{"terminator number is not a text", 0xFFFFFFFFu, "cutter", {}, {}, "cutter"}),
     kerfline::test::RowIndex());
+// clang-format on
 
 TEST_F(TextDictionary, AsksCutterxThenKerflineAndStopsAtTheFirstAnswer) {
   fakes_.tables[{kCutter, 40001}] = "first";

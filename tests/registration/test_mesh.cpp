@@ -85,29 +85,24 @@ class Mesh : public ::testing::Test {
 
 }  // namespace
 
-TEST(MeshPlugin, AbsentPluginGivesMinusOne) {
+// No plug-in: init answers -1 and locate is idle (0). A plug-in without its
+// init entry: -2, yet it stays loaded and its locate entry finds nothing (1).
+TEST(MeshPlugin, MissingPluginOrInitEntry) {
   kerfline::test::TempDir empty;
-  kp::set_home_dir(empty.str());
-  const MESHPOINT pts[3] = {{0, 0}, {1, 0}, {0, 1}};
-  EXPECT_EQ(CreateDelaunay(3, pts), -1);
-  int32_t out[3] = {-1, -1, -1};
-  const MESHPOINT q{0.2, 0.2};
-  EXPECT_EQ(LocatePt(&q, out), 0);
-  EXPECT_EQ(out[0], -1);
-  FreeDelaunay();
-  kp::set_home_dir("");
-}
-
-TEST(MeshPlugin, PluginWithoutInitGivesMinusTwo) {
-  kp::set_home_dir(KERFLINE_TEST_OCV_WITHOUT_INIT_DIR);
-  const MESHPOINT pts[3] = {{0, 0}, {1, 0}, {0, 1}};
-  EXPECT_EQ(CreateDelaunay(3, pts), -2);
-  // It stays loaded: its locate entry answers, finding nothing.
-  int32_t out[3] = {-1, -1, -1};
-  const MESHPOINT q{0.2, 0.2};
-  EXPECT_EQ(LocatePt(&q, out), 1);
-  EXPECT_EQ(out[0], -1);
-  FreeDelaunay();
+  const struct {
+    std::string dir;
+    int32_t init, locate;
+  } cases[] = {{empty.str(), -1, 0}, {KERFLINE_TEST_OCV_WITHOUT_INIT_DIR, -2, 1}};
+  for (const auto& c : cases) {
+    kp::set_home_dir(c.dir);
+    const MESHPOINT pts[3] = {{0, 0}, {1, 0}, {0, 1}};
+    EXPECT_EQ(CreateDelaunay(3, pts), c.init);
+    int32_t out[3] = {-1, -1, -1};
+    const MESHPOINT q{0.2, 0.2};
+    EXPECT_EQ(LocatePt(&q, out), c.locate);
+    EXPECT_EQ(out[0], -1);
+    FreeDelaunay();
+  }
   kp::set_home_dir("");
 }
 
