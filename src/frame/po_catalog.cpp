@@ -1,11 +1,10 @@
 #include "frame/po_catalog.hpp"
 
-#include <fstream>
-#include <iterator>
 #include <utility>
 #include <vector>
 
 #include "frame/c_string_literal.hpp"
+#include "platform/binary_file.hpp"
 #include "platform/codepage.hpp"
 #include "platform/paths.hpp"
 
@@ -267,11 +266,9 @@ PoCatalog PoCatalog::parse(std::string_view contents) {
 
 platform::Result<PoCatalog> PoCatalog::load(const std::string& path) {
   if (platform::is_directory(path)) return platform::OsError{0, path + " is a directory"};
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return platform::OsError{0, "cannot open " + path};
-  std::string contents((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) return platform::OsError{0, "cannot read " + path};
-  return parse(contents);
+  auto contents = platform::read_binary_file(path);
+  if (!contents) return contents.error();
+  return parse(*contents);
 }
 
 const std::string* PoCatalog::find(std::string_view text) const {

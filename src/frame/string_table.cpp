@@ -1,10 +1,9 @@
 #include "frame/string_table.hpp"
 
 #include <charconv>
-#include <fstream>
-#include <iterator>
 
 #include "frame/c_string_literal.hpp"
+#include "platform/binary_file.hpp"
 #include "platform/paths.hpp"
 
 namespace kerfline::frame {
@@ -69,11 +68,9 @@ StringTable StringTable::parse(std::string_view contents) {
 
 platform::Result<StringTable> StringTable::load(const std::string& path) {
   if (platform::is_directory(path)) return platform::OsError{0, path + " is a directory"};
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return platform::OsError{0, "cannot open " + path};
-  std::string contents((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) return platform::OsError{0, "cannot read " + path};
-  return parse(contents);
+  auto contents = platform::read_binary_file(path);
+  if (!contents) return contents.error();
+  return parse(*contents);
 }
 
 std::optional<std::string> StringTable::find(std::uint32_t id) const {

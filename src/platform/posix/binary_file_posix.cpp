@@ -9,34 +9,16 @@
 #include <utility>
 
 #include "platform/binary_file.hpp"
+#include "platform/posix/unique_fd.hpp"
 
 namespace kerfline::platform {
-
-namespace {
-
-class Fd {
- public:
-  explicit Fd(int fd) : fd_(fd) {}
-  ~Fd() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Fd(const Fd&) = delete;
-  Fd& operator=(const Fd&) = delete;
-  [[nodiscard]] int get() const { return fd_; }
-  int release() { return std::exchange(fd_, -1); }
-
- private:
-  int fd_;
-};
-
-}  // namespace
 
 Result<std::string> read_binary_file(const std::string& path) {
   return read_binary_file_head(path, std::numeric_limits<std::size_t>::max());
 }
 
 Result<std::string> read_binary_file_head(const std::string& path, std::size_t max_bytes) {
-  Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (fd.get() < 0) return os_error(errno, "open " + path);
   std::string out;
   struct stat st {};

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "platform/file_io.hpp"
+#include "platform/posix/unique_fd.hpp"
 
 namespace kerfline::platform::file_io {
 namespace {
@@ -37,26 +38,6 @@ bool settled_at_read(const FileIdentity& id) {
 }
 
 bool absent(int code) { return code == ENOENT || code == ENOTDIR; }
-
-// Closes the descriptor when it goes out of scope.
-class Fd {
- public:
-  explicit Fd(int fd) : fd_(fd) {}
-  ~Fd() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Fd(const Fd&) = delete;
-  Fd& operator=(const Fd&) = delete;
-  [[nodiscard]] int get() const { return fd_; }
-  int release() {
-    const int fd = fd_;
-    fd_ = -1;
-    return fd;
-  }
-
- private:
-  int fd_;
-};
 
 std::string directory_of(const std::string& path) {
   const std::size_t slash = path.rfind('/');
@@ -106,7 +87,7 @@ Result<std::optional<FileIdentity>> identify(const std::string& path) {
 
 Result<std::optional<FileContents>> read_whole(const std::string& path, std::uint64_t max_size) {
   // Non-blocking so that a FIFO in the file's place cannot hang the caller.
-  Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (fd.get() < 0) {
     if (absent(errno)) return std::optional<FileContents>{};
     return os_error(errno, "open " + path);
@@ -160,7 +141,7 @@ Result<FileIdentity> replace_atomically(const std::string& path_in, std::string_
     if (raw_fd < 0 && errno != EEXIST) return os_error(errno, "create " + temp);
   }
   if (raw_fd < 0) return os_error(EEXIST, "create " + temp);
-  Fd fd(raw_fd);
+  UniqueFd fd(raw_fd);
   auto fail = [&temp](int code, const std::string& what) {
     ::unlink(temp.c_str());
     return os_error(code, what);
@@ -176,7 +157,7 @@ Result<FileIdentity> replace_atomically(const std::string& path_in, std::string_
   if (::rename(temp.c_str(), path.c_str()) != 0) return fail(errno, "rename " + temp + " to " + path);
 
   // The rename is on disk only once the directory is.
-  Fd dir_fd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  UniqueFd dir_fd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (dir_fd.get() >= 0 && fsync_retrying(dir_fd.get()) != 0 && errno != EINVAL) {
     return os_error(errno, "flush " + dir);
   }
@@ -213,7 +194,7 @@ Result<FileLock> lock_exclusive(const std::string& path) {
   // flock locks an open file, not a path: after waiting, the file may have
   // been replaced by its writer, and then the new one is locked instead.
   for (;;) {
-    Fd fd(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
+    UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
     if (fd.get() < 0) return os_error(errno, "open " + path);
     int rc = 0;
     do {
