@@ -1072,7 +1072,39 @@ KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b);
 KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p, MESHPOINT* foot);
 
 /* ======================================================================
- * Device access, device list and plot-manager coupling
+ * Port access
+ *
+ * Opening a device, writing to it and closing it. A device handle is
+ * pointer-sized and opaque to the host; an invalid one is (void*)-1.
+ * ====================================================================== */
+
+/* ======================================================================
+ * Device readers
+ *
+ * One instruction, one answer: values and media widths read back from a
+ * device through the link its driver and settings decide.
+ * ====================================================================== */
+
+/* ======================================================================
+ * Device list
+ *
+ * The output devices listed in "plotman.ini" of the suite directory.
+ * ====================================================================== */
+
+/* ======================================================================
+ * Plot-manager coupling, child processes and topic logs
+ * ====================================================================== */
+
+/* ======================================================================
+ * Scanner application bridge
+ *
+ * The scanner application's plug-in "lumaprobe.dll", loaded on demand.
+ * ====================================================================== */
+
+/* ======================================================================
+ * Script engine bridge
+ *
+ * Script sections handed to an embedded scripting engine.
  * ====================================================================== */
 
 #ifdef __cplusplus
