@@ -1,6 +1,6 @@
 // Entry points that hosts call but that have nothing to do in this library:
 // they keep their documented answers so that hosts built against them work.
-#include "frame/library_memory.hpp"
+#include "platform/library_memory.hpp"
 #include "kerfline/kerfline.h"
 
 extern "C" {
@@ -16,7 +16,7 @@ KERFLINE_API int32_t QuickRead(void) { return 0; }
 KERFLINE_API int32_t ReadDeviceValsEx(void) { return 0; }
 
 KERFLINE_API int32_t QuickFree(void* block) {
-  kerfline::frame::library_free(block);
+  kerfline::platform::library_free(block);
   return 1;
 }
 

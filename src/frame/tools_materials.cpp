@@ -4,11 +4,15 @@
 
 #include "frame/driver_handle.hpp"
 #include "frame/driver_tree.hpp"
-#include "frame/library_memory.hpp"
+#include "platform/library_memory.hpp"
 #include "frame/shown_text.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::frame {
+
+using platform::library_alloc;
+using platform::library_free;
+using platform::library_strdup;
 namespace {
 
 using driver::CDrvItemList;

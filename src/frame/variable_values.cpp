@@ -6,9 +6,13 @@
 #include <string_view>
 
 #include "driver/drv_item_dlg_var.hpp"
-#include "frame/library_memory.hpp"
+#include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
+
+using platform::library_alloc;
+using platform::library_free;
+using platform::library_strdup;
 
 namespace {
 

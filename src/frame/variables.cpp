@@ -9,12 +9,16 @@
 #include "driver/drv_item_dlg_var.hpp"
 #include "frame/driver_handle.hpp"
 #include "frame/driver_tree.hpp"
-#include "frame/library_memory.hpp"
+#include "platform/library_memory.hpp"
 #include "frame/shown_text.hpp"
 #include "frame/variable_values.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::frame {
+
+using platform::library_alloc;
+using platform::library_free;
+using platform::library_strdup;
 namespace {
 
 using driver::CDrvItem;
@@ -339,8 +343,8 @@ KERFLINE_API int32_t GetDlgVar(VMV6DLGVAR* var) {
 KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var) {
   if (var == nullptr) return -2;
   kerfline::frame::release_text(var->nValueType, var->uValue);
-  kerfline::frame::library_free(var->pszDlgText);
-  kerfline::frame::library_free(var->pszDlgFormat);
+  kerfline::platform::library_free(var->pszDlgText);
+  kerfline::platform::library_free(var->pszDlgFormat);
   var->pszDlgText = nullptr;
   var->pszDlgFormat = nullptr;
   return 1;

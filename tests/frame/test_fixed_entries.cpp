@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "frame/library_memory.hpp"
+#include "platform/library_memory.hpp"
 #include "kerfline/kerfline.h"
 
 TEST(FixedEntries, KeepTheirDocumentedAnswers) {
@@ -24,5 +24,5 @@ TEST(FixedEntries, KeepTheirDocumentedAnswers) {
 
 TEST(QuickFreeTest, ReleasesLibraryBlocksAndAcceptsNull) {
   EXPECT_EQ(QuickFree(nullptr), 1);
-  EXPECT_EQ(QuickFree(kerfline::frame::library_strdup("Contour")), 1);  // ASan reports a leak otherwise
+  EXPECT_EQ(QuickFree(kerfline::platform::library_strdup("Contour")), 1);  // ASan reports a leak otherwise
 }

@@ -1,9 +1,9 @@
-#include "frame/library_memory.hpp"
+#include "platform/library_memory.hpp"
 
 #include <cstdlib>
 #include <cstring>
 
-namespace kerfline::frame {
+namespace kerfline::platform {
 
 void* library_alloc(std::size_t n) { return std::malloc(n == 0 ? 1 : n); }
 
@@ -17,4 +17,4 @@ char* library_strdup(std::string_view text) {
   return copy;
 }
 
-}  // namespace kerfline::frame
+}  // namespace kerfline::platform
