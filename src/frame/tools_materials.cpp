@@ -4,9 +4,9 @@
 
 #include "frame/driver_handle.hpp"
 #include "frame/driver_tree.hpp"
-#include "platform/library_memory.hpp"
 #include "frame/shown_text.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
 

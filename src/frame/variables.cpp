@@ -9,10 +9,10 @@
 #include "driver/drv_item_dlg_var.hpp"
 #include "frame/driver_handle.hpp"
 #include "frame/driver_tree.hpp"
-#include "platform/library_memory.hpp"
 #include "frame/shown_text.hpp"
 #include "frame/variable_values.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
 

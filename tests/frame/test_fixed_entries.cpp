@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/library_memory.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/library_memory.hpp"
 
 TEST(FixedEntries, KeepTheirDocumentedAnswers) {
   const struct {
