@@ -1,7 +1,7 @@
 // Entry points that hosts call but that have nothing to do in this library:
 // they keep their documented answers so that hosts built against them work.
-#include "platform/library_memory.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/library_memory.hpp"
 
 extern "C" {
 
