@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "driver_files.hpp"
 #include "fixtures/table_names.hpp"
 #include "frame/dialog_format.hpp"
 #include "frame_fixture.hpp"
@@ -223,6 +224,34 @@ TEST(DialogDefault, StandardTextNumberAndNone) {
   EXPECT_EQ(GetDlgDefaultEx(&var, &def), 0);
   EXPECT_EQ(def.pszDefault, nullptr);
   EXPECT_EQ(GetDlgDefaultEx(&var, nullptr), -2);
+}
+
+class DialogDefaultFiles : public kerfline::test::FrameTest {};
+
+TEST_F(DialogDefaultFiles, TheBaseDriversValue) {
+  using kerfline::test::named;
+  kerfline::test::write_driver(suite, "base.vmd", [](drv::CVm6Drv& doc) {
+    doc.Root().AddChild(dlg("%Knife%", "0.3", drv::type_code::kDouble, "%.2f mm"));
+  });
+  const std::string path = kerfline::test::write_driver(suite, "derived.vmd", [](drv::CVm6Drv& doc) {
+    doc.BaseDriverFlag = 1;
+    doc.Root().AddChild(named("%BaseDrv%", "base.vmd"));
+    doc.Root().AddChild(dlg("%Knife%", "0.5", drv::type_code::kDouble, "%.2f mm"));
+  });
+  VMV6DRV handle = kerfline::test::record_for(path);
+  ASSERT_EQ(InitDrv(&handle), 1);
+  VMV6DLGVAR var{};
+  std::strcpy(var.szName, "%Knife%");
+  var.pDrv = &handle;
+  var.nKind = KERFLINE_VARKIND_DRIVER;
+  DLGVARDEFAULT def{};
+  ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
+  EXPECT_STREQ(def.pszDefault, "0.3");
+  EXPECT_STREQ(def.pszShown, "0.30 mm");
+  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_BASE);
+  EXPECT_EQ(def.nDiffers, 1);
+  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
+  EXPECT_EQ(FreeDrv(&handle), 1);
 }
 
 // ---- value lists --------------------------------------------------------------
