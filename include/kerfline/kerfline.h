@@ -613,8 +613,8 @@ KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name);
 #define KERFLINE_DLGVAR_RELATIVE 0x2u /* the value is relative to the material's (IsRelativeFlag) */
 
 /* What is wrong with a dialog variable (nState fields). */
-#define KERFLINE_DLGSTATE_BAD_FORMAT 0x1u /* stray "%" or more than one conversion: the format is not used */
-#define KERFLINE_DLGSTATE_BAD_RANGE 0x2u  /* min > max, a bound not finite, or a negative or non-finite step */
+#define KERFLINE_DLGSTATE_BAD_FORMAT 0x1u /* stray "%" or two conversions: format not used */
+#define KERFLINE_DLGSTATE_BAD_RANGE 0x2u  /* min > max, bound not finite, step < 0 or not finite */
 #define KERFLINE_DLGSTATE_CUT 0x4u        /* a text was cut to fit its field */
 #define KERFLINE_DLGSTATE_PLAIN 0x8u      /* the item is a plain variable, not a dialog variable */
 
@@ -638,14 +638,14 @@ KERFLINE_API int32_t GetDlgVarExtParms(VMV6DLGVAR* var, DLGVAREXT* ext);
 
 /* One dialog variable as a settings dialog shows it; fixed fields, nothing to release. */
 typedef struct DLGVARDATA {
-  char szCaption[128];   /* dialog text (its description when the dialog text is empty), translated under 0x4 */
-  char szFormat[64];     /* dialog format, translated under 0x4 */
-  char szValue[256];     /* current value (links followed) */
-  char szShown[256];     /* the value put through the format; the value itself when the format is broken */
-  int32_t nType;         /* item type: 0 Double, 1 Integer, 2 Bool, 3 Date, 4 String */
-  uint32_t nState;       /* KERFLINE_DLGSTATE_* bits */
+  char szCaption[128]; /* dialog text (its description when the dialog text is empty), translated under 0x4 */
+  char szFormat[64];   /* dialog format, translated under 0x4 */
+  char szValue[256];   /* current value (links followed) */
+  char szShown[256];   /* the value put through the format; the value itself when the format is broken */
+  int32_t nType;       /* item type: 0 Double, 1 Integer, 2 Bool, 3 Date, 4 String */
+  uint32_t nState;     /* KERFLINE_DLGSTATE_* bits */
   int32_t nConditionCount;
-  int32_t nHasExt;       /* 1 when the variable has extended parameters */
+  int32_t nHasExt; /* 1 when the variable has extended parameters */
 } DLGVARDATA;
 
 /* Fills *data (texts cut to their fields, always terminated, with
@@ -655,8 +655,8 @@ KERFLINE_API int32_t GetDlgVarData(VMV6DLGVAR* var, DLGVARDATA* data);
 /* GetDlgVarData with the extended parameters and the default. */
 typedef struct EXTDLGVARDATA {
   DLGVARDATA data;
-  DLGVAREXT ext;        /* zero when data.nHasExt is 0 */
-  char szDefault[256];  /* as GetDlgDefaultEx; "" when there is none */
+  DLGVAREXT ext;       /* zero when data.nHasExt is 0 */
+  char szDefault[256]; /* as GetDlgDefaultEx; "" when there is none */
   int32_t nHasDefault;
   int32_t nReserved;
 } EXTDLGVARDATA;
