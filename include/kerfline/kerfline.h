@@ -1171,6 +1171,88 @@ KERFLINE_API int32_t LogFileMan(const char* topic, int32_t action, const char* t
  * The scanner application's plug-in "lumaprobe.dll", loaded on demand.
  * ====================================================================== */
 
+/*
+ * The bridge forwards to the plug-in's entry points of the same meaning
+ * ("ProbeInitDigitizer", "ProbeInit", "ProbeDoCommand",
+ * "ProbeGetDigitizerPos", "ProbeFreeDigitizer", "ProbeRead", "Process",
+ * "HandleUI", "ProbeExit"); what their arguments mean is the plug-in's
+ * business. The plug-in stays loaded from LumaProbeInit or
+ * LumaProbeInitDigitizer until LumaProbeFreeDigitizer or LumaProbeExit. While
+ * a registration run has named its device, the bridge keeps the plug-in off
+ * that device as long as its spool has active jobs. The bridge is meant for
+ * the host's user-interface thread and is not locked.
+ */
+
+/* One digitiser position: 16 bytes. */
+typedef struct DIGITIZERPOS {
+  double x;
+  double y;
+} DIGITIZERPOS;
+
+/*
+ * Loads the plug-in (again) and calls "ProbeInitDigitizer"(value). Returns
+ * its result; 1 when the plug-in lacks the entry; -4 when it cannot be
+ * loaded.
+ */
+KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value);
+
+/*
+ * Loads the plug-in (again) and calls "ProbeInit"(data). Returns its result;
+ * 1 when the plug-in lacks the entry (it stays loaded); -4 when the run's
+ * device has active jobs (nothing is loaded) or the plug-in cannot be
+ * loaded.
+ */
+KERFLINE_API int32_t LumaProbeInit(void* data);
+
+/* "ProbeDoCommand"(a, b, c); 0 when no plug-in is loaded or it lacks the entry. */
+KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c);
+
+/*
+ * Reads the digitiser's positions: asks "ProbeGetDigitizerPos"(0, NULL) for
+ * their number n and writes it to *count; when n is at least 1, allocates n
+ * positions, writes the array to *positions and has the plug-in fill it; its
+ * result, at most n, becomes *count and the result. The array belongs to the
+ * caller and is released only by LumaProbeFreeDigitizerPos; when nothing is
+ * returned in it (n < 1, or the plug-in then reports fewer than 1) *positions
+ * is set to NULL and nothing stays allocated. Returns -4 when no plug-in is
+ * loaded, 0 when it lacks the entry, -3 when the array cannot be allocated
+ * (more than 1048576 positions count as that), -2 for a null pointer.
+ */
+KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions);
+
+/* Releases an array from LumaProbeGetDigitizerPos and sets *positions to NULL. Returns 1. */
+KERFLINE_API int32_t LumaProbeFreeDigitizerPos(DIGITIZERPOS** positions);
+
+/*
+ * Calls "ProbeFreeDigitizer" (when present) and unloads the plug-in.
+ * Returns the entry's result, 1 when it is missing, -4 when no plug-in is
+ * loaded.
+ */
+KERFLINE_API int32_t LumaProbeFreeDigitizer(void);
+
+/*
+ * "ProbeRead"(data). While the run's device has active jobs the call waits,
+ * checking every 500 ms and calling the host's pump hook in between; after
+ * such a wait it pumps for another 100 ms before reading. 0 when no plug-in
+ * is loaded or it lacks the entry.
+ */
+KERFLINE_API int32_t LumaProbeRead(void* data);
+
+/* "Process"(); 0 when no plug-in is loaded or it lacks the entry. */
+KERFLINE_API int32_t LumaProbeProcess(void);
+
+/*
+ * "HandleUI"(window, a, b, c); the window handle is passed on untouched. 0
+ * when no plug-in is loaded or it lacks the entry.
+ */
+KERFLINE_API int32_t LumaProbeHandleUI(void* window, int32_t a, int32_t b, int32_t c);
+
+/*
+ * Calls "ProbeExit" (when present) and unloads the plug-in. Returns 1; 0
+ * when no plug-in is loaded.
+ */
+KERFLINE_API int32_t LumaProbeExit(void);
+
 /* ======================================================================
  * Script engine bridge
  *

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "devconfig/registration_run.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/host_hooks.hpp"
 #include "platform/paths.hpp"
@@ -26,6 +27,18 @@ KERFLINE_API int32_t GetPlotManPath(char* buffer) {
     buffer[0] = '\0';
   }
   return 0;
+}
+
+KERFLINE_API int32_t IsJobRunning(const char* deviceName) {
+  try {
+    // A registration run watches its own device, whatever the host asks.
+    const auto run = kerfline::devconfig::registration_run_device();
+    if (run) return kerfline::devconfig::active_jobs_of(*run);
+    if (deviceName == nullptr) return 0;
+    return kerfline::devconfig::active_jobs_of(deviceName);
+  } catch (...) {
+    return 0;
+  }
 }
 
 KERFLINE_API int32_t CancelPlotman(int32_t flag) {

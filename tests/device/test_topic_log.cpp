@@ -28,17 +28,22 @@ platform::CalendarTime new_years_eve() {
 
 class TopicLog : public ::testing::Test {
  protected:
+  // The suite is a subdirectory, so that its parent is ours to inspect.
   void SetUp() override {
-    platform::set_home_dir(dir_.str());
+    suite_ = dir_.path() / "suite";
+    platform::set_home_dir(suite_.string() + "/");
     set_log_clock(&new_years_eve);
-    dir_.write("plotman.ini", "[Log]\nDev=1\nOff=0\nText=abc\nTwo=2\nlf=1\n");
+    write("plotman.ini", "[Log]\nDev=1\nOff=0\nText=abc\nTwo=2\nlf=1\n");
   }
+  void write(const std::string& name, const std::string& text) const { dir_.write("suite/" + name, text); }
+  [[nodiscard]] std::string read(const std::string& name) const { return dir_.read("suite/" + name); }
   void TearDown() override {
     set_log_clock(nullptr);
     platform::set_home_dir("");
   }
-  [[nodiscard]] bool exists(const char* name) const { return std::filesystem::exists(dir_.path() / name); }
+  [[nodiscard]] bool exists(const char* name) const { return std::filesystem::exists(suite_ / name); }
   TempDir dir_;
+  std::filesystem::path suite_;
 };
 
 struct StampRow {
@@ -60,19 +65,19 @@ INSTANTIATE_TEST_SUITE_P(Table, LogStamp,
 
 TEST_F(TopicLog, StampedEntryAppendsTimeAndText) {
   EXPECT_EQ(LogFileMan("Dev", 3, "x"), 1);
-  EXPECT_EQ(dir_.read("lf_Dev.log"), "31.12.09 - 23:59:59 x");
+  EXPECT_EQ(read("lf_Dev.log"), "31.12.09 - 23:59:59 x");
   EXPECT_EQ(LogFileMan("Dev", 3, "y\n"), 1);
-  EXPECT_EQ(dir_.read("lf_Dev.log"), "31.12.09 - 23:59:59 x31.12.09 - 23:59:59 y\n");
+  EXPECT_EQ(read("lf_Dev.log"), "31.12.09 - 23:59:59 x31.12.09 - 23:59:59 y\n");
 }
 
 TEST_F(TopicLog, PlainEntryAppendsTheTextAsItIs) {
-  dir_.write("lf_Two.log", "old;");
+  write("lf_Two.log", "old;");
   EXPECT_EQ(LogFileMan("Two", 2, "new\r\n"), 1);
-  EXPECT_EQ(dir_.read("lf_Two.log"), "old;new\r\n");
+  EXPECT_EQ(read("lf_Two.log"), "old;new\r\n");
 }
 
 TEST_F(TopicLog, DeleteRemovesTheFile) {
-  dir_.write("lf_Dev.log", "old");
+  write("lf_Dev.log", "old");
   EXPECT_EQ(LogFileMan("Dev", 1, nullptr), 1);
   EXPECT_FALSE(exists("lf_Dev.log"));
   EXPECT_EQ(LogFileMan("Dev", 1, nullptr), 1);  // already gone
@@ -88,11 +93,11 @@ class TopicLogSilent : public TopicLog, public ::testing::WithParamInterface<Sil
 // Logging off (key 0, missing, not a number), unknown actions and topics
 // that would leave the directory: no file appears anywhere.
 TEST_P(TopicLogSilent, WritesNothing) {
-  const std::filesystem::path outside = dir_.path().parent_path();
+  const std::filesystem::path outside = dir_.path();
   const auto before = std::distance(std::filesystem::directory_iterator(outside), {});
   EXPECT_EQ(LogFileMan(GetParam().topic, GetParam().action, "x"), 1);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(outside), {}), before);
-  for (const auto& e : std::filesystem::recursive_directory_iterator(dir_.path())) {
+  for (const auto& e : std::filesystem::recursive_directory_iterator(suite_)) {
     EXPECT_EQ(e.path().filename(), "plotman.ini");
   }
 }
@@ -106,25 +111,25 @@ INSTANTIATE_TEST_SUITE_P(Table, TopicLogSilent,
                          test::RowIndex{});
 
 TEST_F(TopicLog, PathSeparatorTopicsAreRefusedEvenWhenSwitchedOn) {
-  dir_.write("plotman.ini", "[Log]\n../lf=1\nsub/x=1\n");
-  std::filesystem::create_directory(dir_.path() / "lf_sub");
+  write("plotman.ini", "[Log]\n../lf=1\nsub/x=1\n");
+  std::filesystem::create_directory(suite_ / "lf_sub");
   EXPECT_EQ(LogFileMan("../lf", 3, "x"), 1);
   EXPECT_EQ(LogFileMan("sub/x", 3, "x"), 1);
-  EXPECT_FALSE(std::filesystem::exists(dir_.path().parent_path() / "lf.log"));
-  EXPECT_TRUE(std::filesystem::is_empty(dir_.path() / "lf_sub"));
+  EXPECT_FALSE(std::filesystem::exists(dir_.path() / "lf.log"));
+  EXPECT_TRUE(std::filesystem::is_empty(suite_ / "lf_sub"));
 }
 
 TEST_F(TopicLog, AFileThatCannotBeOpenedIsSkipped) {
-  std::filesystem::create_directory(dir_.path() / "lf_Dev.log");  // a directory in its place
+  std::filesystem::create_directory(suite_ / "lf_Dev.log");  // a directory in its place
   EXPECT_EQ(LogFileMan("Dev", 3, "x"), 1);
   EXPECT_EQ(LogFileMan("Dev", 2, "x"), 1);
-  EXPECT_TRUE(std::filesystem::is_directory(dir_.path() / "lf_Dev.log"));
+  EXPECT_TRUE(std::filesystem::is_directory(suite_ / "lf_Dev.log"));
 }
 
 TEST_F(TopicLog, NullArgumentsAreHarmless) {
   EXPECT_EQ(LogFileMan(nullptr, 3, "x"), 1);
   EXPECT_EQ(LogFileMan("Dev", 3, nullptr), 1);
-  EXPECT_EQ(dir_.read("lf_Dev.log"), "31.12.09 - 23:59:59 ");
+  EXPECT_EQ(read("lf_Dev.log"), "31.12.09 - 23:59:59 ");
 }
 
 TEST(TopicLogPath, LiesBesidePlotmanIni) {
