@@ -1216,7 +1216,7 @@ KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c);
  * returned in it (n < 1, or the plug-in then reports fewer than 1) *positions
  * is set to NULL and nothing stays allocated. Returns -4 when no plug-in is
  * loaded, 0 when it lacks the entry, -3 when the array cannot be allocated
- * (more than 1048576 positions count as that), -2 for a null pointer.
+ * (more than 1048576 positions count as that; *count is then 0), -2 for a null pointer.
  */
 KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions);
 

@@ -1,8 +1,6 @@
 #include "registration/scanner_bridge.hpp"
 
-#include <limits>
 #include <mutex>
-#include <new>
 
 #include "devconfig/registration_run.hpp"
 #include "kerfline/kerfline.h"
@@ -113,9 +111,14 @@ std::int32_t scanner_positions(std::int32_t* count, DIGITIZERPOS** positions) {
   const std::int32_t n = entry(0, nullptr);
   *count = n;
   if (n < 1) return n;
-  if (n > kMaxPositions) return -3;
-  auto* array = static_cast<DIGITIZERPOS*>(platform::library_alloc(sizeof(DIGITIZERPOS) * std::size_t(n)));
-  if (array == nullptr) return -3;
+  auto* array =
+      n <= kMaxPositions
+          ? static_cast<DIGITIZERPOS*>(platform::library_alloc(sizeof(DIGITIZERPOS) * std::size_t(n)))
+          : nullptr;
+  if (array == nullptr) {
+    *count = 0;
+    return -3;
+  }
   for (std::int32_t i = 0; i < n; ++i) array[i] = DIGITIZERPOS{0.0, 0.0};
   std::int32_t got = entry(n, array);
   if (got > n) got = n;  // never more than the array holds

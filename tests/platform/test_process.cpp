@@ -69,29 +69,11 @@ INSTANTIATE_TEST_SUITE_P(Table, ChildExit,
                                            ExitRow{R"(sh -c "kill -9 $$")", 128 + 9}),
                          test::RowIndex{});
 
-TEST(ChildProcess, RefusesLinesThatNameNoProgram) {
-  for (const char* line : {"", "   ", R"("" x)"}) {
-    auto child = ChildProcess::spawn(line, 0);
-    ASSERT_FALSE(child) << line;
-    EXPECT_EQ(child.error().code, EINVAL);
-  }
-}
-
 TEST(ChildProcess, ReportsAProgramThatDoesNotExist) {
   auto child = ChildProcess::spawn("kerfline-no-such-program-here --x", 0);
   ASSERT_FALSE(child);
   EXPECT_EQ(child.error().code, ENOENT);
   EXPECT_NE(child.error().message.find("kerfline-no-such-program-here"), std::string::npos);
-}
-
-TEST(ChildProcess, DestructionEndsAndCollectsARunningChild) {
-  {
-    auto child = ChildProcess::spawn("sleep 30", 0);
-    ASSERT_TRUE(child);
-    EXPECT_FALSE(child->wait_for(20));
-    EXPECT_FALSE(child->has_ended());
-  }
-  EXPECT_TRUE(no_child_left());
 }
 
 TEST(ChildProcess, TerminateKillsAChildThatIgnoresTheRequest) {
@@ -101,15 +83,6 @@ TEST(ChildProcess, TerminateKillsAChildThatIgnoresTheRequest) {
   child->terminate();
   EXPECT_EQ(child->exit_code(), 128 + 9);
   EXPECT_TRUE(no_child_left());
-}
-
-TEST(ChildProcess, ModalWaitPumpsUntilTheChildEnds) {
-  auto child = ChildProcess::spawn("sleep 0.3", 0);
-  ASSERT_TRUE(child);
-  int pumps = 0;
-  EXPECT_TRUE(child->wait_with_watcher([&] { ++pumps; }, [] { return false; }, 10));
-  EXPECT_GE(pumps, 5);
-  EXPECT_EQ(child->exit_code(), 0);
 }
 
 TEST(ChildProcess, ModalWaitStopsWhenAsked) {
