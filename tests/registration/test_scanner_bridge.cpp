@@ -10,7 +10,6 @@
 
 #include "devconfig/registration_run.hpp"
 #include "devconfig/spool_paths.hpp"
-#include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
@@ -262,16 +261,6 @@ TEST(ScannerBusyDevice, ReadWaitsWithPumpingUntilTheSpoolIsEmpty) {
   EXPECT_GE(waited, std::chrono::milliseconds(600));
   EXPECT_GE(host.pumps, 3);  // the first and the settling ones
   EXPECT_EQ(suite.log(), "ProbeRead(42,0,0);");
-}
-
-TEST(ScannerBusyDevice, ReadWithAnIdleDeviceDoesNotPump) {
-  const ScannerSuite suite(Plugin::full);
-  ASSERT_EQ(LumaProbeInit(nullptr), 7);
-  devconfig::set_registration_run_device("Cut:1");
-  const test::HostRecorder host;
-  EXPECT_EQ(LumaProbeRead(&g_record), 9);
-  EXPECT_EQ(host.pumps, 0);
-  devconfig::set_registration_run_device(std::nullopt);
 }
 
 }  // namespace

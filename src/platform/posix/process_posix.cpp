@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "platform/clock.hpp"
@@ -117,12 +118,25 @@ bool ChildProcess::wait_with_watcher(const std::function<void()>& pump, const st
   std::mutex mutex;
   std::condition_variable changed;
   bool done = false;
-  std::thread watcher([&] {
-    wait();
-    const std::lock_guard lock(mutex);
-    done = true;
-    changed.notify_all();
-  });
+  std::thread watcher;
+  try {
+    watcher = std::thread([&] {
+      wait();
+      const std::lock_guard lock(mutex);
+      done = true;
+      changed.notify_all();
+    });
+  } catch (const std::system_error&) {
+    // No thread to be had: wait on this one, still pumping.
+    while (!wait_for(interval_ms)) {
+      pump();
+      if (stop()) {
+        terminate();
+        return false;
+      }
+    }
+    return true;
+  }
   bool stopped = false;
   std::unique_lock lock(mutex);
   while (!done) {
