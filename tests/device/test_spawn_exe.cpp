@@ -118,6 +118,11 @@ TEST_P(SpawnExeWaits, PumpsWhileASleepingChildRunsAndLeavesNothingBehind) {
   EXPECT_EQ(host.cursor_changes, (std::vector<int>{1, 0}));
   EXPECT_TRUE(no_child_left());
   EXPECT_EQ(count_entries("/proc/self/fd"), fds);
+  // A joined thread can linger in /proc for a moment while the kernel
+  // finishes its exit; give it up to a second.
+  for (int i = 0; i < 100 && count_entries("/proc/self/task") != threads; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   EXPECT_EQ(count_entries("/proc/self/task"), threads);
 }
 
