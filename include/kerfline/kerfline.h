@@ -1284,11 +1284,163 @@ KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const ME
  * Plot-manager coupling, child processes and topic logs
  * ====================================================================== */
 
+/*
+ * Copies the suite directory (the directory that holds "plotman.ini"),
+ * ending in the path separator, into buffer. The caller provides room for a
+ * full path (MAX_PATH on Windows, 4096 bytes on POSIX); a longer directory is
+ * cut to fit 4096 bytes. A null buffer is left alone. Always 0.
+ */
+KERFLINE_API int32_t GetPlotManPath(char* buffer);
+
+/*
+ * The number of active jobs in the spool of the named device (section
+ * "ActiveJobs", key "Count" of its "index.hot"); 0 when none or when the
+ * index does not exist. While a registration run has set its device, that
+ * device is asked instead of the argument. A null name counts as none.
+ */
+KERFLINE_API int32_t IsJobRunning(const char* deviceName);
+
+/*
+ * With flag 0 tells the plot manager to stop: the message
+ * "Umsg_StopPlotman" is posted (wParam 0, lParam 0) through the host's
+ * broadcast hook. Any other flag does nothing. Always 1.
+ */
+KERFLINE_API int32_t CancelPlotman(int32_t flag);
+
+/*
+ * Starts the program that the command line names and waits for it to end.
+ * The line is split into arguments by the Windows rules (double quotes
+ * group, backslashes escape only before a quote); no shell is involved, the
+ * program is looked up on the search path, the child inherits the caller's
+ * environment and working directory but no open handle. showCommand is the
+ * Windows SW_* value (ignored on POSIX).
+ *
+ * mode null (modal wait): a watcher thread waits for the child while the
+ * calling thread calls the host's pump hook about every 20 ms. The wait
+ * cursor hook is switched on for the wait and off after it: while it is on
+ * the host's pump must repaint but drop keyboard, mouse and activation
+ * input, so the user cannot act on the host's windows. Only one modal wait
+ * runs at a time: a second one (from another thread, or from inside the
+ * pump hook) is refused with 0 and starts nothing.
+ * mode not null (polling wait): the exit status is read about every 20 ms
+ * with the pump hook called in between; what mode points to is not used.
+ *
+ * Either wait ends early when the host calls KerflineCancelSpawnExe; the
+ * child is then asked to stop and, after half a second, killed. When
+ * SpawnExe returns, the child has ended and been collected.
+ *
+ * Returns 1 after the child has ended; 0 when no process could be started
+ * (a null or empty line, a line that names no program, a program that does
+ * not exist or cannot run; the hooks are then not called) or a modal wait
+ * was refused.
+ */
+KERFLINE_API int32_t SpawnExe(char* commandLine, int32_t showCommand, void* mode);
+
+/*
+ * Ends every SpawnExe wait running at the time of the call, in any thread
+ * (it may be called from another thread or from the pump hook). A later
+ * SpawnExe is not affected. Returns the number of waits it ended.
+ */
+KERFLINE_API int32_t KerflineCancelSpawnExe(void);
+
+/*
+ * Topic logs: the file "lf_" + topic + ".log" beside "plotman.ini", written
+ * only while key <topic> of section "Log" in "plotman.ini" is not 0.
+ * action 1 deletes the file; 2 appends text as it is; 3 appends the local
+ * time as "dd.mm.yy - HH:MM:SS " and then text. Other actions do nothing. A
+ * topic holding a path separator ('/' or '\\') or a null topic writes
+ * nothing, so a log never lands outside the suite directory; a file that
+ * cannot be opened is skipped. A null text appends nothing. Always 1.
+ */
+KERFLINE_API int32_t LogFileMan(const char* topic, int32_t action, const char* text);
+
 /* ======================================================================
  * Scanner application bridge
  *
  * The scanner application's plug-in "lumaprobe.dll", loaded on demand.
  * ====================================================================== */
+
+/*
+ * The bridge forwards to the plug-in's entry points of the same meaning
+ * ("ProbeInitDigitizer", "ProbeInit", "ProbeDoCommand",
+ * "ProbeGetDigitizerPos", "ProbeFreeDigitizer", "ProbeRead", "Process",
+ * "HandleUI", "ProbeExit"); what their arguments mean is the plug-in's
+ * business. The plug-in stays loaded from LumaProbeInit or
+ * LumaProbeInitDigitizer until LumaProbeFreeDigitizer or LumaProbeExit. While
+ * a registration run has named its device, the bridge keeps the plug-in off
+ * that device as long as its spool has active jobs. The bridge is meant for
+ * the host's user-interface thread and is not locked.
+ */
+
+/* One digitiser position: 16 bytes. */
+typedef struct DIGITIZERPOS {
+  double x;
+  double y;
+} DIGITIZERPOS;
+
+/*
+ * Loads the plug-in (again) and calls "ProbeInitDigitizer"(value). Returns
+ * its result; 1 when the plug-in lacks the entry; -4 when it cannot be
+ * loaded.
+ */
+KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value);
+
+/*
+ * Loads the plug-in (again) and calls "ProbeInit"(data). Returns its result;
+ * 1 when the plug-in lacks the entry (it stays loaded); -4 when the run's
+ * device has active jobs (nothing is loaded) or the plug-in cannot be
+ * loaded.
+ */
+KERFLINE_API int32_t LumaProbeInit(void* data);
+
+/* "ProbeDoCommand"(a, b, c); 0 when no plug-in is loaded or it lacks the entry. */
+KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c);
+
+/*
+ * Reads the digitiser's positions: asks "ProbeGetDigitizerPos"(0, NULL) for
+ * their number n and writes it to *count; when n is at least 1, allocates n
+ * positions, writes the array to *positions and has the plug-in fill it; its
+ * result, at most n, becomes *count and the result. The array belongs to the
+ * caller and is released only by LumaProbeFreeDigitizerPos; when nothing is
+ * returned in it (n < 1, or the plug-in then reports fewer than 1) *positions
+ * is set to NULL and nothing stays allocated. Returns -4 when no plug-in is
+ * loaded, 0 when it lacks the entry, -3 when the array cannot be allocated
+ * (more than 1048576 positions count as that; *count is then 0), -2 for a null pointer.
+ */
+KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions);
+
+/* Releases an array from LumaProbeGetDigitizerPos and sets *positions to NULL. Returns 1. */
+KERFLINE_API int32_t LumaProbeFreeDigitizerPos(DIGITIZERPOS** positions);
+
+/*
+ * Calls "ProbeFreeDigitizer" (when present) and unloads the plug-in.
+ * Returns the entry's result, 1 when it is missing, -4 when no plug-in is
+ * loaded.
+ */
+KERFLINE_API int32_t LumaProbeFreeDigitizer(void);
+
+/*
+ * "ProbeRead"(data). While the run's device has active jobs the call waits,
+ * checking every 500 ms and calling the host's pump hook in between; after
+ * such a wait it pumps for another 100 ms before reading. 0 when no plug-in
+ * is loaded or it lacks the entry.
+ */
+KERFLINE_API int32_t LumaProbeRead(void* data);
+
+/* "Process"(); 0 when no plug-in is loaded or it lacks the entry. */
+KERFLINE_API int32_t LumaProbeProcess(void);
+
+/*
+ * "HandleUI"(window, a, b, c); the window handle is passed on untouched. 0
+ * when no plug-in is loaded or it lacks the entry.
+ */
+KERFLINE_API int32_t LumaProbeHandleUI(void* window, int32_t a, int32_t b, int32_t c);
+
+/*
+ * Calls "ProbeExit" (when present) and unloads the plug-in. Returns 1; 0
+ * when no plug-in is loaded.
+ */
+KERFLINE_API int32_t LumaProbeExit(void);
 
 /* ======================================================================
  * Script engine bridge

@@ -37,4 +37,9 @@ static_assert(sizeof(PROBEDATA) == (kPtr == 4 ? 32 : 40));
 static_assert(offsetof(MESHPOINT, x) == 0);
 static_assert(offsetof(MESHPOINT, y) == 8);
 static_assert(sizeof(MESHPOINT) == 16);
+
+// Digitiser position: two doubles, as the scanner plug-in fills them.
+static_assert(offsetof(DIGITIZERPOS, x) == 0);
+static_assert(offsetof(DIGITIZERPOS, y) == 8);
+static_assert(sizeof(DIGITIZERPOS) == 16);
 }  // namespace

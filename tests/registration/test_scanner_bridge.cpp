@@ -1,0 +1,267 @@
+// The scanner bridge against fake "lumaprobe.dll" plug-ins copied into a
+// temporary suite directory.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "devconfig/registration_run.hpp"
+#include "devconfig/spool_paths.hpp"
+#include "fixtures/table_names.hpp"
+#include "fixtures/temp_dir.hpp"
+#include "kerfline/kerfline.h"
+#include "platform/dynlib.hpp"
+#include "platform/host_hooks.hpp"
+#include "platform/paths.hpp"
+#include "registration/scanner_bridge.hpp"
+
+namespace kerfline::registration {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempDir;
+
+enum class Plugin { none, full, some, zero, broken };
+
+// Installs the plug-in variant in the suite directory and opens it a second
+// time to read what the bridge made it do.
+class ScannerSuite {
+ public:
+  explicit ScannerSuite(Plugin plugin) {
+    platform::set_home_dir(dir_.str());
+    const char* variant = plugin == Plugin::full ? "full" : plugin == Plugin::some ? "some" : "zero";
+    if (plugin == Plugin::broken) {
+      dir_.write("lumaprobe.so", "not a shared library");
+    } else if (plugin != Plugin::none) {
+      const fs::path built =
+          fs::path(KERFLINE_TEST_LUMAPROBE_DIR) / (std::string("lumaprobe_") + variant) / "lumaprobe.so";
+      fs::copy_file(built, dir_.path() / "lumaprobe.so");
+      auto lib = platform::DynamicLibrary::open((dir_.path() / "lumaprobe.so").string());
+      EXPECT_TRUE(lib) << lib.error().message;
+      if (lib) probe_.emplace(std::move(lib.value()));
+    }
+  }
+  ~ScannerSuite() {
+    reset_scanner_bridge();
+    platform::set_home_dir("");
+  }
+  ScannerSuite(const ScannerSuite&) = delete;
+  ScannerSuite& operator=(const ScannerSuite&) = delete;
+
+  [[nodiscard]] std::string log() const {
+    return probe_ ? probe_->function<const char*()>("FakeProbeLog")() : "";
+  }
+  void reset(int positions, int filled) const {
+    if (probe_) probe_->function<void(int, int)>("FakeProbeReset")(positions, filled);
+  }
+  void set_active_jobs(const char* device, int count) const {
+    const std::string index = devconfig::index_file_of(devconfig::spool_dir(dir_.str(), device));
+    fs::create_directories(fs::path(index).parent_path());
+    dir_.write(fs::relative(index, dir_.path()).string(),
+               "[ActiveJobs]\nCount=" + std::to_string(count) + "\n");
+  }
+
+ private:
+  TempDir dir_;
+  std::optional<platform::DynamicLibrary> probe_;
+};
+
+std::int32_t g_record = 42;
+void* const kWindow = reinterpret_cast<void*>(0x1234);  // NOLINT
+
+struct BridgeRow {
+  Plugin plugin;
+  bool initialised;  // LumaProbeInit called first
+  std::function<std::int32_t()> call;
+  std::int32_t result;
+  const char* log;  // what the plug-in saw from the call
+};
+
+class ScannerBridge : public ::testing::TestWithParam<BridgeRow> {};
+
+TEST_P(ScannerBridge, ForwardsOrRefusesAsTheTableSays) {
+  const BridgeRow& row = GetParam();
+  const ScannerSuite suite(row.plugin);
+  if (row.initialised) LumaProbeInit(nullptr);
+  const int positions = row.plugin == Plugin::zero ? 0 : 3;
+  suite.reset(positions, positions);
+  EXPECT_EQ(row.call(), row.result);
+  EXPECT_EQ(suite.log(), row.log);
+}
+
+std::int32_t positions_call() {
+  std::int32_t count = -9;
+  DIGITIZERPOS* positions = nullptr;
+  const std::int32_t result = LumaProbeGetDigitizerPos(&count, &positions);
+  LumaProbeFreeDigitizerPos(&positions);
+  return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ScannerBridge,
+    ::testing::Values(
+        // Nothing loaded yet.
+        BridgeRow{Plugin::full, false, [] { return LumaProbeDoCommand(1, 2, 3); }, 0, ""},
+        BridgeRow{Plugin::full, false, positions_call, -4, ""},
+        BridgeRow{Plugin::full, false, [] { return LumaProbeFreeDigitizer(); }, -4, ""},
+        BridgeRow{Plugin::full, false, [] { return LumaProbeRead(&g_record); }, 0, ""},
+        BridgeRow{Plugin::full, false, [] { return LumaProbeProcess(); }, 0, ""},
+        BridgeRow{Plugin::full, false, [] { return LumaProbeHandleUI(kWindow, 1, 2, 3); }, 0, ""},
+        BridgeRow{Plugin::full, false, [] { return LumaProbeExit(); }, 0, ""},
+        // No plug-in, or one that cannot load.
+        BridgeRow{Plugin::none, false, [] { return LumaProbeInitDigitizer(5); }, -4, ""},
+        BridgeRow{Plugin::none, false, [] { return LumaProbeInit(&g_record); }, -4, ""},
+        BridgeRow{Plugin::broken, false, [] { return LumaProbeInit(&g_record); }, -4, ""},
+        BridgeRow{Plugin::broken, false, [] { return LumaProbeInitDigitizer(5); }, -4, ""},
+        // Every entry present.
+        BridgeRow{Plugin::full, false, [] { return LumaProbeInitDigitizer(5); }, 105,
+                  "ProbeInitDigitizer(5,0,0);"},
+        BridgeRow{Plugin::full, false, [] { return LumaProbeInit(&g_record); }, 7, "ProbeInit(42,0,0);"},
+        BridgeRow{Plugin::full, true, [] { return LumaProbeDoCommand(1, 20, 300); }, 321,
+                  "ProbeDoCommand(1,20,300);"},
+        BridgeRow{Plugin::full, true, [] { return LumaProbeRead(&g_record); }, 9, "ProbeRead(42,0,0);"},
+        BridgeRow{Plugin::full, true, [] { return LumaProbeProcess(); }, 11, "Process(0,0,0);"},
+        BridgeRow{Plugin::full, true, [] { return LumaProbeHandleUI(kWindow, 2, 3, 4); }, 24,
+                  "HandleUI(4660,2,3);"},
+        BridgeRow{Plugin::full, true, [] { return LumaProbeFreeDigitizer(); }, 5,
+                  "ProbeFreeDigitizer(0,0,0);"},
+        BridgeRow{Plugin::full, true, [] { return LumaProbeExit(); }, 1, "ProbeExit(0,0,0);"},
+        BridgeRow{Plugin::full, true, positions_call, 3,
+                  "ProbeGetDigitizerPos(0,0,0);ProbeGetDigitizerPos(3,1,0);"},
+        // Entries missing: the loaded plug-in lacks all but ProbeDoCommand and ProbeExit.
+        BridgeRow{Plugin::some, false, [] { return LumaProbeInitDigitizer(5); }, 1, ""},
+        BridgeRow{Plugin::some, false, [] { return LumaProbeInit(&g_record); }, 1, ""},
+        BridgeRow{Plugin::some, true, [] { return LumaProbeDoCommand(1, 1, 1); }, 3,
+                  "ProbeDoCommand(1,1,1);"},
+        BridgeRow{Plugin::some, true, positions_call, 0, ""},
+        BridgeRow{Plugin::some, true, [] { return LumaProbeFreeDigitizer(); }, 1, ""},
+        BridgeRow{Plugin::some, true, [] { return LumaProbeRead(&g_record); }, 0, ""},
+        BridgeRow{Plugin::some, true, [] { return LumaProbeProcess(); }, 0, ""},
+        BridgeRow{Plugin::some, true, [] { return LumaProbeHandleUI(kWindow, 1, 1, 1); }, 0, ""},
+        BridgeRow{Plugin::some, true, [] { return LumaProbeExit(); }, 1, "ProbeExit(0,0,0);"},
+        // No positions: nothing is allocated.
+        BridgeRow{Plugin::zero, true, positions_call, 0, "ProbeGetDigitizerPos(0,0,0);"}),
+    test::RowIndex{});
+
+// After unloading, every forwarding call finds no plug-in.
+struct UnloadRow {
+  std::function<std::int32_t()> call;
+  std::int32_t result;
+};
+
+class AfterUnload : public ::testing::TestWithParam<UnloadRow> {};
+
+TEST_P(AfterUnload, FindsNoPlugin) {
+  const ScannerSuite suite(Plugin::full);
+  ASSERT_EQ(LumaProbeInit(nullptr), 7);
+  ASSERT_EQ(LumaProbeProcess(), 11);  // caches the entry
+  ASSERT_EQ(GetParam().call(), GetParam().result);
+  EXPECT_EQ(LumaProbeProcess(), 0);
+  EXPECT_EQ(LumaProbeHandleUI(kWindow, 1, 1, 1), 0);
+  EXPECT_EQ(LumaProbeRead(nullptr), 0);
+  EXPECT_EQ(LumaProbeDoCommand(1, 1, 1), 0);
+  EXPECT_EQ(positions_call(), -4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, AfterUnload,
+                         ::testing::Values(UnloadRow{[] { return LumaProbeExit(); }, 1},
+                                           UnloadRow{[] { return LumaProbeFreeDigitizer(); }, 5}),
+                         test::RowIndex{});
+
+struct CountRow {
+  int reported;  // the plug-in's answer to "how many"
+  int filled;    // its answer when filling
+  int result;
+  int count;
+  bool array;
+};
+
+class ScannerPositionCounts : public ::testing::TestWithParam<CountRow> {};
+
+TEST_P(ScannerPositionCounts, NeverHandOutMoreThanWasAllocated) {
+  const CountRow& row = GetParam();
+  const ScannerSuite suite(Plugin::full);
+  ASSERT_EQ(LumaProbeInit(nullptr), 7);
+  suite.reset(row.reported, row.filled);
+  std::int32_t count = -9;
+  DIGITIZERPOS* positions = nullptr;
+  EXPECT_EQ(LumaProbeGetDigitizerPos(&count, &positions), row.result);
+  EXPECT_EQ(count, row.count);
+  ASSERT_EQ(positions != nullptr, row.array);
+  for (int i = 0; i < count; ++i) {
+    EXPECT_EQ(positions[i].x, i + 0.5);
+    EXPECT_EQ(positions[i].y, -i * 2.0);
+  }
+  EXPECT_EQ(LumaProbeFreeDigitizerPos(&positions), 1);
+  EXPECT_EQ(positions, nullptr);
+  EXPECT_EQ(LumaProbeGetDigitizerPos(nullptr, &positions), -2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, ScannerPositionCounts,
+                         ::testing::Values(CountRow{2, 2, 2, 2, true}, CountRow{2, 50, 2, 2, true},
+                                           CountRow{4, 1, 1, 1, true}, CountRow{2, 0, 0, 0, false},
+                                           CountRow{-3, 0, -3, -3, false}, CountRow{2, -1, -1, -1, false},
+                                           CountRow{0x7fffffff, 1, -3, 0, false}),
+                         test::RowIndex{});
+
+TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
+  const ScannerSuite suite(Plugin::full);
+  suite.set_active_jobs("Cut:1", 2);
+  devconfig::set_registration_run_device("Cut:1");
+  EXPECT_EQ(LumaProbeInit(&g_record), -4);
+  EXPECT_EQ(LumaProbeDoCommand(1, 1, 1), 0);  // nothing was loaded
+  EXPECT_EQ(suite.log(), "");
+  EXPECT_EQ(IsJobRunning("Other"), 2);  // the run's device is asked instead
+  suite.set_active_jobs("Cut:1", 0);
+  EXPECT_EQ(LumaProbeInit(&g_record), 7);
+  devconfig::set_registration_run_device(std::nullopt);
+}
+
+TEST(ScannerBusyDevice, WithoutARunTheArgumentIsAsked) {
+  const ScannerSuite suite(Plugin::none);
+  suite.set_active_jobs("Cut:1", 3);
+  EXPECT_EQ(IsJobRunning("Cut:1"), 3);
+  EXPECT_EQ(IsJobRunning("cut:1"), 3);  // spool names are upper-cased
+  EXPECT_EQ(IsJobRunning("Other"), 0);
+  EXPECT_EQ(IsJobRunning(nullptr), 0);
+}
+
+// The host's pump empties the spool; the read goes ahead after the next
+// check and a further 100 ms of pumping.
+struct DrainingHost {
+  const ScannerSuite* suite = nullptr;
+  int pumps = 0;
+  static void pump(void* ctx) {
+    auto* self = static_cast<DrainingHost*>(ctx);
+    if (++self->pumps == 1) self->suite->set_active_jobs("Cut:1", 0);
+  }
+};
+
+TEST(ScannerBusyDevice, ReadWaitsWithPumpingUntilTheSpoolIsEmpty) {
+  const ScannerSuite suite(Plugin::full);
+  ASSERT_EQ(LumaProbeInit(nullptr), 7);
+  suite.reset(3, 3);
+  suite.set_active_jobs("Cut:1", 1);
+  devconfig::set_registration_run_device("Cut:1");
+  DrainingHost host;
+  host.suite = &suite;
+  KERFLINE_HOST_HOOKS hooks{};
+  hooks.cbSize = sizeof hooks;
+  hooks.pContext = &host;
+  hooks.pfnPumpMessages = &DrainingHost::pump;
+  ASSERT_TRUE(platform::host::install(&hooks));
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(LumaProbeRead(&g_record), 9);
+  const auto waited = std::chrono::steady_clock::now() - start;
+  platform::host::install(nullptr);
+  devconfig::set_registration_run_device(std::nullopt);
+  EXPECT_GE(waited, std::chrono::milliseconds(600));
+  EXPECT_GE(host.pumps, 3);  // the first and the settling ones
+  EXPECT_EQ(suite.log(), "ProbeRead(42,0,0);");
+}
+
+}  // namespace
+}  // namespace kerfline::registration
