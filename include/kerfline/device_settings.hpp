@@ -220,6 +220,7 @@ class KERFLINE_API CCutterDeviceSettings : public CDriverDeviceSettings {
   /* USB device name; at run time the port layer puts the device path here. */
   const char* GetUSBDeviceName() const;
   void SetUSBDeviceName(const char* sz);
+  using CBaseDeviceSettings::GetPortType; /* the static (name, INI file) form */
   int32_t GetPortType() const;
   void SetPortType(int32_t n);
   int32_t GetServerPort() const;
@@ -311,6 +312,7 @@ class KERFLINE_API CHFDeviceSettings : public CBaseDeviceSettings {
   void SetLocaleHfFlag(int32_t n);
   int32_t GetStartAppFlag() const;
   void SetStartAppFlag(int32_t n);
+  using CBaseDeviceSettings::GetPortType; /* the static (name, INI file) form */
   int32_t GetPortType() const;
   void SetPortType(int32_t n);
 
@@ -370,6 +372,7 @@ class KERFLINE_API CLocaleDeviceSettings : public CBaseDeviceSettings {
   void ReadFromIni(const char* szIniFile) override;
   void WriteToIni(const char* szIniFile) override;
 
+  using CBaseDeviceSettings::GetPortType; /* the static (name, INI file) form */
   int32_t GetPortType() const;
   void SetPortType(int32_t n);
   const char* GetLastDir() const;

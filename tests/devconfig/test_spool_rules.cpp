@@ -136,6 +136,8 @@ TEST_F(SpoolFiles, TypeQueriesDefaultToCutterOnAPath) {
   EXPECT_EQ(CBaseDeviceSettings::GetPortType("R", ini.c_str()), 4);
   EXPECT_EQ(CBaseDeviceSettings::GetDeviceType("missing", ini.c_str()), 2);
   EXPECT_EQ(CBaseDeviceSettings::GetPortType("missing", ini.c_str()), 2);
+  // Subclasses with their own port type still offer the static form.
+  EXPECT_EQ(CCutterDeviceSettings::GetPortType("R", ini.c_str()), 4);
 }
 
 TEST(CopySettings, AppendsSuffixesKeepsTypeAndSkipsDriverFields) {
