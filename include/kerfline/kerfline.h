@@ -668,6 +668,10 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  *   - a conditional or arithmetic pass whose output would pass 64 MiB gives
  *     "0.0", as an unclosed block does;
  *   - an arithmetic block nests at most 200 levels (deeper: "0.00");
+ *   - one DoEval (imports and block operands included) may start 100000
+ *     evaluations and calls and produce 64 MiB in its template passes and
+ *     conditional blocks; past either its whole result is
+ *     "[internal recursion limit reached]";
  *   - the result of Join, Join3, Repl, AddNChar or IAR is cut at 16 MiB, and
  *     IAR draws at most 10000 lines.
  * The built-in functions and their output formats are listed in
@@ -711,9 +715,13 @@ KERFLINE_API int32_t EnableEval(void);
  * With a text: evaluates the template for output (conditional blocks,
  * function calls, then arithmetic blocks with no decimals). Returns a new
  * zero-terminated block that the caller releases with FreeEval, or NULL when
- * the result is empty, a script error occurred (the error text is then the
- * evaluator's last error), there is no evaluator yet (call InitEval first)
- * or memory ran out.
+ * the result is empty, an error arose outside the passes (the error text is
+ * then the evaluator's last error), there is no evaluator yet (call InitEval
+ * first) or memory ran out. A script error in a pass makes that pass's whole
+ * output its bracketed text ("[incorrect number of parameters: Operator Left
+ * expects 2 parameters]"), which is returned like any other result.
+ * Once escaped, every later wait and call of this DoEval returns at once;
+ * the escape flag is cleared when DoEval starts and ends.
  * With NULL (busy query, any thread): returns the pointer value 1 while a
  * device read of the evaluator waits or another DoEval runs, else NULL; this
  * value is not a block and must not be released.
