@@ -32,6 +32,7 @@ void BinaryPayload::read(driver::ArchiveReader& ar) {
   data2 = ar.read_long();
   text1 = ar.read_string();
   text2 = ar.read_string();
+  if (size > kMaxMessage) throw driver::ArchiveError("binary data of " + std::to_string(size) + " bytes");
   // One byte at a time: the reader would otherwise be asked for all of a
   // hostile size before a byte of it had arrived.
   bytes.clear();

@@ -24,6 +24,9 @@ struct CSocketDataObject::Payload {
 
 namespace kerfline::remote {
 
+// The longest message accepted from a server; a Binary size beyond it is
+// refused before a byte of the data is read.
+inline constexpr std::size_t kMaxMessage = std::size_t{16} << 20;
 // The most texts a received list may hold: each entry costs far more memory
 // than its one byte on the wire, so the count is bounded on its own.
 inline constexpr std::uint32_t kMaxListEntries = 65536;
