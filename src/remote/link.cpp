@@ -71,6 +71,11 @@ bool Link::connect(const std::string& host, std::uint16_t port, std::string* err
   return true;
 }
 
+void Link::attach(platform::ByteStream stream) {
+  release();
+  stream_ = std::move(stream);
+}
+
 bool Link::send(const CSocketDataObject& message) {
   if (!connected()) return false;
   driver::ArchiveWriter ar;

@@ -46,6 +46,9 @@ class Link {
   // when it fails.
   bool connect(const std::string& host, std::uint16_t port, std::string* error);
 
+  // Takes over a connection made elsewhere (the server side of a link).
+  void attach(platform::ByteStream stream);
+
   // Writes the whole message; false (and the connection released) when the
   // server does not take it in time or has gone.
   bool send(const CSocketDataObject& message);
