@@ -71,7 +71,9 @@ std::string ArchiveReader::read_string() {
   const std::uint32_t length = read_length_prefix(utf16);
   if (!utf16) return std::string(take(length));
   if (length > remaining() / 2) {
-    if (length > SIZE_MAX / 2) throw ArchiveError("UTF-16 string longer than the file");
+    if constexpr (sizeof(std::size_t) <= sizeof(std::uint32_t)) {
+      if (length > SIZE_MAX / 2) throw ArchiveError("UTF-16 string longer than the file");
+    }
     require(std::size_t{length} * 2, "UTF-16 string longer than the file");
   }
   const std::string_view raw = take(std::size_t{length} * 2);
