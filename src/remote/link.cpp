@@ -77,9 +77,13 @@ void Link::attach(platform::ByteStream stream) {
 }
 
 bool Link::send(const CSocketDataObject& message) {
+  return send(std::vector<const CSocketDataObject*>{&message});
+}
+
+bool Link::send(const std::vector<const CSocketDataObject*>& messages) {
   if (!connected()) return false;
   driver::ArchiveWriter ar;
-  CSocketDataObjectWire::write(message, ar);
+  for (const CSocketDataObject* m : messages) CSocketDataObjectWire::write(*m, ar);
   const std::string& bytes = ar.bytes();
   auto written = stream_.write(bytes.data(), bytes.size(), kDefaultSendTimeout);
   if (!written || *written != bytes.size()) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "kerfline/remote_messages.hpp"
 #include "platform/byte_stream.hpp"
@@ -52,6 +53,8 @@ class Link {
   // Writes the whole message; false (and the connection released) when the
   // server does not take it in time or has gone.
   bool send(const CSocketDataObject& message);
+  // Writes several messages with one write, so that they arrive together.
+  bool send(const std::vector<const CSocketDataObject*>& messages);
 
   // Waits for one whole message.
   std::unique_ptr<CSocketDataObject> receive(ReceiveStatus* status);

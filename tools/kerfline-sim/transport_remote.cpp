@@ -2,6 +2,7 @@
 // of the remote link: a disconnect request (State 1, job 0) with a State
 // message before it closes, everything else with an echo, and it writes a
 // line per message received to stderr (or --log FILE).
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -27,7 +28,7 @@ const char* const kRemoteUsage =
     "  --log FILE      write a line per received message to FILE instead of stderr\n"
     "  --once          exit after the first client has gone\n"
     "  --no-ack        answer a disconnect with an Int message instead of a State\n"
-    "  --unasked N     send N unasked Msg messages before every answer\n";
+    "  --unasked N     send N unasked Msg messages with every answer, after it\n";
 
 struct RemoteOptions {
   std::string bind = "127.0.0.1";
@@ -88,19 +89,19 @@ void serve_client(const RemoteOptions& options, platform::ByteStream connection,
     }
     if (!message) break;
     log << "received " << remote::message_json(*message) << std::endl;
-    for (int i = 0; i < options.unasked; ++i) {
-      CSocketDataObjectMsg news;
-      news.SetMsg(("unasked " + std::to_string(i + 1)).c_str());
-      link.send(news);
-    }
     const auto* state = dynamic_cast<const CSocketDataObjectState*>(message.get());
     const bool disconnect = state != nullptr && state->GetState() == 1 && state->GetJobNr() == 0;
-    if (disconnect && options.no_ack) {
-      CSocketDataObjectInt refusal;
-      link.send(refusal);
-    } else {
-      link.send(*message);
+    CSocketDataObjectInt refusal;
+    std::vector<const CSocketDataObject*> out{disconnect && options.no_ack ? &refusal : message.get()};
+    // Unasked news goes out with the answer, so it is there before the
+    // client's next request.
+    std::vector<CSocketDataObjectMsg> news(
+        disconnect ? 0 : static_cast<std::size_t>(std::max(options.unasked, 0)));
+    for (std::size_t i = 0; i < news.size(); ++i) {
+      news[i].SetMsg(("unasked " + std::to_string(i + 1)).c_str());
+      out.push_back(&news[i]);
     }
+    link.send(out);
     if (disconnect) break;
   }
   link.release();
