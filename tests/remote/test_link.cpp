@@ -24,58 +24,6 @@ std::string raw(std::initializer_list<int> list) {
   return out;
 }
 
-std::vector<std::unique_ptr<CSocketDataObject>> one_of_each() {
-  std::vector<std::unique_ptr<CSocketDataObject>> out;
-  auto state = std::make_unique<CSocketDataObjectState>();
-  state->SetState(4);
-  state->SetJobNr(77);
-  out.push_back(std::move(state));
-  auto msg = std::make_unique<CSocketDataObjectMsg>();
-  msg->SetMsg(std::string(300, 'z').c_str());
-  out.push_back(std::move(msg));
-  auto binary = std::make_unique<CSocketDataObjectBinary>();
-  const std::string data(10000, '\x5A');
-  SOCKBINDATA d{10000, 1, 2, const_cast<char*>(data.data()), const_cast<char*>("a"), const_cast<char*>("b")};
-  binary->SetData(&d);
-  out.push_back(std::move(binary));
-  auto list = std::make_unique<CSocketDataObjectStringList>();
-  list->AddTail("one");
-  list->AddTail("");
-  out.push_back(std::move(list));
-  auto query = std::make_unique<CSocketDataObjectQuery>();
-  query->SetQueryNr(2);
-  query->SetQueryParm("Plotter 1");
-  out.push_back(std::move(query));
-  auto number = std::make_unique<CSocketDataObjectInt>();
-  number->SetData(-5);
-  out.push_back(std::move(number));
-  return out;
-}
-
-TEST(RemoteLink, EveryMessageTypeCrossesTheSocketByteExactly) {
-  const auto messages = one_of_each();
-  std::string expected;
-  for (const auto& m : messages) expected += wire(*m);
-  // The server echoes what it got, split into awkward pieces.
-  LoopbackServer server([&](platform::ByteStream& s) {
-    const std::string got = read_exactly(s, expected.size());
-    EXPECT_EQ(got, expected);
-    for (std::size_t at = 0; at < got.size(); at += 777) write_all(s, got.substr(at, 777));
-  });
-  Link link;
-  ASSERT_TRUE(link.connect("127.0.0.1", server.port(), nullptr));
-  for (const auto& m : messages) ASSERT_TRUE(link.send(*m));
-  for (const auto& m : messages) {
-    ReceiveStatus status{};
-    const auto back = link.receive(&status);
-    ASSERT_EQ(status, ReceiveStatus::Message);
-    ASSERT_NE(back, nullptr);
-    EXPECT_EQ(back->GetType(), m->GetType());
-    EXPECT_EQ(wire(*back), wire(*m));
-  }
-  EXPECT_EQ(link.buffered(), 0u);
-}
-
 struct HostileRow {
   std::string sent;
   bool close_after;
@@ -205,24 +153,6 @@ TEST(RemoteLink, DiscardPendingDropsWholeUnaskedMessagesOnly) {
   ASSERT_NE(m, nullptr);
   EXPECT_EQ(wire(*m), wire(reply));
   link.release();
-}
-
-TEST(RemoteLink, ConnectToANonListeningPortFailsWithText) {
-  std::uint16_t port = 0;
-  {
-    auto listener = platform::TcpListener::listen("127.0.0.1", 0);
-    ASSERT_TRUE(listener);
-    port = listener->port();
-  }
-  Link link;
-  std::string error;
-  EXPECT_FALSE(link.connect("127.0.0.1", port, &error));
-  EXPECT_FALSE(error.empty());
-  EXPECT_FALSE(link.connected());
-  EXPECT_FALSE(link.send(CSocketDataObjectInt()));
-  ReceiveStatus status{};
-  EXPECT_EQ(link.receive(&status), nullptr);
-  EXPECT_EQ(status, ReceiveStatus::NotConnected);
 }
 
 }  // namespace

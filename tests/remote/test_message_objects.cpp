@@ -89,22 +89,4 @@ TEST(MessageObjects, AssignmentAcrossClassesChangesNothing) {
   EXPECT_EQ(bare_copy.GetType(), CSocketDataObject::eSocketDataInt);
 }
 
-TEST(MessageObjects, EachClassReportsItsWireType) {
-  const struct {
-    CSocketDataObject* object;
-    CSocketDataObject::ESocketDataType type;
-  } rows[] = {
-      {new CSocketDataObjectState, CSocketDataObject::eSocketDataState},
-      {new CSocketDataObjectMsg, CSocketDataObject::eSocketDataMsg},
-      {new CSocketDataObjectBinary, CSocketDataObject::eSocketDataBinary},
-      {new CSocketDataObjectStringList, CSocketDataObject::eSocketDataStringList},
-      {new CSocketDataObjectQuery, CSocketDataObject::eSocketDataQuery},
-      {new CSocketDataObjectInt, CSocketDataObject::eSocketDataInt},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.object->GetType(), row.type);
-    delete row.object;
-  }
-}
-
 }  // namespace

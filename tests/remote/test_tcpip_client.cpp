@@ -152,49 +152,6 @@ INSTANTIATE_TEST_SUITE_P(
                       DisconnectRow{"", true, 0}),
     test::RowIndex());
 
-TEST(TcpIpClient, UnaskedMessagesAreDroppedBeforeTheNextSend) {
-  CSocketDataObjectMsg unasked;
-  unasked.SetMsg("job 12 done");
-  CSocketDataObjectQuery question;
-  question.SetQueryNr(3);
-  question.SetJobNr(12);
-  CSocketDataObjectInt answer;
-  answer.SetData(42);
-  std::promise<void> pushed;
-  std::future<void> pushed_future = pushed.get_future();
-  LoopbackServer server([&](platform::ByteStream& s) {
-    write_all(s, wire(unasked) + wire(unasked));
-    pushed.set_value();
-    EXPECT_EQ(read_exactly(s, wire(question).size()), wire(question));
-    write_all(s, wire(answer));
-    (void)read_exactly(s, 1);
-  });
-  Client c;
-  ASSERT_EQ(c.Connect("127.0.0.1", offset_of(server.port())), 1);
-  pushed_future.wait();
-  ASSERT_EQ(c.SendMsg(&question), 1);
-  const std::unique_ptr<CSocketDataObject> reply(c.ReceiveMsg());
-  ASSERT_NE(reply, nullptr);
-  EXPECT_EQ(wire(*reply), wire(answer));
-  c.FreeSocketMem();
-}
-
-TEST(TcpIpClient, ReceiveGivesUpAfterTheTimeOutAndKeepsTheConnection) {
-  std::promise<void> finished;
-  LoopbackServer server([done = finished.get_future().share()](platform::ByteStream& s) {
-    write_all(s, std::string("\x02\0\0\0\x05", 5) + "ab");
-    done.wait();
-  });
-  Client c;
-  c.SetReceiveTimeout(100);
-  EXPECT_EQ(c.GetReceiveTimeout(), 100);
-  ASSERT_EQ(c.Connect("127.0.0.1", offset_of(server.port())), 1);
-  EXPECT_EQ(c.ReceiveMsg(), nullptr);
-  EXPECT_EQ(c.SendMsg(std::make_unique<CSocketDataObjectInt>().get()), 1);
-  finished.set_value();
-  c.FreeSocketMem();
-}
-
 TEST(TcpIpClient, PortsOutsideTheTcpRangeAreRefused) {
   test::HostRecorder host;
   Client c;
