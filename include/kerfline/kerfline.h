@@ -594,6 +594,195 @@ KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* ma
    name. */
 KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name);
 
+/*
+ * Dialog variables for a host's settings dialog (see docs/dialog-variables.md).
+ *
+ * The calls below that take a VMV6DLGVAR find the variable by the rules of
+ * GetDlgVar (kinds 2, 3, 5, 6, with var->pOwner a DRVTOOL or DRVMATERIAL
+ * record) and also by kind 1, the driver's own tree, where a driver keeps
+ * the dialog variables of its settings dialog. Only szName, pDrv, nKind and
+ * pOwner are read; the value fields are left alone. Results: 1 done; 0
+ * nothing of that sort (said per call); -2 null record, no driver, empty or
+ * unterminated name, null result record, kinds 5 and 6 without owner;
+ * -3 out of memory; -5 not found, kind not supported, or an owner record
+ * that was released or belongs to another driver.
+ */
+
+/* Extended parameter flags (DLGVAREXT.nFlags); other bits are carried as stored. */
+#define KERFLINE_DLGVAR_LIMITS 0x1u   /* dMin and dMax bound the value (CheckMatVarVal) */
+#define KERFLINE_DLGVAR_RELATIVE 0x2u /* the value is relative to the material's (IsRelativeFlag) */
+
+/* What is wrong with a dialog variable (nState fields). */
+#define KERFLINE_DLGSTATE_BAD_FORMAT 0x1u /* stray "%" or two conversions: format not used */
+#define KERFLINE_DLGSTATE_BAD_RANGE 0x2u  /* min > max, bound not finite, step < 0 or not finite */
+#define KERFLINE_DLGSTATE_CUT 0x4u        /* a text was cut to fit its field */
+#define KERFLINE_DLGSTATE_PLAIN 0x8u      /* the item is a plain variable, not a dialog variable */
+
+/* A dialog variable's extended parameters, as stored. */
+typedef struct DLGVAREXT {
+  uint32_t nFlags;
+  uint32_t nState; /* 0 or KERFLINE_DLGSTATE_BAD_RANGE */
+  double dMax;
+  double dMin;
+  double dIncrements;
+} DLGVAREXT;
+
+/*
+ * Fills *ext with the variable's extended parameters. 1 present and sound;
+ * 0 the variable has none (the record is zeroed); -2 also when they are
+ * broken: the record then holds them as stored with nState
+ * KERFLINE_DLGSTATE_BAD_RANGE, so a host can show them but must not build a
+ * range from them.
+ */
+KERFLINE_API int32_t GetDlgVarExtParms(VMV6DLGVAR* var, DLGVAREXT* ext);
+
+/* One dialog variable as a settings dialog shows it; fixed fields, nothing to release. */
+typedef struct DLGVARDATA {
+  char szCaption[128]; /* dialog text (its description when the dialog text is empty), translated under 0x4 */
+  char szFormat[64];   /* dialog format, translated under 0x4 */
+  char szValue[256];   /* current value (links followed) */
+  char szShown[256];   /* the value put through the format; the value itself when the format is broken */
+  int32_t nType;       /* item type: 0 Double, 1 Integer, 2 Bool, 3 Date, 4 String */
+  uint32_t nState;     /* KERFLINE_DLGSTATE_* bits */
+  int32_t nConditionCount;
+  int32_t nHasExt; /* 1 when the variable has extended parameters */
+} DLGVARDATA;
+
+/* Fills *data (texts cut to their fields, always terminated, with
+   KERFLINE_DLGSTATE_CUT set). 1; codes as above. */
+KERFLINE_API int32_t GetDlgVarData(VMV6DLGVAR* var, DLGVARDATA* data);
+
+/* GetDlgVarData with the extended parameters and the default. */
+typedef struct EXTDLGVARDATA {
+  DLGVARDATA data;
+  DLGVAREXT ext;       /* zero when data.nHasExt is 0 */
+  char szDefault[256]; /* as GetDlgDefaultEx; "" when there is none */
+  int32_t nHasDefault;
+  int32_t nReserved;
+} EXTDLGVARDATA;
+
+/* Fills *data. 1; codes as above (broken extended parameters are reported in
+   nState, not by the result). */
+KERFLINE_API int32_t GetExtDlgVarData(VMV6DLGVAR* var, EXTDLGVARDATA* data);
+
+/* Where a default comes from (DLGVARDEFAULT.nSource). */
+#define KERFLINE_DEFAULT_STANDARD 1 /* the standard texts, by the item's text number */
+#define KERFLINE_DEFAULT_BASE 2     /* the value of the same-named item of the base driver */
+
+/* A variable's default: library texts released by FreeDlgDefaultEx. */
+typedef struct DLGVARDEFAULT {
+  char* pszDefault; /* the default text */
+  char* pszShown;   /* the default put through the dialog format */
+  int32_t nSource;  /* KERFLINE_DEFAULT_* */
+  int32_t nDiffers; /* 1 when the current value differs from the default */
+} DLGVARDEFAULT;
+
+/* Fills *def with the default of the variable: the standard default of its
+   text number, else the base driver's value. 1 found; 0 the variable has no
+   default (record zeroed, nothing to release). Call FreeDlgDefaultEx after
+   a success. */
+KERFLINE_API int32_t GetDlgDefaultEx(VMV6DLGVAR* var, DLGVARDEFAULT* def);
+
+/* Releases both texts and zeroes the record; a second call finds nothing to
+   release. 1; -2 for a null record. */
+KERFLINE_API int32_t FreeDlgDefaultEx(DLGVARDEFAULT* def);
+
+/* 1 when the dialog variable carries KERFLINE_DLGVAR_RELATIVE, 0 when not or
+   when it has no extended parameters; -2/-5 as above. */
+KERFLINE_API int32_t IsRelativeFlag(VMV6DLGVAR* var);
+
+/* One entry of a dialog-variable list. Texts and the condition array are
+   library memory released by FreeDlgVars. */
+typedef struct DLGVARENTRY {
+  char szName[64];
+  DLGVAREXT ext; /* zero when nHasExt is 0 */
+  char* pszCaption;
+  char* pszFormat;
+  char* pszValue;
+  char* pszGroup; /* the group holding the variable */
+  char** ppszConditions;
+  int32_t nConditionCount;
+  int32_t nType;
+  uint32_t nState;
+  int32_t nHasExt;
+} DLGVARENTRY;
+
+typedef struct DLGVARLIST {
+  int32_t nCount;
+  int32_t nReserved;
+  DLGVARENTRY* pEntries;
+} DLGVARLIST;
+
+/*
+ * Lists the dialog variables of a place: kind 1 every dialog variable of the
+ * driver's tree in tree order; 2 those of the owner's own variable list; 5
+ * of its "Layervariablen"; 6 of its "Werkzeugparameter". A repeated name and
+ * a name longer than 63 characters are left out. 1 listed (nCount may be
+ * 0); -2 no driver or null list, kinds 2, 5 and 6 without owner; -3 out of
+ * memory; -5 owner or sub-list not found, or another kind. The list is
+ * written only on success; call FreeDlgVars after it.
+ */
+KERFLINE_API int32_t GetDlgVars(VMV6DRV* drv, int32_t kind, void* owner, DLGVARLIST* list);
+
+/* Releases every text and array of the list and zeroes it, so a second call
+   releases nothing. 1; -2 for a null list. */
+KERFLINE_API int32_t FreeDlgVars(DLGVARLIST* list);
+
+/*
+ * Copies the value text of the variable found as GetVar finds it (variant
+ * name first) into buffer. *length (when not null) receives the text's
+ * length. 1 copied; 0 the buffer (size bytes) is too small: it then holds ""
+ * when size > 0; -2/-5 as GetVar, and -2 for a null buffer with size > 0 or a
+ * negative size.
+ */
+KERFLINE_API int32_t GetVarVal(VMV6VAR* var, char* buffer, int32_t size, int32_t* length);
+
+/* One value a dialog offers. */
+typedef struct VARVAL {
+  double dValue;
+  char szText[56]; /* the value put through the dialog format */
+} VARVAL;
+
+#define KERFLINE_VARVALS_MAX 10000 /* longer ranges are not offered as a list */
+
+/*
+ * The values a dialog offers for the variable: 0 and 1 for a Bool variable;
+ * dMin, dMin + dIncrements, ... up to dMax for a variable with sound
+ * extended parameters and a positive step. *values receives one block of
+ * *count entries (never null on success, even for 0 entries), released with
+ * FreeVarVals. 1 listed; 0 nothing to offer (no step, or more than
+ * KERFLINE_VARVALS_MAX values: an empty block); -2 as above and for broken
+ * extended parameters (nothing allocated); -3, -5 as above.
+ */
+KERFLINE_API int32_t GetVarVals(VMV6DLGVAR* var, VARVAL** values, int32_t* count);
+
+/* Releases a block from GetVarVals; null is accepted. The same body as
+   FreeCutDeviceList: the block goes back to the library's allocator
+   (platform::library_free). */
+KERFLINE_API void FreeVarVals(void* values);
+
+/* As SetVideoVar and SetJoyStickVar, but an item that exists keeps its
+   value. 1 added; 0 present (left as it is); -2 as those calls. */
+KERFLINE_API int32_t SetVideoVarNoOverride(VMV6DRV* drv, const char* name, const char* value);
+KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name, const char* value);
+
+/* Why CheckMatVarVal refused a value. */
+#define KERFLINE_CHECK_TYPE 1   /* not a number, integer or date as the item's type asks */
+#define KERFLINE_CHECK_RANGE 2  /* outside dMin..dMax of a dialog variable with KERFLINE_DLGVAR_LIMITS */
+#define KERFLINE_CHECK_LENGTH 3 /* longer than the standard variable's limit allows */
+
+/*
+ * Checks value for the variable found as GetVar finds it (usually kind 2 or
+ * 3 with a material record as owner) without storing it: the item's type
+ * (Integer: a whole number without ".,;eE"; Double: a number; Bool: 0 or 1;
+ * Date: "d.m.y"), the range of a dialog variable with
+ * KERFLINE_DLGVAR_LIMITS and sound extended parameters, and the length
+ * limit of a standard material variable (shorter than its limit). Nothing is
+ * shown. 1 acceptable; 0 refused, with *reason (when not null) set to a
+ * KERFLINE_CHECK_* code; -2 as GetVar or a null value; -5 not found.
+ */
+KERFLINE_API int32_t CheckMatVarVal(VMV6VAR* var, const char* value, int32_t* reason);
+
 /* ======================================================================
  * Cut data
  * ====================================================================== */

@@ -10,6 +10,7 @@
 #include "frame/driver_handle.hpp"
 #include "frame/driver_tree.hpp"
 #include "frame/shown_text.hpp"
+#include "frame/variable_lookup.hpp"
 #include "frame/variable_values.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/library_memory.hpp"
@@ -25,7 +26,7 @@ using driver::CDrvItem;
 using driver::CDrvItemList;
 using driver::CVm6Drv;
 
-enum class Api { Get, Dialog, Set };
+enum class Api { Get, Dialog, DialogData, Set };
 
 constexpr std::int32_t kNotFound = -5;
 constexpr std::int32_t kBadArgument = -2;
@@ -68,9 +69,10 @@ struct Found {
 bool kind_allowed(Api api, std::int32_t kind) {
   switch (kind) {
     case KERFLINE_VARKIND_DRIVER:
+      return api != Api::Dialog;
     case KERFLINE_VARKIND_JOYSTICK:
     case KERFLINE_VARKIND_VIDEO:
-      return api != Api::Dialog;
+      return api != Api::Dialog && api != Api::DialogData;
     case KERFLINE_VARKIND_OWNER:
     case KERFLINE_VARKIND_OWNER_INT:
       return true;
@@ -246,6 +248,30 @@ CDrvItemList* walked_group(CVm6Drv& doc, const void* owner, const std::string& g
   return group_named(doc, group);
 }
 
+// Where the last step of a walk on this thread stopped, so that the next step
+// need not search its place from the start of the group. Weak references
+// notice a group or item that went away; anything that does not match is a
+// miss and the step searches as before.
+struct WalkCursor {
+  std::weak_ptr<const CDrvItem> list;
+  std::weak_ptr<const CDrvItem> item;
+  std::size_t index = 0;
+  std::size_t size = 0;
+  std::unordered_set<std::string> seen;  // names taken or skipped up to index
+};
+
+thread_local WalkCursor walk_cursor;
+
+bool cursor_matches(const CDrvItemList& list, const std::string& current) {
+  const WalkCursor& c = walk_cursor;
+  const auto cached_list = c.list.lock();
+  const auto cached_item = c.item.lock();
+  const auto& children = list.GetChildren();
+  return cached_list.get() == &list && cached_item != nullptr && c.size == children.size() &&
+         c.index < children.size() && children[c.index].get() == cached_item.get() &&
+         cached_item->Name == current;
+}
+
 std::int32_t walk(VMV6VAR* var, const char* group, bool first) {
   if (var == nullptr || group == nullptr) return kBadArgument;
   CVm6Drv* doc = document_of(var->pDrv);
@@ -258,16 +284,32 @@ std::int32_t walk(VMV6VAR* var, const char* group, bool first) {
   }
   CDrvItemList* list = walked_group(*doc, var->pOwner, group);
   if (list == nullptr) return kNotFound;
-  std::unordered_set<std::string> seen;
-  bool take = first;
-  for (const auto& child : list->GetChildren()) {
+  const auto& children = list->GetChildren();
+  WalkCursor& cursor = walk_cursor;
+  std::size_t start = 0;
+  if (first || !cursor_matches(*list, *current)) {
+    cursor.seen.clear();
+    bool take = first;
+    // Find the place: the first plain item named as the record says.
+    for (; !take && start < children.size(); ++start) {
+      const CDrvItem& child = *children[start];
+      if (dynamic_cast<const CDrvItemList*>(&child) != nullptr) continue;
+      if (child.Name.size() >= sizeof var->szName || !cursor.seen.insert(child.Name).second) continue;
+      take = child.Name == *current;
+    }
+    if (!take) return 0;
+  } else {
+    start = cursor.index + 1;
+  }
+  for (std::size_t i = start; i < children.size(); ++i) {
+    const auto& child = children[i];
     if (dynamic_cast<const CDrvItemList*>(child.get()) != nullptr) continue;
     const std::string& name = child->Name;
-    if (name.size() >= sizeof var->szName || !seen.insert(name).second) continue;
-    if (!take) {
-      take = name == *current;
-      continue;
-    }
+    if (name.size() >= sizeof var->szName || !cursor.seen.insert(name).second) continue;
+    cursor.list = list->weak_from_this();
+    cursor.item = child;
+    cursor.index = i;
+    cursor.size = children.size();
     std::memcpy(var->szName, name.c_str(), name.size() + 1);
     const std::int32_t result = read_value(*child, {var->nValueType, var->uValue}, var->pOwner != nullptr);
     if (result > 0 && dynamic_cast<const driver::CDrvItemDlgVar*>(child.get()) != nullptr) {
@@ -275,6 +317,7 @@ std::int32_t walk(VMV6VAR* var, const char* group, bool first) {
     }
     return result;
   }
+  cursor = WalkCursor{};
   return 0;
 }
 
@@ -305,6 +348,13 @@ std::int32_t set_setting(VMV6DRV* drv, const char* list_name, const char* name, 
   return set_item_text(*item, value) ? 1 : 0;
 }
 
+std::int32_t set_setting_once(VMV6DRV* drv, const char* list_name, const char* name, const char* value) {
+  CVm6Drv* doc = document_of(drv);
+  if (doc == nullptr || name == nullptr || *name == '\0' || value == nullptr) return kBadArgument;
+  if (plain_child(group_named(*doc, list_name), name) != nullptr) return 0;
+  return set_setting(drv, list_name, name, value);
+}
+
 // Exports catch everything: a host sees only result codes.
 template <typename F>
 std::int32_t guarded(F&& f) {
@@ -318,6 +368,26 @@ std::int32_t guarded(F&& f) {
 }
 
 }  // namespace
+
+Lookup find_variable(const VMV6VAR* var) {
+  std::string name;
+  CVm6Drv* doc = checked(var, name);
+  if (doc == nullptr) return {nullptr, nullptr, kBadArgument};
+  Found found;
+  if (has_variant(*doc, name))
+    found = lookup(*doc, variant_name(*doc, name), var->nKind, var->pOwner, Api::Get);
+  if (found.item == nullptr) found = lookup(*doc, name, var->nKind, var->pOwner, Api::Get);
+  return {doc, found.item, found.item != nullptr ? 1 : found.status};
+}
+
+Lookup find_dialog_variable(const VMV6DLGVAR* var) {
+  std::string name;
+  CVm6Drv* doc = checked(var, name);
+  if (doc == nullptr) return {nullptr, nullptr, kBadArgument};
+  const Found found = lookup(*doc, name, var->nKind, var->pOwner, Api::DialogData);
+  return {doc, found.item, found.item != nullptr ? 1 : found.status};
+}
+
 }  // namespace kerfline::frame
 
 using kerfline::frame::guarded;
@@ -381,6 +451,16 @@ KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* val
 KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value) {
   return guarded(
       [&] { return kerfline::frame::set_setting(drv, kerfline::frame::kJoystickList, name, value); });
+}
+
+KERFLINE_API int32_t SetVideoVarNoOverride(VMV6DRV* drv, const char* name, const char* value) {
+  return guarded(
+      [&] { return kerfline::frame::set_setting_once(drv, kerfline::frame::kVideoList, name, value); });
+}
+
+KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name, const char* value) {
+  return guarded(
+      [&] { return kerfline::frame::set_setting_once(drv, kerfline::frame::kJoystickList, name, value); });
 }
 
 }  // extern "C"

@@ -19,7 +19,8 @@ class TcpListener {
  public:
   // Listens on address ("127.0.0.1", "::1", "localhost", a host name) and
   // port; port 0 lets the system pick one (see port()). The first address
-  // the resolver gives that can be bound is used.
+  // the resolver gives that can be bound is used. An empty address is every
+  // local address: only for servers meant to be reached from elsewhere.
   static Result<TcpListener> listen(const std::string& address, std::uint16_t port, int backlog = 8);
 
   TcpListener(TcpListener&&) noexcept;

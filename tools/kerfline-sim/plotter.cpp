@@ -54,6 +54,10 @@ double Plotter::force(int pen) const { return pen >= 0 && pen <= kMaxPen ? force
 
 void Plotter::feed(std::string_view bytes, std::vector<std::string>& answers) {
   for (char c : bytes) {
+    if (held_.empty() && c != kFlushSequence.front()) {
+      take(c, answers);
+      continue;
+    }
     held_.push_back(c);
     while (!held_.empty()) {
       if (kFlushSequence.starts_with(held_)) {

@@ -25,14 +25,21 @@ int serve_fifo(Simulator& sim) {
   }
   const std::string answer_path = (dir / kHostInPipe).string();
   const std::string request_path = (dir / kHostOutPipe).string();
-  std::cout << dir.string() << std::endl;
-  // Refusing opens: the pipes are not there yet, so a host's opens fail.
-  if (!pause_unless_stopped(kRefusalMs * sim.options.refuse)) return 0;
-  for (const auto& path : {answer_path, request_path}) {
-    if (auto r = platform::make_fifo(path); !r) {
-      std::cerr << "kerfline-sim: " << r.error().message << "\n";
-      return 1;
+  auto make_pipes = [&] {
+    for (const auto& path : {answer_path, request_path}) {
+      if (auto r = platform::make_fifo(path); !r) {
+        std::cerr << "kerfline-sim: " << r.error().message << "\n";
+        return false;
+      }
     }
+    return true;
+  };
+  // Refusing opens: the pipes are not there yet, so a host's opens fail.
+  if (sim.options.refuse == 0 && !make_pipes()) return 1;
+  std::cout << dir.string() << std::endl;
+  if (sim.options.refuse > 0) {
+    if (!pause_unless_stopped(kRefusalMs * sim.options.refuse)) return 0;
+    if (!make_pipes()) return 1;
   }
   int code = 0;
   for (;;) {

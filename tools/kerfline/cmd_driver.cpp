@@ -118,6 +118,7 @@ void register_driver(CLI::App& app, CommandList& commands) {
   commands.add(dump, [options] { return run_dump(*options); });
 
   register_driver_api(*driver, commands);
+  register_driver_dialog(*driver, commands);
 }
 
 }  // namespace kerfline::cli

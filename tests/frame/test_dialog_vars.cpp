@@ -1,0 +1,526 @@
+// The dialog-variable exports on documents built in memory: lookups, texts,
+// ranges, defaults, value lists, checks, and records a host got wrong.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "driver_files.hpp"
+#include "fixtures/table_names.hpp"
+#include "frame/dialog_format.hpp"
+#include "frame_fixture.hpp"
+#include "kerfline/kerfline.h"
+#include "sample_driver.hpp"
+
+using kerfline::test::SampleDriver;
+namespace drv = kerfline::driver;
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+struct ExtSpec {
+  std::uint32_t flags;
+  double min, max, inc;
+};
+
+std::shared_ptr<drv::CDrvItemDlgVar> dlg(const std::string& name, const std::string& value,
+                                         std::uint32_t type, const std::string& format,
+                                         const ExtSpec* ext = nullptr) {
+  auto d = kerfline::test::dialog_var(name, value, type, "Caption of " + name);
+  d->DlgFormat = format;
+  if (ext != nullptr) {
+    d->Ext = std::make_unique<drv::CDrvItemDlgVar::ExtParms>();
+    d->Ext->Flags = ext->flags;
+    d->Ext->Min = ext->min;
+    d->Ext->Max = ext->max;
+    d->Ext->Increments = ext->inc;
+  }
+  return d;
+}
+
+// The sample driver plus a settings page of dialog variables in its tree.
+struct DialogDriver : SampleDriver {
+  DialogDriver() {
+    const ExtSpec pressure{KERFLINE_DLGVAR_LIMITS, 10, 400, 5};
+    const ExtSpec offset{KERFLINE_DLGVAR_LIMITS | KERFLINE_DLGVAR_RELATIVE, 0, 1.5, 0.05};
+    const ExtSpec inverted{KERFLINE_DLGVAR_LIMITS, 5, 1, 1};
+    const ExtSpec negative_step{0, 0, 10, -1};
+    const ExtSpec no_bound{0, kNaN, 10, 1};
+    const ExtSpec fine{0, 0, 1e9, 1};
+    const ExtSpec no_step{0, 0, 10, 0};
+    auto page = kerfline::test::group("Settings");
+    page->AddChild(dlg("%Pressure%", "80", drv::type_code::kInteger, "%d g", &pressure));
+    auto off = dlg("%Offset%", "0.25", drv::type_code::kDouble, "%.2f mm", &offset);
+    off->Conditions = {"%Optimize% == 1", "%Pressure% > 20"};
+    page->AddChild(off);
+    page->AddChild(dlg("%Optimize%", "1", drv::type_code::kBool, "%d"));
+    page->AddChild(dlg("%Inverted%", "3", drv::type_code::kInteger, "%d", &inverted));
+    page->AddChild(dlg("%NegStep%", "3", drv::type_code::kInteger, "%d", &negative_step));
+    page->AddChild(dlg("%NoBound%", "3", drv::type_code::kDouble, "%g", &no_bound));
+    page->AddChild(dlg("%Fine%", "3", drv::type_code::kInteger, "%d", &fine));
+    page->AddChild(dlg("%NoStep%", "3", drv::type_code::kInteger, "%d", &no_step));
+    page->AddChild(dlg("%Stray%", "7.5", drv::type_code::kDouble, "100% %.1f"));
+    page->AddChild(dlg("%Two%", "7.5", drv::type_code::kDouble, "%d of %d"));
+    auto init = dlg("%Init%", "IN;", drv::type_code::kString, "%s");
+    init->DictId = 9184;  // the standard %PlotInit%, default "IN;PA;"
+    page->AddChild(init);
+    page->AddChild(dlg("%Pressure%", "999", drv::type_code::kInteger, "%d"));  // repeated: first wins
+    auto nested = kerfline::test::group("Advanced");
+    nested->AddChild(dlg("%Deep%", "1", drv::type_code::kString, ""));
+    page->AddChild(nested);
+    doc.Root().AddChild(page);
+    doc.RefreshGroupList();
+  }
+};
+
+// ---- format texts -----------------------------------------------------------
+
+struct FormatRow {
+  const char* format;
+  double number;
+  const char* text;
+  const char* shown;  // nullptr: the format is broken
+};
+
+class DialogFormats : public ::testing::TestWithParam<FormatRow> {};
+
+TEST_P(DialogFormats, ApplyOrRefuse) {
+  const FormatRow& row = GetParam();
+  const auto parsed = kerfline::frame::parse_dialog_format(row.format);
+  if (row.shown == nullptr) {
+    EXPECT_FALSE(parsed.has_value()) << row.format;
+    return;
+  }
+  ASSERT_TRUE(parsed.has_value()) << row.format;
+  EXPECT_EQ(kerfline::frame::apply_dialog_format(*parsed, row.number, row.text), row.shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, DialogFormats,
+    ::testing::Values(FormatRow{"%d", 12.9, "12.9", "12"}, FormatRow{"%d", -12.9, "", "-12"},
+                      FormatRow{"%05d", -42, "", "-0042"}, FormatRow{"%+d", 7, "", "+7"},
+                      FormatRow{"%-4d|", 7, "", "7   |"}, FormatRow{"%4d", 7, "", "   7"},
+                      FormatRow{"%.3d", 7, "", "007"}, FormatRow{"%.2f mm", 0.25, "", "0.25 mm"},
+                      FormatRow{"%.0f", 2.5, "", "2"}, FormatRow{"%f", 1.5, "", "1.500000"},
+                      FormatRow{"%.1e", 1234, "", "1.2e+03"}, FormatRow{"%E", 0.5, "", "5.000000E-01"},
+                      FormatRow{"%g", 0.0001, "", "0.0001"}, FormatRow{"%G", 1e-10, "", "1E-10"},
+                      FormatRow{"%s!", 0, "abc", "abc!"}, FormatRow{"%.2s", 0, "abc", "ab"},
+                      FormatRow{"100%% at %d", 3, "", "100% at 3"}, FormatRow{"mm", 3, "3", "mm3"},
+                      FormatRow{"", 3, "3", "3"}, FormatRow{"% d", 3, "", " 3"},
+                      FormatRow{"%08.3f", -1.5, "", "-001.500"}, FormatRow{"%f", 1e300 * 1e10, "", "inf"},
+                      FormatRow{"%", 0, "", nullptr}, FormatRow{"100%", 0, "", nullptr},
+                      FormatRow{"% of", 0, "", nullptr}, FormatRow{"%d %d", 0, "", nullptr},
+                      FormatRow{"%x", 0, "", nullptr}, FormatRow{"%123d", 0, "", nullptr},
+                      FormatRow{"%.100f", 0, "", nullptr}, FormatRow{"%n", 0, "", nullptr},
+                      FormatRow{"%5", 0, "", nullptr}),
+    kerfline::test::RowIndex());
+
+// ---- one variable -----------------------------------------------------------
+
+struct DataRow {
+  const char* name;
+  std::int32_t kind;
+  bool tool_owner;
+  std::int32_t result;
+  const char* caption;
+  const char* shown;
+  std::uint32_t state;
+  std::int32_t ext_result;  // GetDlgVarExtParms
+  std::int32_t relative;    // IsRelativeFlag
+};
+
+class DialogData : public ::testing::TestWithParam<DataRow> {};
+
+TEST_P(DialogData, DataExtParmsAndRelativeFlag) {
+  const DataRow& row = GetParam();
+  DialogDriver d;
+  DRVTOOL tool{};
+  ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
+  VMV6DLGVAR var = d.dialog_request(row.name, row.kind, 0, row.tool_owner ? &tool : nullptr);
+  DLGVARDATA data;
+  std::memset(&data, 0x5A, sizeof data);
+  EXPECT_EQ(GetDlgVarData(&var, &data), row.result);
+  DLGVAREXT ext{};
+  EXPECT_EQ(GetDlgVarExtParms(&var, &ext), row.ext_result);
+  EXPECT_EQ(IsRelativeFlag(&var), row.relative);
+  if (row.result == 1) {
+    EXPECT_STREQ(data.szCaption, row.caption);
+    EXPECT_STREQ(data.szShown, row.shown);
+    EXPECT_EQ(data.nState, row.state);
+    EXPECT_EQ(ext.nState, row.ext_result == -2 ? KERFLINE_DLGSTATE_BAD_RANGE : 0u);
+  }
+  EXPECT_EQ(var.uValue.pszText, nullptr);  // the value fields are left alone
+  FreeTool(&tool);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, DialogData,
+    ::testing::Values(
+        DataRow{"%Pressure%", 1, false, 1, "Caption of %Pressure%", "80 g", 0, 1, 0},
+        DataRow{"%Offset%", 1, false, 1, "Caption of %Offset%", "0.25 mm", 0, 1, 1},
+        DataRow{"%Optimize%", 1, false, 1, "Caption of %Optimize%", "1", 0, 0, 0},
+        DataRow{"%Inverted%", 1, false, 1, "Caption of %Inverted%", "3", KERFLINE_DLGSTATE_BAD_RANGE, -2, 0},
+        DataRow{"%NegStep%", 1, false, 1, "Caption of %NegStep%", "3", KERFLINE_DLGSTATE_BAD_RANGE, -2, 0},
+        DataRow{"%NoBound%", 1, false, 1, "Caption of %NoBound%", "3", KERFLINE_DLGSTATE_BAD_RANGE, -2, 0},
+        DataRow{"%Stray%", 1, false, 1, "Caption of %Stray%", "7.5", KERFLINE_DLGSTATE_BAD_FORMAT, 0, 0},
+        DataRow{"%Two%", 1, false, 1, "Caption of %Two%", "7.5", KERFLINE_DLGSTATE_BAD_FORMAT, 0, 0},
+        DataRow{"%Deep%", 1, false, 1, "Caption of %Deep%", "1", 0, 0, 0},
+        DataRow{"%Speed%", 1, false, 1, "about %Speed%", "speed", KERFLINE_DLGSTATE_PLAIN, 0, 0},
+        DataRow{"%Dlg%", 2, true, 1, "Cut depth", "3.25", 0, 0, 0},
+        DataRow{"%Layer%", 5, true, 1, "about %Layer%", "layer", KERFLINE_DLGSTATE_PLAIN, 0, 0},
+        DataRow{"%Dlg%", 2, false, -5, "", "", 0, -5, -5},
+        DataRow{"%Layer%", 5, false, -2, "", "", 0, -2, -2},
+        DataRow{"%Cam%", 8, false, -5, "", "", 0, -5, -5},
+        DataRow{"%Missing%", 1, false, -5, "", "", 0, -5, -5}, DataRow{"", 1, false, -2, "", "", 0, -2, -2}),
+    kerfline::test::RowIndex());
+
+TEST(DialogData, ExtendedDataCarriesRangeDefaultAndCounts) {
+  DialogDriver d;
+  VMV6DLGVAR var = d.dialog_request("%Offset%", 1, 0, nullptr);
+  EXTDLGVARDATA data{};
+  ASSERT_EQ(GetExtDlgVarData(&var, &data), 1);
+  EXPECT_EQ(data.data.nConditionCount, 2);
+  EXPECT_EQ(data.data.nHasExt, 1);
+  EXPECT_EQ(data.data.nType, 0);
+  EXPECT_DOUBLE_EQ(data.ext.dMax, 1.5);
+  EXPECT_DOUBLE_EQ(data.ext.dIncrements, 0.05);
+  EXPECT_EQ(data.nHasDefault, 0);
+
+  var = d.dialog_request("%Init%", 1, 0, nullptr);
+  ASSERT_EQ(GetExtDlgVarData(&var, &data), 1);
+  EXPECT_EQ(data.nHasDefault, 1);
+  EXPECT_STREQ(data.szDefault, "IN;PA;");
+
+  // A value longer than its field is cut, terminated and flagged.
+  d.doc.FindItem("%Deep%")->Value = std::string(300, 'x');
+  var = d.dialog_request("%Deep%", 1, 0, nullptr);
+  ASSERT_EQ(GetExtDlgVarData(&var, &data), 1);
+  EXPECT_EQ(std::strlen(data.data.szValue), sizeof data.data.szValue - 1);
+  EXPECT_NE(data.data.nState & KERFLINE_DLGSTATE_CUT, 0u);
+  EXPECT_EQ(GetExtDlgVarData(&var, nullptr), -2);
+  EXPECT_EQ(GetDlgVarData(nullptr, &data.data), -2);
+}
+
+TEST(DialogDefault, StandardTextNumberAndNone) {
+  DialogDriver d;
+  VMV6DLGVAR var = d.dialog_request("%Init%", 1, 0, nullptr);
+  DLGVARDEFAULT def{};
+  ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
+  EXPECT_STREQ(def.pszDefault, "IN;PA;");
+  EXPECT_STREQ(def.pszShown, "IN;PA;");
+  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_STANDARD);
+  EXPECT_EQ(def.nDiffers, 1);
+  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
+  EXPECT_EQ(def.pszDefault, nullptr);
+  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);  // freed twice: nothing left to release
+  EXPECT_EQ(FreeDlgDefaultEx(nullptr), -2);
+
+  var = d.dialog_request("%Pressure%", 1, 0, nullptr);
+  std::memset(&def, 0x5A, sizeof def);
+  EXPECT_EQ(GetDlgDefaultEx(&var, &def), 0);
+  EXPECT_EQ(def.pszDefault, nullptr);
+  EXPECT_EQ(GetDlgDefaultEx(&var, nullptr), -2);
+}
+
+class DialogDefaultFiles : public kerfline::test::FrameTest {};
+
+TEST_F(DialogDefaultFiles, TheBaseDriversValue) {
+  using kerfline::test::named;
+  kerfline::test::write_driver(suite, "base.vmd", [](drv::CVm6Drv& doc) {
+    doc.Root().AddChild(dlg("%Knife%", "0.3", drv::type_code::kDouble, "%.2f mm"));
+  });
+  const std::string path = kerfline::test::write_driver(suite, "derived.vmd", [](drv::CVm6Drv& doc) {
+    doc.BaseDriverFlag = 1;
+    doc.Root().AddChild(named("%BaseDrv%", "base.vmd"));
+    doc.Root().AddChild(dlg("%Knife%", "0.5", drv::type_code::kDouble, "%.2f mm"));
+  });
+  VMV6DRV handle = kerfline::test::record_for(path);
+  ASSERT_EQ(InitDrv(&handle), 1);
+  VMV6DLGVAR var{};
+  std::strcpy(var.szName, "%Knife%");
+  var.pDrv = &handle;
+  var.nKind = KERFLINE_VARKIND_DRIVER;
+  DLGVARDEFAULT def{};
+  ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
+  EXPECT_STREQ(def.pszDefault, "0.3");
+  EXPECT_STREQ(def.pszShown, "0.30 mm");
+  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_BASE);
+  EXPECT_EQ(def.nDiffers, 1);
+  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
+  EXPECT_EQ(FreeDrv(&handle), 1);
+}
+
+// ---- value lists --------------------------------------------------------------
+
+struct ValsRow {
+  const char* name;
+  std::int32_t result;
+  std::int32_t count;
+  const char* first;
+  const char* last;
+};
+
+class VarVals : public ::testing::TestWithParam<ValsRow> {};
+
+TEST_P(VarVals, OfferTheStepsOfTheRange) {
+  const ValsRow& row = GetParam();
+  DialogDriver d;
+  VMV6DLGVAR var = d.dialog_request(row.name, 1, 0, nullptr);
+  VARVAL* values = nullptr;
+  std::int32_t count = -1;
+  EXPECT_EQ(GetVarVals(&var, &values, &count), row.result);
+  if (row.result < 0) {
+    EXPECT_EQ(values, nullptr);
+    return;
+  }
+  ASSERT_NE(values, nullptr);  // even an empty list is a block
+  ASSERT_EQ(count, row.count);
+  if (count > 0) {
+    EXPECT_STREQ(values[0].szText, row.first);
+    EXPECT_STREQ(values[count - 1].szText, row.last);
+  }
+  FreeVarVals(values);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, VarVals,
+    ::testing::Values(ValsRow{"%Pressure%", 1, 79, "10 g", "400 g"},
+                      ValsRow{"%Offset%", 1, 31, "0.00 mm", "1.50 mm"}, ValsRow{"%Optimize%", 1, 2, "0", "1"},
+                      ValsRow{"%Fine%", 0, 0, "", ""}, ValsRow{"%NoStep%", 0, 0, "", ""},
+                      ValsRow{"%Deep%", 0, 0, "", ""}, ValsRow{"%Inverted%", -2, 0, "", ""},
+                      ValsRow{"%NegStep%", -2, 0, "", ""}, ValsRow{"%Missing%", -5, 0, "", ""}),
+    kerfline::test::RowIndex());
+
+TEST(VarVals, NullArgumentsAndFreeingNull) {
+  DialogDriver d;
+  VMV6DLGVAR var = d.dialog_request("%Pressure%", 1, 0, nullptr);
+  std::int32_t count = 0;
+  VARVAL* values = nullptr;
+  EXPECT_EQ(GetVarVals(&var, nullptr, &count), -2);
+  EXPECT_EQ(GetVarVals(&var, &values, nullptr), -2);
+  EXPECT_EQ(GetVarVals(nullptr, &values, &count), -2);
+  FreeVarVals(nullptr);
+}
+
+// ---- lists ----------------------------------------------------------------------
+
+TEST(DialogList, TreeOrderFirstNameWinsAndConditions) {
+  DialogDriver d;
+  DLGVARLIST list{};
+  ASSERT_EQ(GetDlgVars(&d.handle, KERFLINE_VARKIND_DRIVER, nullptr, &list), 1);
+  std::vector<std::string> names;
+  for (std::int32_t i = 0; i < list.nCount; ++i) names.emplace_back(list.pEntries[i].szName);
+  // Tool dialog variables come first (the tools group precedes the page).
+  const std::vector<std::string> expected = {
+      "%Dlg%",     "%IDlgInt%", "%Pressure%", "%Offset%", "%Optimize%", "%Inverted%", "%NegStep%",
+      "%NoBound%", "%Fine%",    "%NoStep%",   "%Stray%",  "%Two%",      "%Init%",     "%Deep%"};
+  EXPECT_EQ(names, expected);
+  const DLGVARENTRY& pressure = list.pEntries[2];
+  EXPECT_STREQ(pressure.pszValue, "80");
+  EXPECT_STREQ(pressure.pszGroup, "Settings");
+  const DLGVARENTRY& offset = list.pEntries[3];
+  ASSERT_EQ(offset.nConditionCount, 2);
+  EXPECT_STREQ(offset.ppszConditions[1], "%Pressure% > 20");
+  EXPECT_EQ(offset.ext.nFlags, KERFLINE_DLGVAR_LIMITS | KERFLINE_DLGVAR_RELATIVE);
+  EXPECT_STREQ(list.pEntries[13].pszGroup, "Advanced");
+  EXPECT_EQ(list.pEntries[10].nState, KERFLINE_DLGSTATE_BAD_FORMAT);
+  EXPECT_EQ(FreeDlgVars(&list), 1);
+  EXPECT_EQ(list.pEntries, nullptr);
+  EXPECT_EQ(FreeDlgVars(&list), 1);  // freed twice: nothing left to release
+  EXPECT_EQ(FreeDlgVars(nullptr), -2);
+}
+
+TEST(DialogList, OwnerPlacesAndRecordsFromElsewhere) {
+  DialogDriver d;
+  SampleDriver other;
+  DRVTOOL tool{}, foreign{}, freed{};
+  ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
+  ASSERT_EQ(GetFirstTool(&other.handle, &foreign), 1);
+  ASSERT_EQ(GetFirstTool(&d.handle, &freed), 1);
+  ASSERT_EQ(FreeTool(&freed), 1);
+  struct {
+    std::int32_t kind;
+    void* owner;
+    std::int32_t result;
+    std::int32_t count;
+  } const rows[] = {
+      {KERFLINE_VARKIND_OWNER, &tool, 1, 2},     {KERFLINE_VARKIND_LAYER, &tool, 1, 0},
+      {KERFLINE_VARKIND_TOOLPARM, &tool, 1, 0},  {KERFLINE_VARKIND_OWNER, nullptr, -2, 0},
+      {KERFLINE_VARKIND_OWNER, &foreign, -5, 0}, {KERFLINE_VARKIND_OWNER, &freed, -5, 0},
+      {KERFLINE_VARKIND_VIDEO, nullptr, -5, 0},  {KERFLINE_VARKIND_OWNER_INT, &tool, -5, 0},
+  };
+  for (const auto& row : rows) {
+    DLGVARLIST list{};
+    EXPECT_EQ(GetDlgVars(&d.handle, row.kind, row.owner, &list), row.result) << row.kind;
+    EXPECT_EQ(list.nCount, row.count) << row.kind;
+    FreeDlgVars(&list);
+  }
+  DLGVARLIST list{};
+  EXPECT_EQ(GetDlgVars(nullptr, 1, nullptr, &list), -2);
+  EXPECT_EQ(GetDlgVars(&d.handle, 1, nullptr, nullptr), -2);
+  // The same records in the single-variable calls.
+  VMV6DLGVAR var = d.dialog_request("%Dlg%", KERFLINE_VARKIND_OWNER, 0, &foreign);
+  DLGVARDATA data{};
+  EXPECT_EQ(GetDlgVarData(&var, &data), -5);
+  var.pOwner = &freed;
+  EXPECT_EQ(GetDlgVarData(&var, &data), -5);
+  FreeTool(&tool);
+  FreeTool(&foreign);
+}
+
+// ---- values by name ---------------------------------------------------------------
+
+TEST(GetVarVal, CopiesWhenTheBufferHoldsIt) {
+  SampleDriver d;
+  d.doc.Variant = "3";
+  struct {
+    const char* name;
+    std::int32_t size;
+    std::int32_t result;
+    std::int32_t length;
+    const char* text;
+  } const rows[] = {
+      {"%Speed%", 7, 1, 6, "speed3"},  // the variant name first
+      {"%Speed%", 6, 0, 6, ""},        // one byte short of the terminator
+      {"%A.1%", 3, 1, 2, "a1"},
+      {"%Missing%", 10, -5, -1, "unchanged"},
+      {"%Speed%", -1, -2, -1, "unchanged"},
+  };
+  for (const auto& row : rows) {
+    VMV6VAR var = d.request(row.name, KERFLINE_VARKIND_DRIVER);
+    char buffer[16] = "unchanged";
+    std::int32_t length = -1;
+    EXPECT_EQ(GetVarVal(&var, buffer, row.size, &length), row.result) << row.name;
+    EXPECT_EQ(length, row.length) << row.name;
+    EXPECT_STREQ(buffer, row.text) << row.name;
+  }
+  VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER);
+  EXPECT_EQ(GetVarVal(&var, nullptr, 4, nullptr), -2);
+  EXPECT_EQ(GetVarVal(&var, nullptr, 0, nullptr), 0);
+}
+
+// ---- checks -------------------------------------------------------------------------
+
+struct CheckRow {
+  const char* name;
+  const char* value;
+  std::int32_t result;
+  std::int32_t reason;
+};
+
+class CheckValues : public ::testing::TestWithParam<CheckRow> {};
+
+TEST_P(CheckValues, TypeRangeAndLength) {
+  const CheckRow& row = GetParam();
+  DialogDriver d;
+  auto& vinyl = *d.doc.FindItem("Vinyl");
+  auto* material = dynamic_cast<drv::CDrvItemList*>(&vinyl);
+  ASSERT_NE(material, nullptr);
+  material->AddChild(kerfline::test::item("%IMatDescription%", "", drv::type_code::kString));
+  material->AddChild(kerfline::test::item("%Made%", "1.1.2020", drv::type_code::kDate));
+  const ExtSpec speed{KERFLINE_DLGVAR_LIMITS, 1, 80, 1};
+  material->AddChild(dlg("%MatSpeed%", "40", drv::type_code::kInteger, "%d", &speed));
+  DRVMATERIAL m{};
+  ASSERT_EQ(GetFirstMaterial(&d.handle, &m), 1);
+  VMV6VAR var = d.request(row.name, KERFLINE_VARKIND_OWNER, KERFLINE_VT_TEXT, &m);
+  std::int32_t reason = -1;
+  EXPECT_EQ(CheckMatVarVal(&var, row.value, &reason), row.result);
+  if (row.result >= 0) {
+    EXPECT_EQ(reason, row.reason);
+  }
+  FreeMaterial(&m);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, CheckValues,
+    ::testing::Values(CheckRow{"%IMatSpeed%", " 12.5 ", 1, 0}, CheckRow{"%IMatSpeed%", "12,5", 0, 1},
+                      CheckRow{"%IMatSpeed%", "inf", 0, 1}, CheckRow{"%IMatSpeed%", "", 0, 1},
+                      CheckRow{"%MatSpeed%", "80", 1, 0}, CheckRow{"%MatSpeed%", "81", 0, 2},
+                      CheckRow{"%MatSpeed%", "-3", 0, 2}, CheckRow{"%MatSpeed%", "4.0", 0, 1},
+                      CheckRow{"%MatSpeed%", "1e2", 0, 1}, CheckRow{"%Made%", "31.12.2009", 1, 0},
+                      CheckRow{"%Made%", "32.1.2009", 0, 1}, CheckRow{"%Made%", "1.2", 0, 1},
+                      CheckRow{"%IMatDescription%", "any text", 1, 0}, CheckRow{"%Missing%", "1", -5, -1},
+                      CheckRow{"%IMatSpeed%", nullptr, -2, -1}),
+    kerfline::test::RowIndex());
+
+// ---- device-setting lists -------------------------------------------------------------
+
+TEST(DeviceSettings, NoOverrideKeepsWhatIsThere) {
+  SampleDriver d;
+  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%Cam%", "off"), 0);
+  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%Zoom%", "3"), 1);
+  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%Zoom%", "4"), 0);
+  EXPECT_EQ(SetJoyStickVarNoOverride(&d.handle, "%Step%", "9"), 0);
+  EXPECT_EQ(SetJoyStickVarNoOverride(&d.handle, "%Fast%", "9"), 1);
+  EXPECT_EQ(SetJoyStickVarNoOverride(nullptr, "%Fast%", "9"), -2);
+  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "", "9"), -2);
+  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%X%", nullptr), -2);
+  const struct {
+    std::int32_t kind;
+    const char* name;
+    const char* value;
+  } rows[] = {{KERFLINE_VARKIND_VIDEO, "%Cam%", "cam"},
+              {KERFLINE_VARKIND_VIDEO, "%Zoom%", "3"},
+              {KERFLINE_VARKIND_JOYSTICK, "%Step%", "step"},
+              {KERFLINE_VARKIND_JOYSTICK, "%Fast%", "9"}};
+  for (const auto& row : rows) {
+    VMV6VAR var = d.request(row.name, row.kind);
+    ASSERT_EQ(GetVar(&var), 1) << row.name;
+    EXPECT_STREQ(var.uValue.pszText, row.value);
+    FreeVar(&var);
+  }
+}
+
+// ---- translation ------------------------------------------------------------------------
+
+class DialogTranslation : public kerfline::test::FrameTest {};
+
+TEST_F(DialogTranslation, CaptionsFollowFlag4) {
+  suite.write("lang/GER/kerflineGER.TRA",
+              kerfline::test::po_entry("Caption of !-Percent-!Pressure!-Percent-!", "Druck"));
+  ASSERT_GT(InitKerflineDll2(), 0);
+  DialogDriver d;
+  for (const auto& [mask, caption] : {std::pair<uint32_t, const char*>{0x4, "Druck"},
+                                      {0x3, "Caption of %Pressure%"},
+                                      {0, "Caption of %Pressure%"}}) {
+    SetTranslationFlag(mask);
+    VMV6DLGVAR var = d.dialog_request("%Pressure%", 1, 0, nullptr);
+    DLGVARDATA data{};
+    ASSERT_EQ(GetDlgVarData(&var, &data), 1);
+    EXPECT_STREQ(data.szCaption, caption) << mask;
+    DLGVARLIST list{};
+    ASSERT_EQ(GetDlgVars(&d.handle, 1, nullptr, &list), 1);
+    EXPECT_STREQ(list.pEntries[2].pszCaption, caption) << mask;
+    FreeDlgVars(&list);
+  }
+}
+
+// ---- walks ----------------------------------------------------------------------------------
+
+TEST(Walk, AChangedGroupIsFoundAgainByName) {
+  SampleDriver d;
+  VMV6VAR var = d.request("", 0);
+  ASSERT_EQ(GetFirstVar(&var, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(var.szName, "%CI_A%");
+  // An item put in front between two steps: the walk still continues after %CI_A%.
+  auto* special = dynamic_cast<drv::CDrvItemList*>(d.doc.FindItem("Sonderbefehle:"));
+  ASSERT_NE(special, nullptr);
+  special->AddChild(kerfline::test::item("%CI_C%", "(C)"));
+  ASSERT_EQ(GetNextVar(&var, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(var.szName, "%CI_B%");
+  // Two interleaved walks over the same group each keep their place.
+  VMV6VAR other = d.request("", 0);
+  ASSERT_EQ(GetFirstVar(&other, "Sonderbefehle:"), 1);
+  ASSERT_EQ(GetNextVar(&var, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(var.szName, "%CI_C%");
+  ASSERT_EQ(GetNextVar(&other, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(other.szName, "%CI_B%");
+  EXPECT_EQ(GetNextVar(&var, "Sonderbefehle:"), 0);
+  FreeVar(&other);
+}
+
+}  // namespace
