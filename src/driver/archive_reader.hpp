@@ -77,8 +77,9 @@ class ArchiveReader {
 
  private:
   std::string_view take(std::size_t n);
-  // Makes n bytes available after the position, or throws.
-  void require(std::size_t n, const char* what);
+  // Whether n bytes are available after the position, asking the source
+  // for more when there is one.
+  bool available(std::size_t n);
   std::string read_string_body(std::uint32_t length);
   std::uint32_t read_length_prefix(bool& utf16);
   ObjectTag class_reference(std::uint32_t index, std::span<const ArchiveClass> known);
