@@ -55,6 +55,7 @@ class CClientDeviceSettings;
 class CCutterDeviceSettings;
 class CRemoteDeviceSettings;
 class CTcpIpClientDeviceSettings;
+class CSocketDataObject;
 
 class KERFLINE_API CBaseDeviceSettings {
  public:
@@ -290,9 +291,47 @@ class KERFLINE_API CTcpIpClientDeviceSettings : public CClientDeviceSettings {
   const char* GetTCPIPHostName() const;
   void SetTCPIPHostName(const char* sz);
 
+  /* The link to the remote plot manager (messages: remote_messages.hpp).
+     Every call blocks the caller's thread; none lets an exception out. */
+
+  /* Connects to szHost (a name, an IPv4 or an IPv6 address) at TCP port
+     nPort + 7867: nPort is the "IP_PORT" offset, not the port. While the
+     attempt fails, asks through the host's message box (Yes/No, text 1604,
+     caption text 1200 + ":"): Yes tries again, No gives up. Returns 1 when
+     connected (also when already connected), 0 when the user gave up or
+     the port is outside 1..65535. Each attempt waits at most 5 s. */
+  int32_t Connect(const char* szHost, int32_t nPort);
+  /* Sends State 1 with job 0, waits for one answer and releases the
+     connection. Returns 1 when the answer was a State message, else 0. */
+  int32_t DisConnect();
+  /* Discards unasked messages that have arrived (ProcessPendingRead), then
+     writes pMsg whole. Returns 1 when sent; 0 when not connected, pMsg is
+     null, or the server did not take it within 30 s (the connection is
+     released then). */
+  int32_t SendMsg(const CSocketDataObject* pMsg);
+  /* Waits for one whole message, at most the receive time-out, and returns
+     it as a new object of its class (the caller deletes it). Null when not
+     connected, on a type other than 1 to 6 (its 4 bytes are read, the rest
+     stays in the stream), when the time-out passed (what arrived is kept
+     and completed by the next call), or when the server closed or sent a
+     message beyond the bounds (more than 16 MiB, more than 65536 texts in
+     a list); those last release the connection. */
+  CSocketDataObject* ReceiveMsg();
+  /* The receive time-out in milliseconds (default 30000; at least 1). */
+  void SetReceiveTimeout(int32_t nMilliseconds);
+  int32_t GetReceiveTimeout() const;
+
   struct Data;
 
  protected:
+  /* Reads what the server has sent without waiting and deletes every whole
+     message in it; a partial message stays. No window message reports
+     arriving bytes here, so SendMsg runs this before each message it sends:
+     anything that arrived since the last answer was not asked for. */
+  void ProcessPendingRead();
+  /* Closes the connection and releases what was buffered. */
+  void FreeSocketMem();
+
   Data* m_pTcpIp;
 };
 

@@ -1,6 +1,7 @@
 #include "driver/archive_reader.hpp"
 
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -8,8 +9,15 @@
 
 namespace kerfline::driver {
 
+bool ArchiveReader::available(std::size_t n) {
+  if (n <= remaining()) return true;
+  if (source_ == nullptr || n > SIZE_MAX - pos_) return false;
+  bytes_ = source_->extend(pos_ + n);
+  return n <= remaining();
+}
+
 std::string_view ArchiveReader::take(std::size_t n) {
-  if (n > remaining()) throw ArchiveError("unexpected end of file at offset " + std::to_string(pos_));
+  if (!available(n)) throw ArchiveError("unexpected end of file at offset " + std::to_string(pos_));
   const std::string_view out = bytes_.substr(pos_, n);
   pos_ += n;
   return out;
@@ -60,7 +68,12 @@ std::string ArchiveReader::read_string() {
   bool utf16 = false;
   const std::uint32_t length = read_length_prefix(utf16);
   if (!utf16) return std::string(take(length));
-  if (length > remaining() / 2) throw ArchiveError("UTF-16 string longer than the file");
+  if (length > remaining() / 2) {
+    if constexpr (sizeof(std::size_t) <= sizeof(std::uint32_t)) {
+      if (length > SIZE_MAX / 2) throw ArchiveError("UTF-16 string longer than the file");
+    }
+    if (!available(std::size_t{length} * 2)) throw ArchiveError("UTF-16 string longer than the file");
+  }
   const std::string_view raw = take(std::size_t{length} * 2);
   std::u16string units(length, u'\0');
   for (std::size_t i = 0; i < length; ++i) {
@@ -74,7 +87,9 @@ std::uint32_t ArchiveReader::read_count(std::size_t min_element_size) {
   std::uint32_t count = read_word();
   if (count == 0xFFFF) count = read_dword();
   if (min_element_size > 0 && count > remaining() / min_element_size) {
-    throw ArchiveError("element count " + std::to_string(count) + " exceeds the file");
+    if (count > SIZE_MAX / min_element_size || !available(count * min_element_size)) {
+      throw ArchiveError("element count " + std::to_string(count) + " exceeds the file");
+    }
   }
   return count;
 }

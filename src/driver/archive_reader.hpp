@@ -17,9 +17,22 @@ namespace kerfline::driver {
 
 class TextDefinitions;
 
+// Where a reader over a stream (a socket) gets bytes that have not arrived
+// yet. extend returns the whole buffer, the bytes already seen first, holding
+// at least `total` bytes; it throws ArchiveError when it cannot (time-out,
+// closed stream, a total beyond its bound). It must not allocate for bytes
+// that have not arrived.
+class ArchiveSource {
+ public:
+  virtual ~ArchiveSource() = default;
+  virtual std::string_view extend(std::size_t total) = 0;
+};
+
 class ArchiveReader {
  public:
   explicit ArchiveReader(std::string_view bytes) : bytes_(bytes) {}
+  // A reader that asks `source` for more whenever `bytes` runs short.
+  ArchiveReader(std::string_view bytes, ArchiveSource& source) : bytes_(bytes), source_(&source) {}
 
   std::uint8_t read_byte();
   std::uint16_t read_word();
@@ -64,6 +77,9 @@ class ArchiveReader {
 
  private:
   std::string_view take(std::size_t n);
+  // Whether n bytes are available after the position, asking the source
+  // for more when there is one.
+  bool available(std::size_t n);
   std::string read_string_body(std::uint32_t length);
   std::uint32_t read_length_prefix(bool& utf16);
   ObjectTag class_reference(std::uint32_t index, std::span<const ArchiveClass> known);
@@ -77,6 +93,7 @@ class ArchiveReader {
   };
 
   std::string_view bytes_;
+  ArchiveSource* source_ = nullptr;
   std::size_t pos_ = 0;
   std::vector<Entry> map_{Entry{}};  // index 0: the null reference
   struct Open {

@@ -6,11 +6,16 @@
 
 #include "options.hpp"
 #include "platform/stop_signal.hpp"
+#include "remote_server.hpp"
 #include "transports.hpp"
 
 int main(int argc, char** argv) {
   using namespace kerfline::sim;
   std::vector<std::string> args(argv + 1, argv + argc);
+  if (wants_remote_mode(args)) {
+    kerfline::platform::install_stop_signals();
+    return serve_remote(args);
+  }
   std::string error;
   auto options = parse_options(args, error);
   if (!options) {

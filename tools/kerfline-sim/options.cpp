@@ -13,6 +13,8 @@ const char* const kUsage =
     "  --fifo DIR         a FIFO pair in DIR: reads DIR/PIPE01, answers on DIR/PIPE00; prints DIR\n"
     "  --tcp PORT         a TCP port (0: the system picks one); prints the port\n"
     "  --bind ADDRESS     address to listen on with --tcp (default 127.0.0.1)\n"
+    "  --remote PORT      instead of a cutter, a reference remote plot manager on a TCP port\n"
+    "                     (its own options: kerfline-sim --remote 0 --usage)\n"
     "\n"
     "Faults:\n"
     "  --delay-ms N       wait N ms before each answer\n"
