@@ -8,7 +8,13 @@
 #include "fake_vendor.hpp"
 
 FAKE_EXPORT std::intptr_t GITK_OpenUsb(int, int side, int) {
+  // The library stays loaded between tests: a new directory is a new device.
   static int refused[2] = {0, 0};
+  static std::string device;
+  if (device != fake::env_text("FAKE_VENDOR_DIR")) {
+    device = fake::env_text("FAKE_VENDOR_DIR");
+    refused[0] = refused[1] = 0;
+  }
   if (side < 0 || side > 1) return -1;
   if (refused[side] < fake::env_int("FAKE_VENDOR_FAILS")) {
     ++refused[side];
