@@ -46,6 +46,8 @@ class Pty {
     ::cfmakeraw(&t);
     ::tcsetattr(slave, TCSANOW, &t);
     path_ = ::ttyname(slave);
+    // The peer must notice a stop while the slave side reads nothing.
+    ::fcntl(master_, F_SETFL, ::fcntl(master_, F_GETFL) | O_NONBLOCK);
     // Kept open so the master never sees a hang-up between the test's opens.
     keep_slave_ = slave;
   }
