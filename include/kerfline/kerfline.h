@@ -1139,6 +1139,83 @@ KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const c
  * The output devices listed in "plotman.ini" of the suite directory.
  * ====================================================================== */
 
+/* One listed device. Texts are zero-terminated and cut to fit. */
+typedef struct CUTDEVICE {
+  char szPort[32];     /* "DevOut", "IP_ADDR", "Remote Plotmanager" or empty */
+  char szDrvPath[260]; /* driver file: "DevDrvPath" (+ separator) + "DevDrvFileName" */
+  char szName[128];    /* device name: key in "DeviceNames" and section name */
+} CUTDEVICE;
+
+/* What GetCutDeviceInfo reports. */
+typedef struct CUTDEVICEINFO {
+  int32_t nReserved;   /* always 0 */
+  int32_t nDeviceType; /* 2, 3, 5 or 6; else 0 */
+} CUTDEVICEINFO;
+
+/*
+ * The devices of section "DeviceNames", except those of "DevType" 3, as a new
+ * array released with FreeCutDeviceList; *count receives the number of
+ * records (count may be null). Port: empty when "DevFlgLocal" (default 1) is
+ * 0; "DevOut" when "DevFlgUseSpooler" (default 1) is set; else by
+ * "DevPortType" (2, 3, 4: "DevOut"; 5: "IP_ADDR"). Types 5 and 6 show the
+ * port "Remote Plotmanager"; type 6 takes its driver from the suite's
+ * "cutter/" directory. Never null while memory lasts, even for 0 devices.
+ */
+KERFLINE_API CUTDEVICE* GetCutDeviceList(int32_t* count);
+
+/* Releases an array from GetCutDeviceList; null is accepted. The same
+   release as FreeVarVals (one body). */
+KERFLINE_API void FreeCutDeviceList(CUTDEVICE* list);
+
+/*
+ * Changes the device list; every change posts "Umsg_StartDeviceDlg" (0, 0)
+ * through the broadcast hook. The caller keeps the record.
+ *  - null: asks whether the plot manager listens: broadcasts
+ *    "Umsg_StartDeviceDlg" (1, 0) and waits for the answer; 1 when it is 3,
+ *    0 for another answer; when nobody answers (the hook returns -1) waits
+ *    31 times 100 ms, pumping messages, and returns 1.
+ *  - empty name: removes every listed device (spool files, key, section).
+ *  - a name and an empty port: removes that device.
+ *  - a name and a port: adds or updates the device as a cutter (type 2):
+ *    spool directory SPOOLER/SL_<SAFE NAME> with "saved" and "index.hot",
+ *    "DevIni", "DevIn", "DevOut" = the port as given, "DevDrvPath",
+ *    "DevDrvFileName" and "DevDrvInfo" = the driver's name (GetDrvName).
+ * 1 when done; 0 for a name that cannot be an INI key (a control character,
+ * '=', or leading '[' or ';'), which changes nothing.
+ */
+KERFLINE_API int32_t WriteCutDevice(const CUTDEVICE* device);
+
+/* 1 and the type in info->nDeviceType for device types 2, 3, 5 and 6
+   ("DevType", default 2); else 0 (type stored as 0). info may be null. */
+KERFLINE_API int32_t GetCutDeviceInfo(const char* name, CUTDEVICEINFO* info);
+
+/* The device's "DevPortType" (default 2). */
+KERFLINE_API int32_t GetCutDevicePortType(const char* name);
+
+/*
+ * Copies the device's spool directory ("DevIn") into buffer: 1 when copied,
+ * 0 when it is empty, -(length) when size is not greater than its length
+ * (a buffer exactly as long as the path is too small).
+ */
+KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t size);
+
+/*
+ * The machine's serial and parallel ports joined by separator, as a new
+ * text released with QuickFree; null when there is none. On Linux the
+ * device paths of /sys/class/tty (ttyS with a UART, ttyUSB*, ttyACM*),
+ * /sys/class/printer (lp*) and /sys/class/usbmisc (lp*, as /dev/usb/lp*);
+ * the environment variable KERFLINE_SYSFS_ROOT replaces "/sys".
+ */
+KERFLINE_API char* GetLocaleDevices(char separator);
+
+/* 1 when a device listed in iniFile's "DeviceNames" has "DevIn" equal to
+   path (both upper-cased by Windows-1252 rules), else 0. */
+KERFLINE_API int32_t IsInputPathUsed(const char* iniFile, const char* path);
+
+/* CBaseDeviceSettings::IsSetupAllowed for the name; a null iniFile means the
+   suite's "plotman.ini". */
+KERFLINE_API int32_t CanDoSetup(const char* iniFile, const char* name);
+
 /* ======================================================================
  * Plot-manager coupling, child processes and topic logs
  * ====================================================================== */

@@ -79,6 +79,40 @@ void show_eval(VMV6DRV* drv, const char* name, const char* note) {
   FreeEval(out);
 }
 
+void print_devices() {
+  int32_t count = 0;
+  CUTDEVICE* list = GetCutDeviceList(&count);
+  for (int32_t i = 0; list != nullptr && i < count; ++i) {
+    std::printf("  %-12s %-14s %s\n", list[i].szName, list[i].szPort, list[i].szDrvPath);
+  }
+  if (count == 0) std::printf("  (no devices)\n");
+  FreeCutDeviceList(list);
+}
+
+// Adds two cutters to the suite's plotman.ini, lists them, removes one.
+void show_device_list(const std::string& driver) {
+  heading("The device list in plotman.ini (WriteCutDevice, GetCutDeviceList, GetCutDevicePath)");
+  CUTDEVICE add{};
+  std::strncpy(add.szDrvPath, driver.c_str(), sizeof(add.szDrvPath) - 1);
+  std::strcpy(add.szName, "Vinyl:1");
+  std::strcpy(add.szPort, "/dev/ttyUSB0");
+  std::printf("add Vinyl:1 on /dev/ttyUSB0: %d\n", WriteCutDevice(&add));
+  std::strcpy(add.szName, "Wide");
+  std::strcpy(add.szPort, "COM3");
+  std::printf("add Wide on COM3: %d\n", WriteCutDevice(&add));
+  print_devices();
+  char spool[1024];
+  if (GetCutDevicePath("Vinyl:1", spool, sizeof spool) == 1)
+    std::printf("spool directory of Vinyl:1: %s\n", spool);
+  const CUTDEVICE remove = [] {
+    CUTDEVICE d{};
+    std::strcpy(d.szName, "Vinyl:1");
+    return d;
+  }();
+  std::printf("remove Vinyl:1: %d\n", WriteCutDevice(&remove));
+  print_devices();
+}
+
 int run_demo() {
   DemoSuite suite;
   KerflineSetHomeDir(suite.path().c_str());
@@ -150,6 +184,7 @@ int run_demo() {
     const int32_t result = GetVar(&var);
     std::printf("%%Speed%% after reopening: %d (GetVar %d)\n", var.uValue.nInt, result);
   }
+  show_device_list(cutter);
   std::printf("\ndemo done\n");
   return kExitOk;
 }

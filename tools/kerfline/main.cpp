@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   kerfline::cli::register_eval(app, commands);
   kerfline::cli::register_demo(app, commands);
   kerfline::cli::register_functions(app, commands);
+  kerfline::cli::register_devices(app, commands);
 
   try {
     app.parse(argc, argv);

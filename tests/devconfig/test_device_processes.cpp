@@ -1,0 +1,144 @@
+// Two processes adding devices to one suite at the same time, and the local
+// ports found in a fake sysfs tree. The adders are this test binary again,
+// told their role by the environment before any test runs.
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+#include "devconfig/suite_fixture.hpp"
+#include "fixtures/table_names.hpp"
+#include "kerfline/kerfline.h"
+
+extern char** environ;
+
+namespace {
+
+namespace fs = std::filesystem;
+using kerfline::test::SuiteDir;
+
+constexpr int kAdders = 2;
+constexpr int kDevicesPerAdder = 12;
+
+std::string device_name(int adder, int i) {
+  return "Adder " + std::to_string(adder) + " cutter " + std::to_string(i);
+}
+
+int run_adder(int adder) {
+  for (int i = 0; i < kDevicesPerAdder; ++i) {
+    CUTDEVICE d{};
+    std::strncpy(d.szName, device_name(adder, i).c_str(), sizeof d.szName - 1);
+    std::strncpy(d.szPort, "/dev/ttyUSB0", sizeof d.szPort - 1);
+    std::strncpy(d.szDrvPath, "/drv/x.vmd", sizeof d.szDrvPath - 1);
+    if (WriteCutDevice(&d) != 1) return 1;
+  }
+  return 0;
+}
+
+const int kChildStatus = [] {
+  const char* role = std::getenv("KERFLINE_DEVICE_ADDER");
+  if (role == nullptr) return 0;
+  std::_Exit(run_adder(std::atoi(role)));
+}();
+
+pid_t spawn_adder(int adder) {
+  std::vector<std::string> env_strings;
+  for (char** e = environ; *e != nullptr; ++e) env_strings.emplace_back(*e);
+  env_strings.push_back("KERFLINE_DEVICE_ADDER=" + std::to_string(adder));
+  std::vector<char*> env;
+  for (std::string& s : env_strings) env.push_back(s.data());
+  env.push_back(nullptr);
+  char self[] = "/proc/self/exe";
+  char* argv[] = {self, nullptr};
+  pid_t pid = -1;
+  if (::posix_spawn(&pid, self, nullptr, nullptr, argv, env.data()) != 0) return -1;
+  return pid;
+}
+
+class Processes : public SuiteDir {};
+
+TEST_F(Processes, TwoAddersLoseNoDevice) {
+  ASSERT_EQ(kChildStatus, 0);
+  // The children find the suite through the environment.
+  ASSERT_EQ(::setenv("KERFLINE_HOME", home().c_str(), 1), 0);
+  std::vector<pid_t> children;
+  for (int a = 0; a < kAdders; ++a) children.push_back(spawn_adder(a));
+  for (const pid_t pid : children) {
+    ASSERT_GT(pid, 0);
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "adder status " << status;
+  }
+  ::unsetenv("KERFLINE_HOME");
+
+  int32_t count = 0;
+  std::unique_ptr<CUTDEVICE, void (*)(CUTDEVICE*)> list(GetCutDeviceList(&count), FreeCutDeviceList);
+  std::set<std::string> names;
+  for (int32_t i = 0; i < count; ++i) {
+    EXPECT_STREQ(list.get()[i].szPort, "/dev/ttyUSB0");
+    names.insert(list.get()[i].szName);
+  }
+  EXPECT_EQ(count, kAdders * kDevicesPerAdder);
+  for (int a = 0; a < kAdders; ++a) {
+    for (int i = 0; i < kDevicesPerAdder; ++i) {
+      EXPECT_EQ(names.count(device_name(a, i)), 1u) << device_name(a, i);
+      EXPECT_EQ(
+          kerfline::platform::ini::read_string(device_name(a, i), "DevDrvFileName", "", file("plotman.ini")),
+          "x.vmd");
+    }
+  }
+}
+
+struct PortsRow {
+  std::vector<std::pair<std::string, std::string>> files;  // below the fake /sys
+  const char* expected;                                    // joined with ','; nullptr for none
+};
+
+const PortsRow kPortsRows[] = {
+    {{}, nullptr},
+    // Every 8250 slot shows up; only a known UART type makes it a port.
+    {{{"class/tty/ttyS0/type", "4\n"},
+      {"class/tty/ttyS1/type", "0\n"},
+      {"class/tty/ttyS10/type", "4\n"},
+      {"class/tty/ttyS2/type", "4\n"},
+      {"class/tty/ttyS3/dev", "4:67\n"}},
+     "/dev/ttyS0,/dev/ttyS2,/dev/ttyS10"},
+    {{{"class/tty/ttyUSB1/dev", ""},
+      {"class/tty/ttyUSB0/dev", ""},
+      {"class/tty/ttyACM0/dev", ""},
+      {"class/tty/tty1/dev", ""},
+      {"class/tty/console/dev", ""},
+      {"class/tty/ttyUSBx/dev", ""}},
+     "/dev/ttyUSB0,/dev/ttyUSB1,/dev/ttyACM0"},
+    {{{"class/printer/lp0/dev", ""},
+      {"class/usbmisc/lp1/dev", ""},
+      {"class/usbmisc/hiddev0/dev", ""},
+      {"class/tty/ttyS0/type", "1"}},
+     "/dev/ttyS0,/dev/lp0,/dev/usb/lp1"},
+};
+
+class PortsTable : public SuiteDir, public ::testing::WithParamInterface<PortsRow> {};
+
+TEST_P(PortsTable, FoundThroughSysfs) {
+  dir_.write("sys/.keep", "");
+  for (const auto& [path, text] : GetParam().files) dir_.write("sys/" + path, text);
+  ASSERT_EQ(::setenv("KERFLINE_SYSFS_ROOT", file("sys").c_str(), 1), 0);
+  std::unique_ptr<char, int32_t (*)(void*)> ports(GetLocaleDevices(','), QuickFree);
+  ::unsetenv("KERFLINE_SYSFS_ROOT");
+  if (GetParam().expected == nullptr) {
+    EXPECT_EQ(ports, nullptr);
+  } else {
+    ASSERT_NE(ports, nullptr);
+    EXPECT_STREQ(ports.get(), GetParam().expected);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Trees, PortsTable, ::testing::ValuesIn(kPortsRows), kerfline::test::RowIndex());
+
+}  // namespace

@@ -1,0 +1,190 @@
+// Each settings class against real INI files: what it reads (defaults and
+// values) and exactly which lines it writes back, in which order.
+#include <functional>
+#include <memory>
+
+#include "devconfig/suite_fixture.hpp"
+#include "fixtures/table_names.hpp"
+#include "kerfline/device_settings.hpp"
+
+namespace {
+
+using kerfline::test::SuiteDir;
+using Factory = std::function<std::unique_ptr<CBaseDeviceSettings>()>;
+
+template <typename T>
+Factory make() {
+  return [] { return std::unique_ptr<CBaseDeviceSettings>(new T); };
+}
+
+struct KeyRow {
+  Factory factory;
+  std::vector<std::string> input;     // lines of section [DEV] before the read
+  std::vector<std::string> expected;  // lines of [DEV] written to a fresh file
+  const char* list_section;           // where the device is listed
+};
+
+const std::vector<std::string> kBaseDefaults = {"DevOut=",        "DevIn={HOME}SPOOLER/SL_DEV",
+                                                "DevSuffix=*.*;", "DevFlgAsk=0",
+                                                "DevFlgBreak=0",  "DevPlotToFile=0",
+                                                "DevFlgWav=0",    "DevDefCount=1",
+                                                "DevType=1",      "DevDefSavedCount=5"};
+
+std::vector<std::string> with_type(std::vector<std::string> lines, const std::string& type) {
+  for (auto& l : lines) {
+    if (l.rfind("DevType=", 0) == 0) l = "DevType=" + type;
+  }
+  return lines;
+}
+
+std::vector<std::string> operator+(std::vector<std::string> a, const std::vector<std::string>& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+const std::vector<std::string> kDriverDefaults = {"DevDrvPath={HOME}cutter/",
+                                                  "DevDrvFileName=", "DevDrvInfo="};
+
+const KeyRow kKeyRows[] = {
+    // Base: defaults; the reader's sound default (0) overrides the constructor's 1.
+    {make<CBaseDeviceSettings>(), {}, kBaseDefaults, "DeviceNames"},
+    // Base: values; "DevFlgBreak" 2 makes it inactive, written back as 1; "DevIn" follows "DevIni".
+    {make<CBaseDeviceSettings>(),
+     {"DevOut=/dev/ttyS0", "DevIn=/old/", "DevSuffix=*.plt", "DevIni=/sp/x/index.hot", "DevFlgAsk=1",
+      "DevFlgBreak=2", "DevFlgWav=1", "DevNotifyWavFile=ding.wav", "DevPlotToFile=1", "DevDefCount=3",
+      "DevDefSavedCount=0", "DevType=6"},
+     {"DevOut=/dev/ttyS0", "DevIn=/sp/x/", "DevSuffix=*.plt;", "DevIni=/sp/x/index.hot", "DevFlgAsk=1",
+      "DevFlgBreak=1", "DevPlotToFile=1", "DevFlgWav=1", "DevNotifyWavFile=ding.wav", "DevDefCount=3",
+      "DevType=1", "DevDefSavedCount=0"},
+     "DeviceNames"},
+    // The sound file is read only with the flag set.
+    {make<CBaseDeviceSettings>(), {"DevFlgWav=0", "DevNotifyWavFile=ding.wav"}, kBaseDefaults, "DeviceNames"},
+    {make<CDriverDeviceSettings>(), {}, kBaseDefaults + kDriverDefaults, "DeviceNames"},
+    {make<CDriverDeviceSettings>(),
+     {"DevDrvPath=/drv/", "DevDrvFileName=gx24.vmd", "DevDrvInfo=Graphtec GX-24"},
+     kBaseDefaults +
+         std::vector<std::string>{"DevDrvPath=/drv/", "DevDrvFileName=gx24.vmd", "DevDrvInfo=Graphtec GX-24"},
+     "DeviceNames"},
+    // An empty "DevDrvPath" keeps the constructor's default.
+    {make<CClientDeviceSettings>(), {"DevDrvPath="}, kBaseDefaults + kDriverDefaults, "DeviceNames"},
+    {make<CCutterDeviceSettings>(),
+     {},
+     with_type(kBaseDefaults, "2") + kDriverDefaults +
+         std::vector<std::string>{"IP_ADDR=0.0.0.0", "IP_PORT=0", "DevFlgUseSpooler=0", "DevFlgServer=0",
+                                  "ActJobNr=0", "DevUsbDeviceName=", "DevPortType=2"},
+     "DeviceNames"},
+    // "DevServerPort" is read and written only while the server flag is set.
+    {make<CCutterDeviceSettings>(),
+     {"IP_ADDR=10.1.2.3", "IP_PORT=9100", "DevFlgUseSpooler=1", "DevFlgServer=1", "ActJobNr=4294967295",
+      "DevUsbDeviceName=/dev/usb/lp0", "DevPortType=4", "DevServerPort=7"},
+     with_type(kBaseDefaults, "2") + kDriverDefaults +
+         std::vector<std::string>{"IP_ADDR=10.1.2.3", "IP_PORT=9100", "DevFlgUseSpooler=1", "DevFlgServer=1",
+                                  "ActJobNr=4294967295", "DevUsbDeviceName=/dev/usb/lp0", "DevPortType=4",
+                                  "DevServerPort=7"},
+     "DeviceNames"},
+    {make<CCutterDeviceSettings>(),
+     {"DevFlgServer=0", "DevServerPort=7", "IP_ADDR=300.1.1.1"},
+     with_type(kBaseDefaults, "2") + kDriverDefaults +
+         std::vector<std::string>{"IP_ADDR=0.0.0.0", "IP_PORT=0", "DevFlgUseSpooler=0", "DevFlgServer=0",
+                                  "ActJobNr=0", "DevUsbDeviceName=", "DevPortType=2"},
+     "DeviceNames"},
+    {make<CRemoteDeviceSettings>(),
+     {"DevRemoteIndexFile=r.hot", "DevRemoteIni=r.ini", "DevRemoteDevName=Far", "DevDrvFileName=f.vmd",
+      "DevDrvInfo=Far cutter"},
+     with_type(kBaseDefaults, "5") +
+         std::vector<std::string>{"DevDrvPath={HOME}cutter/", "DevDrvFileName=f.vmd", "DevDrvInfo=Far cutter",
+                                  "DevRemoteIndexFile=r.hot", "DevRemoteIni=r.ini", "DevRemoteDevName=Far"},
+     "DeviceNames"},
+    // The TCP/IP client skips the driver class's keys; its address defaults to empty.
+    {make<CTcpIpClientDeviceSettings>(),
+     {"DevDrvPath=/ignored/", "DevServerDevName=Srv", "IP_ADDR=127.0.0.1", "IP_PORT=5", "TcpIpType=1",
+      "DevDrvFileName=s.vmd", "DevDrvInfo=S", "TcpIpHostname=plotman.local"},
+     with_type(kBaseDefaults, "6") +
+         std::vector<std::string>{"DevServerDevName=Srv", "IP_ADDR=127.0.0.1", "IP_PORT=5", "TcpIpType=1",
+                                  "DevDrvFileName=s.vmd", "DevDrvInfo=S", "TcpIpHostname=plotman.local"},
+     "DeviceNames"},
+    {make<CHFDeviceSettings>(),
+     {"DevHfStartAppTmpl=run %f", "DevFlgComLptHf=1", "DevFlgStartApp=1", "DevPortType=3"},
+     kBaseDefaults + std::vector<std::string>{"DevHfStartAppTmpl=run %f", "DevFlgComLptHf=1",
+                                              "DevFlgStartApp=1", "DevPortType=3"},
+     "DeviceNames"},
+    // "RipMinPercent" is left to WriteRipMinSize.
+    {make<CExtHFDeviceSettings>(),
+     {"rip=1", "mask=*.tif", "OutBufSize=4096", "RipMinPercent=9"},
+     kBaseDefaults + std::vector<std::string>{"DevHfStartAppTmpl=", "DevFlgComLptHf=0", "DevFlgStartApp=0",
+                                              "DevPortType=0", "IP_ADDR=0.0.0.0", "IP_PORT=0",
+                                              "DevUsbDeviceName=", "DevUsbFriendlyName=", "mask=*.tif",
+                                              "rip=1", "LastDir=", "OutBufSize=4096"},
+     "DeviceNames"},
+    {make<CLocaleDeviceSettings>(),
+     {"DevPortType=2", "LastDir=/home/u"},
+     with_type(kBaseDefaults, "4") + std::vector<std::string>{"DevPortType=2", "LastDir=/home/u"},
+     "LocaleDevices"},
+};
+
+class KeyTable : public SuiteDir, public ::testing::WithParamInterface<KeyRow> {};
+
+TEST_P(KeyTable, ReadsThenWritesExactlyTheseLines) {
+  const KeyRow& row = GetParam();
+  std::string in = "[DEV]\n";
+  for (const auto& l : row.input) in += expand(l) + "\n";
+  dir_.write("in.ini", in);
+
+  auto settings = row.factory();
+  settings->SetDeviceName("DEV");
+  settings->ReadFromIni(file("in.ini").c_str());
+  settings->WriteToIni(file("out.ini").c_str());
+
+  std::vector<std::string> expected;
+  for (const auto& l : row.expected) expected.push_back(expand(l));
+  EXPECT_EQ(lines("DEV", "out.ini"), expected);
+  EXPECT_EQ(lines(row.list_section, "out.ini"), std::vector<std::string>{"DEV=1"});
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, KeyTable, ::testing::ValuesIn(kKeyRows), kerfline::test::RowIndex());
+
+class SettingsFile : public SuiteDir {};
+
+TEST_F(SettingsFile, ReadValuesReachTheAccessors) {
+  dir_.write("p.ini",
+             "[C]\nDevFlgBreak=2\nDevDefSavedCount=0\nIP_ADDR=192.168.0.7\nActJobNr=4000000000\n"
+             "DevFlgServer=1\nDevServerPort=3\nDevSuffix=*.a;*.b\n");
+  CCutterDeviceSettings c("C");
+  c.ReadFromIni(file("p.ini").c_str());
+  unsigned char b[4] = {};
+  c.GetTCPIPAddress(b);
+  EXPECT_EQ(b[0], 192);
+  EXPECT_EQ(b[3], 7);
+  EXPECT_EQ(c.GetJobNr(), 4000000000u);
+  EXPECT_EQ(c.IsActive(), 0);
+  EXPECT_EQ(c.IsDeleteFilesFlag(), 1);
+  EXPECT_EQ(c.GetServerFlag(), 1);
+  EXPECT_EQ(c.GetServerPort(), 3);
+  ASSERT_EQ(c.GetJobSuffixes(), 2);
+  EXPECT_STREQ(c.GetJobSuffix(0), "*.a");
+  EXPECT_STREQ(c.GetJobSuffix(1), "");
+  EXPECT_EQ(c.GetJobSuffix(2), nullptr);
+}
+
+TEST_F(SettingsFile, RipMinSizeIsWrittenOnItsOwn) {
+  CExtHFDeviceSettings e;
+  e.SetDeviceName("E");
+  e.SetRipMinPercent(12);
+  e.WriteRipMinSize(file("p.ini").c_str());
+  EXPECT_EQ(lines("E", "p.ini"), std::vector<std::string>{"RipMinPercent=12"});
+  CExtHFDeviceSettings back;
+  back.SetDeviceName("E");
+  back.ReadFromIni(file("p.ini").c_str());
+  EXPECT_EQ(back.GetRipMinPercent(), 12);
+  EXPECT_EQ(back.GetAlternateBufsize(), 0u);
+}
+
+TEST_F(SettingsFile, FixedSpoolTypeKeepsItsReadFromPath) {
+  CBaseDeviceSettings b("F");
+  b.SetDeviceType(DEVTYPE_FIXED_SPOOL);
+  b.SetReadFrom("/elsewhere/");
+  b.WriteToIni(file("p.ini").c_str());
+  EXPECT_EQ(kerfline::platform::ini::read_string("F", "DevIn", "?", file("p.ini")), "/elsewhere/");
+}
+
+}  // namespace
