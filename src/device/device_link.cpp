@@ -1,9 +1,11 @@
 // The link decision and the process-wide link state.
 #include <mutex>
 
+#include "devconfig/spool_dir.hpp"
 #include "device/port_access.hpp"
 #include "driver/vm6drv.hpp"
 #include "frame/driver_handle.hpp"
+#include "kerfline/device_settings.hpp"
 #include "platform/clock.hpp"
 
 namespace kerfline::device {
@@ -20,9 +22,19 @@ Hooks& hooks() {
   return h;
 }
 
-// Until the settings record is wired in, a device has the record defaults:
-// port type 2 and no output path (its open fails with -5).
-PortSettings default_settings(const std::string& /*device*/) { return PortSettings{}; }
+// The device's settings record in "plotman.ini". Its one USB entry is both
+// the name looked for among present devices and the path used when none
+// carries that name.
+PortSettings default_settings(const std::string& device) {
+  CCutterDeviceSettings record(device.c_str());
+  record.ReadFromIni(devconfig::device_list_file().c_str());
+  PortSettings s;
+  s.port_type = record.GetPortType();
+  s.write_to = record.GetWriteTo() != nullptr ? record.GetWriteTo() : "";
+  s.usb_device_name = record.GetUSBDeviceName() != nullptr ? record.GetUSBDeviceName() : "";
+  s.usb_device_path = s.usb_device_name;
+  return s;
+}
 
 }  // namespace
 
