@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
   kerfline::cli::register_demo(app, commands);
   kerfline::cli::register_functions(app, commands);
   kerfline::cli::register_devices(app, commands);
+  kerfline::cli::register_device(app, commands);
 
   try {
     app.parse(argc, argv);
