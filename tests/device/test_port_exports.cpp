@@ -55,21 +55,6 @@ TEST_F(Exports, ConnectWriteQueryAndCloseAPseudoTerminal) {
   EXPECT_EQ(open_descriptors(), before);
 }
 
-TEST_F(Exports, ConnectLeavesTheHandlesWhenItCannotOpen) {
-  for (const auto& [type, out] : std::vector<std::pair<std::string, std::string>>{
-           {"2", dir.str() + "missing"}, {"1", "/dev/null"}, {"0", "/dev/null"}, {"7", "/dev/null"}}) {
-    device(type, out);
-    void* read = KERFLINE_INVALID_DEVICE_HANDLE;
-    void* write = nullptr;
-    EXPECT_EQ(ConnectToDevice(vars.drv(), "Cutter", &read, &write), 1);
-    EXPECT_EQ(read, KERFLINE_INVALID_DEVICE_HANDLE) << type;
-    EXPECT_EQ(write, nullptr) << type;
-  }
-  void* read = nullptr;
-  EXPECT_EQ(ConnectToDevice(vars.drv(), nullptr, &read, &read), 1);
-  EXPECT_EQ(read, nullptr);
-}
-
 struct WriteStringRow {
   const char* port_type;
   bool file_exists;

@@ -175,14 +175,6 @@ TEST(UsbList, ReadsPrintersAndSerialAdaptersFromTheTree) {
   EXPECT_TRUE(usb::enumerate((root.path() / "nothing").string()).empty());
 }
 
-TEST(NullHandle, IsNoDescriptor) {
-  char byte = 'x';
-  EXPECT_FALSE(port::write(port::kNullHandle, &byte, 1).ok);
-  EXPECT_FALSE(port::read(port::kNullHandle, &byte, 1).ok);
-  EXPECT_FALSE(port::close(port::kNullHandle));
-  EXPECT_FALSE(port::close(port::kInvalidHandle));
-}
-
 TEST(NullHandle, AnOpenNeverHandsOutTheStandardDescriptors) {
   TempDir dir;
   const auto file = dir.write("f", "");
