@@ -125,6 +125,11 @@ typedef struct KERFLINE_HOST_HOOKS {
                            int waitForAnswer);
   /* on nonzero: show the wait cursor; 0: restore it. */
   void (*pfnSetWaitCursor)(void* ctx, int on);
+  /* Asks the user for one line of text (the manual answer of a device
+     query). Writes a zero-terminated text of at most size - 1 bytes to
+     buffer and returns nonzero when confirmed; 0 when cancelled. Default:
+     no answer. Hosts built before this member keep working. */
+  int (*pfnPrompt)(void* ctx, const char* caption, char* buffer, uint32_t size);
 } KERFLINE_HOST_HOOKS;
 
 /*
@@ -1291,6 +1296,49 @@ KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const ME
  * Opening a device, writing to it and closing it. A device handle is
  * pointer-sized and opaque to the host; an invalid one is (void*)-1.
  * ====================================================================== */
+
+/* A device handle that names nothing (INVALID_HANDLE_VALUE). */
+#define KERFLINE_INVALID_DEVICE_HANDLE ((void*)(intptr_t)-1)
+
+/* Why a device could not be opened (the open's error code). */
+#define KERFLINE_OPEN_NO_DEVICE_NAME (-7) /* no device name */
+#define KERFLINE_OPEN_NO_DIALOGUE (-6)    /* port type 1, 3 or 5 */
+#define KERFLINE_OPEN_PORT_FAILED (-5)    /* the port or file path would not open */
+#define KERFLINE_OPEN_READ_REFUSED (-4)   /* read side refused, retry declined */
+#define KERFLINE_OPEN_WRITE_REFUSED (-3)  /* write side refused, retry declined */
+
+/*
+ * Opens the device named `device` (its settings section) as its driver and
+ * settings decide: a port or file path gives one handle for both
+ * directions, USB pipes give two. On success *readHandle and *writeHandle
+ * receive the handles (the caller closes them with CloseDevice); on failure
+ * or when the port type has nothing to open they are left as they were, so
+ * preset them to KERFLINE_INVALID_DEVICE_HANDLE. Open failures may show the
+ * retry prompts through the message-box hook. Always returns 1.
+ */
+KERFLINE_API int32_t ConnectToDevice(VMV6DRV* drv, const char* device, void** readHandle, void** writeHandle);
+
+/*
+ * Writes length bytes to *handle, writing the rest again after a short
+ * write until all are out (a write that moves nothing three times running
+ * ends it). Nothing is written for length 0, a null or an invalid handle.
+ * Returns 1.
+ */
+KERFLINE_API int32_t WriteToDevice(void** handle, const void* bytes, uint32_t length);
+
+/*
+ * Closes *readHandle and, when it differs, *writeHandle (null and invalid
+ * handles are skipped). The variables are not changed. Returns 1.
+ */
+KERFLINE_API int32_t CloseDevice(void** readHandle, void** writeHandle);
+
+/*
+ * Opens the device, writes the zero-terminated text (without its zero) in
+ * one write and closes it again. Returns 1 when the write succeeded, 0 when
+ * the open failed or the write did (a port type with nothing to open
+ * writes nothing and gives 0).
+ */
+KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const char* text);
 
 /* ======================================================================
  * Device readers

@@ -14,7 +14,8 @@ static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnIsKeyDown) == 3 * kPtr);
 static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnPumpMessages) == 4 * kPtr);
 static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnBroadcast) == 5 * kPtr);
 static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnSetWaitCursor) == 6 * kPtr);
-static_assert(sizeof(KERFLINE_HOST_HOOKS) == 7 * kPtr);
+static_assert(offsetof(KERFLINE_HOST_HOOKS, pfnPrompt) == 7 * kPtr);
+static_assert(sizeof(KERFLINE_HOST_HOOKS) == 8 * kPtr);
 }  // namespace
 
 namespace {

@@ -84,3 +84,20 @@ void set_wait_cursor(bool on) {
 }
 
 }  // namespace kerfline::platform::host
+
+namespace kerfline::platform::host {
+
+std::optional<std::string> prompt(const std::string& caption, std::size_t max_length) {
+  const KERFLINE_HOST_HOOKS h = snapshot();
+  if (h.pfnPrompt == nullptr || max_length == 0 || max_length > 0xFFFFFFF0u) return std::nullopt;
+  std::string buffer(max_length + 1, '\0');
+  if (h.pfnPrompt(h.pContext, caption.c_str(), buffer.data(), static_cast<std::uint32_t>(buffer.size())) ==
+      0) {
+    return std::nullopt;
+  }
+  buffer.back() = '\0';  // a host that forgot the terminator cannot make us overrun
+  buffer.resize(std::char_traits<char>::length(buffer.c_str()));
+  return buffer;
+}
+
+}  // namespace kerfline::platform::host

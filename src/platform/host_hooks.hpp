@@ -3,7 +3,9 @@
 // check for missing hooks themselves.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "kerfline/kerfline.h"
@@ -28,6 +30,10 @@ std::intptr_t broadcast(const std::string& message, std::uintptr_t w_param, std:
                         bool wait_for_answer);
 
 void set_wait_cursor(bool on);
+
+// Asks the user for a line of text (at most max_length bytes); nothing when
+// the host has no prompt or the user cancelled.
+std::optional<std::string> prompt(const std::string& caption, std::size_t max_length);
 
 // Shows the wait cursor for the lifetime of the object.
 class WaitCursor {

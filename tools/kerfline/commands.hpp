@@ -42,6 +42,7 @@ void register_demo(CLI::App& app, CommandList& commands);
 void register_functions(CLI::App& app, CommandList& commands);
 void register_devices(CLI::App& app, CommandList& commands);
 void register_remote(CLI::App& app, CommandList& commands);
+void register_device(CLI::App& app, CommandList& commands);
 
 // What `driver info` and `driver tools` print, for the demo too.
 int print_driver_info(const std::string& file);

@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
   kerfline::cli::register_functions(app, commands);
   kerfline::cli::register_devices(app, commands);
   kerfline::cli::register_remote(app, commands);
+  kerfline::cli::register_device(app, commands);
 
   try {
     app.parse(argc, argv);
