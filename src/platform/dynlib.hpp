@@ -1,7 +1,8 @@
 // Dynamic libraries: the vendor and plug-in DLLs of the suite, loaded by the
 // name Windows code uses ("ocv.dll"). On POSIX "name.dll" is looked for as
 // name.so and libname.so (as given, then in lower case) in the suite
-// directory, then on the default search path. A name with a separator in it
+// directory, then in the installed plug-in directory (plugin_dir()), then on
+// the default search path. A name with a separator in it
 // is a path and is opened as it is.
 #pragma once
 
