@@ -79,7 +79,8 @@ class InstalledPluginTest : public ::testing::Test {
   TempDir suite;
 };
 
-TEST_F(InstalledPluginTest, TheProgramsCodeLivesBesideIt) {
+// The test program has the platform layer linked in: its code lives in the program.
+TEST(LibraryDir, IsTheProgramsDirectoryForCodeLinkedIntoIt) {
   EXPECT_EQ(kp::library_dir(), kp::executable_dir());
 }
 
