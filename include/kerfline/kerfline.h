@@ -9,6 +9,8 @@
  *   -3   out of memory
  *   -4   driver file unreadable
  *   -5   variable not found or kind not supported
+ * The codes are named below (KERFLINE_SUCCESS ...); no exception ever
+ * leaves an export.
  * Records passed in belong to the caller. Texts and arrays that the library
  * allocates inside them are released only by the matching Free... export,
  * except where a function says a block comes from the C run-time allocator
@@ -33,6 +35,21 @@
 #  define KERFLINE_API __attribute__((visibility("default")))
 #endif
 
+/* Exports never throw; C++ callers see that in their declarations. */
+#ifdef __cplusplus
+#  define KERFLINE_NOEXCEPT noexcept
+#else
+#  define KERFLINE_NOEXCEPT
+#endif
+
+/* The result codes of the host API (the port layer has its own, -7 to -3). */
+#define KERFLINE_SUCCESS 1
+#define KERFLINE_NOTHING_FOUND 0
+#define KERFLINE_BAD_ARGUMENT (-2)
+#define KERFLINE_OUT_OF_MEMORY (-3)
+#define KERFLINE_FILE_UNREADABLE (-4)
+#define KERFLINE_NOT_FOUND (-5)
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -52,7 +69,7 @@ KERFLINE_API const char* KerflineGetVersion(void);
  * executable. May be called at any time; what the library derived from the
  * old directory is rebuilt on next use. Returns 1.
  */
-KERFLINE_API int32_t KerflineSetHomeDir(const char* dir);
+KERFLINE_API int32_t KerflineSetHomeDir(const char* dir) KERFLINE_NOEXCEPT;
 
 /*
  * Copies the suite directory, ending in the path separator, into buf.
@@ -60,7 +77,7 @@ KERFLINE_API int32_t KerflineSetHomeDir(const char* dir);
  * written and the result is the negative of the size needed. -2 for a null
  * buffer.
  */
-KERFLINE_API int32_t KerflineGetHomeDir(char* buf, uint32_t size);
+KERFLINE_API int32_t KerflineGetHomeDir(char* buf, uint32_t size) KERFLINE_NOEXCEPT;
 
 /* Message-box types (the Win32 MB_* values) and answers (the Win32 ID*). */
 #define KERFLINE_MB_OK 0x00000000u
@@ -668,6 +685,10 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  *   - a conditional or arithmetic pass whose output would pass 64 MiB gives
  *     "0.0", as an unclosed block does;
  *   - an arithmetic block nests at most 200 levels (deeper: "0.00");
+ *   - one DoEval (imports and block operands included) may start 100000
+ *     evaluations and calls and produce 64 MiB in its template passes and
+ *     conditional blocks; past either its whole result is
+ *     "[internal recursion limit reached]";
  *   - the result of Join, Join3, Repl, AddNChar or IAR is cut at 16 MiB, and
  *     IAR draws at most 10000 lines.
  * The built-in functions and their output formats are listed in
@@ -711,9 +732,13 @@ KERFLINE_API int32_t EnableEval(void);
  * With a text: evaluates the template for output (conditional blocks,
  * function calls, then arithmetic blocks with no decimals). Returns a new
  * zero-terminated block that the caller releases with FreeEval, or NULL when
- * the result is empty, a script error occurred (the error text is then the
- * evaluator's last error), there is no evaluator yet (call InitEval first)
- * or memory ran out.
+ * the result is empty, an error arose outside the passes (the error text is
+ * then the evaluator's last error), there is no evaluator yet (call InitEval
+ * first) or memory ran out. A script error in a pass makes that pass's whole
+ * output its bracketed text ("[incorrect number of parameters: Operator Left
+ * expects 2 parameters]"), which is returned like any other result.
+ * Once escaped, every later wait and call of this DoEval returns at once;
+ * the escape flag is cleared when DoEval starts and ends.
  * With NULL (busy query, any thread): returns the pointer value 1 while a
  * device read of the evaluator waits or another DoEval runs, else NULL; this
  * value is not a block and must not be released.
@@ -765,7 +790,7 @@ KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params, const
  * not loaded. Returns the number of variables set; -2 when the record holds
  * no open driver; -3 when memory ran out.
  */
-KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask);
+KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask) KERFLINE_NOEXCEPT;
 
 /*
  * The function registry, read-only, for a host's function browser: the

@@ -39,8 +39,14 @@ std::shared_ptr<CDrvItem> ReadItem(ArchiveReader& ar) {
   switch (t.kind) {
     case ArchiveReader::ObjectTag::Kind::Null:
       throw ArchiveError("null item in a group");
-    case ArchiveReader::ObjectTag::Kind::Reference:
-      return std::static_pointer_cast<CDrvItem>(t.object);
+    case ArchiveReader::ObjectTag::Kind::Reference: {
+      // A second reference to an item is the earlier item. A group in two
+      // places would make the tree a graph whose walks multiply with every
+      // level, so it is refused (a group inside itself already is).
+      auto item = std::static_pointer_cast<CDrvItem>(t.object);
+      if (&item->GetClass() == &CDrvItemList::kClass) throw ArchiveError("a group is stored in two places");
+      return item;
+    }
     case ArchiveReader::ObjectTag::Kind::New:
       break;
   }

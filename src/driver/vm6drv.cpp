@@ -1,5 +1,7 @@
 #include "driver/vm6drv.hpp"
 
+#include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -80,9 +82,24 @@ void CVm6Drv::MergeBaseDriver() {
   sort(base_driver_->Root());
   for (const auto& g : base_driver_->Groups()) sort(*g);
 
+  // FindLocal for every base item would scan every group each time: one
+  // index with FindLocal's answers (root first, then the groups in order)
+  // keeps the merge linear.
+  std::unordered_map<std::string, CDrvItem*> local;
+  const auto index = [&local](CDrvItemList& group) {
+    for (const auto& child : group.GetChildren()) {
+      if (local.contains(child->Name)) continue;
+      if (CDrvItem* found = group.FindChild(child->Name)) local.emplace(child->Name, found);
+    }
+  };
+  index(*root_);
+  for (const auto& g : groups_) {
+    if (const auto group = g.lock()) index(*group);
+  }
   for (const auto* list : {&groups, &dialog_vars, &tool_vars, &plain}) {
     for (const auto& base_item : *list) {
-      CDrvItem* mine = FindLocal(base_item->Name);
+      const auto it = local.find(base_item->Name);
+      CDrvItem* mine = it == local.end() ? FindLocal(base_item->Name) : it->second;
       if (mine != nullptr && mine->Linked != 0) mine->SetLinkTarget(base_item);
     }
   }

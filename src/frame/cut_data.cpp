@@ -1,27 +1,39 @@
 // Cut-data records: the job description a host builds before output.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 #include "kerfline/kerfline.h"
+#include "platform/library_memory.hpp"
 
 namespace {
 
-char* copy_text(const char* text) {
-  const char* source = text != nullptr ? text : "";
-  const std::size_t n = std::strlen(source) + 1;
-  auto* copy = static_cast<char*>(std::malloc(n));
-  if (copy != nullptr) std::memcpy(copy, source, n);
-  return copy;
+namespace platform = kerfline::platform;
+using platform::library_alloc;
+using platform::library_free;
+
+char* copy_text(const char* text) { return platform::library_strdup(text != nullptr ? text : ""); }
+
+// The record has no capacity field, so the capacity follows from the count:
+// the next power of two. Growing by doubling keeps n adds linear. A host
+// that lowers the count only ever under-estimates the real capacity.
+std::size_t capacity_for(std::size_t count) {
+  std::size_t capacity = 1;
+  while (capacity < count) capacity *= 2;
+  return capacity;
 }
 
-// Grows an array of T by one element (old entries copied, old block kept);
-// null when memory is short.
+// Room for one more element of T: the same block when it has room, else a
+// block twice the size with the old entries moved over (the old block is
+// released). Null, with the old block kept, when memory is short.
 template <typename T>
-T* grown_copy(const T* old, std::int32_t old_count) {
-  auto* grown = static_cast<T*>(std::malloc(sizeof(T) * (static_cast<std::size_t>(old_count) + 1)));
-  if (grown != nullptr && old != nullptr && old_count > 0) {
-    std::memcpy(grown, old, sizeof(T) * static_cast<std::size_t>(old_count));
+T* with_room(T* old, std::int32_t old_count) {
+  const auto count = static_cast<std::size_t>(old_count);
+  if (old != nullptr && count > 0 && count < capacity_for(count)) return old;
+  auto* grown = static_cast<T*>(library_alloc(sizeof(T) * capacity_for(count + 1)));
+  if (grown == nullptr) return nullptr;
+  if (old != nullptr && count > 0) {
+    std::memcpy(grown, old, sizeof(T) * count);
+    library_free(old);
   }
   return grown;
 }
@@ -29,10 +41,10 @@ T* grown_copy(const T* old, std::int32_t old_count) {
 void release_variables(CUTVAR* vars, std::int32_t count) {
   if (vars == nullptr) return;
   for (std::int32_t i = 0; i < count; ++i) {
-    std::free(vars[i].pszName);
-    std::free(vars[i].pszValue);
+    library_free(vars[i].pszName);
+    library_free(vars[i].pszValue);
   }
-  std::free(vars);
+  library_free(vars);
 }
 
 }  // namespace
@@ -48,26 +60,24 @@ KERFLINE_API int32_t InitCutData(CUTDATA* data) {
 KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) {
   if (data == nullptr || variable == nullptr) return 0;
   const std::int32_t old_count = data->nVarCount < 0 ? 0 : data->nVarCount;
-  CUTVAR* grown = grown_copy(data->pVars, old_count);
   char* value = copy_text(variable->pszValue);
   char* name = copy_text(variable->pszName);
-  if (grown == nullptr || value == nullptr || name == nullptr) {
-    std::free(grown);
-    std::free(value);
-    std::free(name);
+  CUTVAR* vars = value != nullptr && name != nullptr ? with_room(data->pVars, old_count) : nullptr;
+  if (vars == nullptr) {
+    library_free(value);
+    library_free(name);
     return -3;
   }
   if (old_count > 0) {
     // Adding to existing variables drops the layers: hosts rely on adding
     // every variable first, and this keeps what they always observed.
-    std::free(data->pLayers);
+    library_free(data->pLayers);
     data->pLayers = nullptr;
     data->nLayerCount = 0;
-    std::free(data->pVars);  // the entries' texts moved into `grown`
   }
-  grown[old_count].pszName = name;
-  grown[old_count].pszValue = value;
-  data->pVars = grown;
+  vars[old_count].pszName = name;
+  vars[old_count].pszValue = value;
+  data->pVars = vars;
   data->nVarCount = old_count + 1;
   return 1;
 }
@@ -75,11 +85,10 @@ KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) {
 KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer) {
   if (data == nullptr || layer == nullptr) return 0;
   const std::int32_t old_count = data->nLayerCount < 0 ? 0 : data->nLayerCount;
-  CUTLAYER* grown = grown_copy(data->pLayers, old_count);
-  if (grown == nullptr) return -3;
-  std::free(data->pLayers);
-  grown[old_count] = *layer;
-  data->pLayers = grown;
+  CUTLAYER* layers = with_room(data->pLayers, old_count);
+  if (layers == nullptr) return -3;
+  layers[old_count] = *layer;
+  data->pLayers = layers;
   data->nLayerCount = old_count + 1;
   return 1;
 }
@@ -87,7 +96,7 @@ KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer) {
 KERFLINE_API int32_t FreeCutData(CUTDATA* data) {
   if (data == nullptr) return 0;
   if (data->nVarCount != 0) release_variables(data->pVars, data->nVarCount);
-  if (data->nLayerCount != 0 && data->pLayers != nullptr) std::free(data->pLayers);
+  if (data->nLayerCount != 0 && data->pLayers != nullptr) library_free(data->pLayers);
   return 1;
 }
 

@@ -7,6 +7,7 @@
 #include "driver/vm6drv.hpp"
 #include "frame/driver_handle.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/codepage.hpp"
 
 namespace {
@@ -15,11 +16,13 @@ using kerfline::driver::CDrvItem;
 using kerfline::driver::CDrvItemList;
 
 // Tree order, first occurrence of a name wins: the same item FindItem finds.
+// A group reached a second time is not walked again, so the cost stays
+// linear even in a tree that holds a group twice.
 void load_list(const CDrvItemList& list, std::uint32_t mask, std::unordered_set<std::string>& seen,
-               std::int32_t& count) {
+               std::unordered_set<const CDrvItemList*>& walked, std::int32_t& count) {
   for (const auto& child : list.GetChildren()) {
     if (const auto* group = dynamic_cast<const CDrvItemList*>(child.get())) {
-      load_list(*group, mask, seen, count);
+      if (walked.insert(group).second) load_list(*group, mask, seen, walked, count);
       continue;
     }
     if (child->Name.empty()) continue;
@@ -30,15 +33,14 @@ void load_list(const CDrvItemList& list, std::uint32_t mask, std::unordered_set<
 
 }  // namespace
 
-extern "C" KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask) {
-  try {
+extern "C" KERFLINE_API int32_t LoadEvalVars(VMV6DRV* drv, uint32_t mask) noexcept {
+  return kerfline::platform::guarded(KERFLINE_OUT_OF_MEMORY, [drv, mask] {
     kerfline::driver::CVm6Drv* doc = kerfline::frame::document_of(drv);
-    if (doc == nullptr) return -2;
+    if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
     std::unordered_set<std::string> seen;
+    std::unordered_set<const CDrvItemList*> walked;
     std::int32_t count = 0;
-    load_list(doc->Root(), mask, seen, count);
+    load_list(doc->Root(), mask, seen, walked, count);
     return count;
-  } catch (...) {
-    return -3;
-  }
+  });
 }

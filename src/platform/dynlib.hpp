@@ -1,8 +1,10 @@
 // Dynamic libraries: the vendor and plug-in DLLs of the suite, loaded by the
 // name Windows code uses ("ocv.dll"). On POSIX "name.dll" is looked for as
-// name.so and libname.so (as given, then in lower case) in the suite
-// directory, then in the installed plug-in directory (plugin_dir()), then on
-// the default search path. A name with a separator in it
+// name.so and libname.so (as given, then in lower case) beside the library
+// itself (module_dir()), then in the suite directory, then in the installed
+// plug-in directory (plugin_dir()), then on the default search path: a host
+// whose suite directory is elsewhere still finds the plug-ins installed with
+// the library. A name with a separator in it
 // is a path and is opened as it is.
 #pragma once
 
@@ -41,6 +43,11 @@ class DynamicLibrary {
   explicit DynamicLibrary(std::unique_ptr<Impl> impl);
   std::unique_ptr<Impl> impl_;
 };
+
+// The directory of the module that holds this code: libkerfline's own
+// directory, or the executable's when the library is linked in statically.
+// Empty when the system cannot tell.
+std::string module_dir();
 
 // The file names tried for a Windows library name, in order (without the
 // directory). Exposed for tests and for messages.

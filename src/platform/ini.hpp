@@ -22,6 +22,9 @@
 
 namespace kerfline::platform::ini {
 
+// Section and key names given to any function here are trimmed at both ends
+// like the file's own names before they are matched or written.
+
 // --- Buffer forms (GetPrivateProfile* / WritePrivateProfile*) ---------------
 
 // section null: the list of section names; key null: the list of the

@@ -226,10 +226,14 @@ const IniDocument::Line* IniDocument::find_key(const Section& s, std::string_vie
   return &entries_[*it];
 }
 
-bool IniDocument::has_section(std::string_view section) const { return find_section(section) != nullptr; }
+bool IniDocument::has_section(std::string_view section) const {
+  return find_section(trim(section)) != nullptr;
+}
 
 std::optional<std::string_view> IniDocument::find_value(std::string_view section,
                                                         std::string_view key) const {
+  section = trim(section);
+  key = trim(key);
   const Section* s = find_section(section);
   if (s == nullptr) return std::nullopt;
   const Line* line = find_key(*s, key);
@@ -250,7 +254,7 @@ std::vector<std::string_view> IniDocument::section_names() const {
 
 std::vector<std::string_view> IniDocument::key_names(std::string_view section) const {
   std::vector<std::string_view> out;
-  const Section* s = find_section(section);
+  const Section* s = find_section(trim(section));
   if (s == nullptr) return out;
   for (std::uint32_t i = s->first_entry; i < s->first_entry + s->entry_count; ++i) {
     if (entries_[i].eq == kNone) continue;
@@ -262,7 +266,7 @@ std::vector<std::string_view> IniDocument::key_names(std::string_view section) c
 
 std::vector<std::string_view> IniDocument::section_lines(std::string_view section) const {
   std::vector<std::string_view> out;
-  const Section* s = find_section(section);
+  const Section* s = find_section(trim(section));
   if (s == nullptr) return out;
   out.reserve(s->entry_count);
   for (std::uint32_t i = s->first_entry; i < s->first_entry + s->entry_count; ++i)
@@ -314,6 +318,8 @@ std::string IniDocument::end_of_file_prefix(std::uint32_t at) const {
 
 std::string IniDocument::with_value(std::string_view section, std::string_view key,
                                     std::string_view value) const {
+  section = trim(section);
+  key = trim(key);
   const std::string_view eol = line_ending();
   const Section* s = scan_section(section);
   if (s == nullptr) {
@@ -337,31 +343,26 @@ std::string IniDocument::with_value(std::string_view section, std::string_view k
   return apply(bytes_, {Splice{at, 0, std::move(insert)}});
 }
 
+// Only the first occurrence goes (the one reads see); a second one then
+// becomes readable.
 std::string IniDocument::without_key(std::string_view section, std::string_view key) const {
-  const Section* s = scan_section(section);
+  key = trim(key);
+  const Section* s = scan_section(trim(section));
   if (s == nullptr) return bytes_;
-  std::vector<Splice> splices;
-  for (std::uint32_t i = s->first_entry; i < s->first_entry + s->entry_count; ++i) {
-    const Line& line = entries_[i];
-    if (line.eq != kNone && cp1252::equals_no_case(key_of(line), key)) {
-      splices.push_back(Splice{line.begin, line.next - line.begin, {}});
-    }
-  }
-  return splices.empty() ? bytes_ : apply(bytes_, std::move(splices));
+  const Line* line = scan_key(*s, key);
+  if (line == nullptr) return bytes_;
+  return apply(bytes_, {Splice{line->begin, line->next - line->begin, {}}});
 }
 
 std::string IniDocument::without_section(std::string_view section) const {
-  std::vector<Splice> splices;
-  for (const Section& s : sections_) {
-    if (cp1252::equals_no_case(name_of(s), section)) {
-      splices.push_back(Splice{s.header.begin, s.body_end - s.header.begin, {}});
-    }
-  }
-  return splices.empty() ? bytes_ : apply(bytes_, std::move(splices));
+  const Section* s = scan_section(trim(section));
+  if (s == nullptr) return bytes_;
+  return apply(bytes_, {Splice{s->header.begin, s->body_end - s->header.begin, {}}});
 }
 
 std::string IniDocument::with_section_lines(std::string_view section,
                                             const std::vector<std::string_view>& lines) const {
+  section = trim(section);
   const std::string_view eol = line_ending();
   std::string text;
   for (std::string_view line : lines) text.append(line).append(eol);

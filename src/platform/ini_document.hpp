@@ -59,14 +59,16 @@ class IniDocument {
   [[nodiscard]] std::vector<std::string_view> section_lines(std::string_view section) const;
 
   // --- Edits: each returns the bytes of the changed file. ---
+  // Names given here, as in every lookup, are trimmed like the file's own.
   // Changes the key in place, or adds it after the section's last line, or
   // adds the section at the end of the file.
   [[nodiscard]] std::string with_value(std::string_view section, std::string_view key,
                                        std::string_view value) const;
-  // Removes every line of the key in the section (the file is unchanged when
-  // there is none).
+  // Removes the first line of the key in the section, the one reads see (the
+  // file is unchanged when there is none).
   [[nodiscard]] std::string without_key(std::string_view section, std::string_view key) const;
-  // Removes every section of the name: header and lines up to the next one.
+  // Removes the first section of the name: header and lines up to the next
+  // one.
   [[nodiscard]] std::string without_section(std::string_view section) const;
   // Replaces the non-comment lines of the section by `lines`, written where
   // the first of them stood (or after the header); adds the section when

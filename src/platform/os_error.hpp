@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -37,5 +38,16 @@ class Result {
 // Builds an OsError from an errno/GetLastError value with context, e.g.
 // os_error(ENOENT, "open /dev/ttyS0") -> "open /dev/ttyS0: No such file...".
 OsError os_error(int code, const std::string& context);
+
+// The same with the context "<action> <path>". Call it as
+// os_error(errno, "open", path): nothing that could change errno runs before
+// the code is taken (the message is built inside), whereas "open " + path as
+// an argument may allocate before errno is read.
+inline OsError os_error(int code, std::string_view action, std::string_view path) {
+  std::string context(action);
+  context += ' ';
+  context += path;
+  return os_error(code, context);
+}
 
 }  // namespace kerfline::platform

@@ -89,6 +89,8 @@ KERFLINE_API char* DoEval(const char* text) {
   try {
     std::string storage;
     const std::string_view result = e->evaluate_for_output(text, storage);
+    // Script errors are part of the text; only an error outside the passes
+    // (the error flag) gives no result.
     if (!e->error() && !result.empty()) block = new_block(result);
   } catch (...) {
     block = nullptr;

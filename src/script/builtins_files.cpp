@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "platform/codepage.hpp"
+#include "platform/file_io.hpp"
 #include "platform/paths.hpp"
 #include "script/builtins.hpp"
 #include "script/evaluator.hpp"
@@ -126,23 +127,9 @@ std::string format_line_number(std::string_view format, std::int64_t number) {
 }
 
 bool write_whole_file(const std::string& path, std::string_view text) {
-  // Written beside the file and moved over it, so a failure leaves the old one.
-  const std::string temp = path + ".kerfline~";
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!out.flush()) {
-      out.close();
-      std::error_code ec;
-      fs::remove(temp, ec);
-      return false;
-    }
-  }
-  std::error_code ec;
-  fs::rename(temp, path, ec);
-  if (ec) fs::remove(temp, ec);
-  return !ec;
+  // The library's one way to replace a file: a fresh temporary name created
+  // exclusively, flushed, renamed over the file; a failure leaves the old one.
+  return static_cast<bool>(platform::file_io::replace_atomically(path, text));
 }
 
 // Numbers the lines of a file from line first_line (1-based) on, empty
@@ -257,12 +244,15 @@ std::string f_write(ArgStack& args, const FunctionRecord&, Evaluator& evaluator)
   const bool append = contains_no_case(flags, "Append");
   const bool wait_for_removed = contains_no_case(flags, "WaitForRemoved");
   const std::string path = script_path(given);
-  {
-    std::ofstream out;
-    if (!path.empty()) out.open(path, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
+  if (path.empty()) return cannot_open(given);
+  if (append) {
+    std::ofstream out(path, std::ios::binary | std::ios::app);
     if (!out) return cannot_open(given);
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     if (!out.flush()) return cannot_open(given);
+  } else if (!write_whole_file(path, text)) {
+    // A program watching for the file never sees it half written.
+    return cannot_open(given);
   }
   if (wait_for_removed) {
     constexpr std::uint32_t kPollMs = 100;

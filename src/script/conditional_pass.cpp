@@ -141,7 +141,9 @@ std::string Evaluator::conditional_pass(std::string_view text, bool closed) {
     out.append(text.substr(scan, open - scan));
     const std::string_view content =
         close > open ? text.substr(open + 1, close - open - 1) : std::string_view{};
-    out += decide_block(content, closed, 0);
+    const std::string decided = decide_block(content, closed, 0);
+    charge(0, decided.size());
+    out += decided;
     if (out.size() > kMaxPassOutputBytes) return std::string(kStatusText);
     scan = close + 1;
   }

@@ -25,26 +25,62 @@ std::string Evaluator::evaluate(std::string_view text, std::int32_t channel) {
   return result.data() == storage.data() ? std::move(storage) : std::string(result);
 }
 
-std::string_view Evaluator::evaluate_view(std::string_view text, std::int32_t channel, std::string& storage) {
-  pass_counter_ = 0;
-  escape_flag_.store(0);
-  if (parent_ == nullptr) {
-    for (WakeEvent& event : events_) event.reset();
+EntryScope::EntryScope(Evaluator& e) : root_(e.root()), outermost_(root_.entries_++ == 0) {
+  if (!outermost_) return;
+  root_.escape_flag_.store(0);
+  for (WakeEvent& event : root_.events_) event.reset();
+  root_.error_ = false;
+  root_.spent_evaluations_ = 0;
+  root_.spent_bytes_ = 0;
+  root_.budget_spent_.store(false);
+}
+
+void EntryScope::finish(std::string& storage, std::string_view& result) const {
+  if (!outermost_ || !root_.budget_spent_.load()) return;
+  storage = ScriptError(kRecursionLimit, "").printable();
+  root_.last_error_ = storage;
+  root_.pass_failed_ = true;
+  result = storage;
+}
+
+void Evaluator::charge(std::size_t evaluations, std::size_t bytes) {
+  Evaluator& r = root();
+  if (!r.budget_spent_.load()) {
+    r.spent_evaluations_ += evaluations;
+    r.spent_bytes_ += bytes;
+    if (r.spent_evaluations_ <= kMaxEvaluationsPerEntry && r.spent_bytes_ <= kMaxBytesPerEntry) return;
+    r.budget_spent_.store(true);
+    for (WakeEvent& event : r.events_) event.signal();
   }
-  error_ = false;
+  throw ScriptError(kRecursionLimit, "");
+}
+
+std::string_view Evaluator::evaluate_view(std::string_view text, std::int32_t channel, std::string& storage) {
+  const EntryScope entry(*this);
+  pass_counter_ = 0;
+  pass_failed_ = false;
   channel_ = channel;
+  std::string_view result = text;
   try {
     const NestingGuard nesting(*this);
-    if (template_pass_into(text, storage)) return storage;
-    return text;
+    charge(1, 0);
+    if (template_pass_into(text, storage)) {
+      charge(0, storage.size());
+      result = storage;
+    }
   } catch (const ScriptError& e) {
     last_error_ = e.printable();
+    pass_failed_ = true;
+    storage = last_error_;
+    result = storage;
   } catch (...) {
     last_error_ = printable_internal_error();
+    pass_failed_ = true;
+    storage = last_error_;
+    result = storage;
   }
-  error_ = true;
-  storage = last_error_;
-  return storage;
+  entry.finish(storage, result);
+  return result;
 }
 
 std::string Evaluator::evaluate_for_output(std::string_view text) {
@@ -54,39 +90,67 @@ std::string Evaluator::evaluate_for_output(std::string_view text) {
 }
 
 std::string_view Evaluator::evaluate_for_output(std::string_view text, std::string& storage) {
-  // A pass with nothing to replace leaves the text where it is: passthrough
-  // text is copied once, into the caller's block.
-  std::string blocks_done;
-  if (text.find('{') != std::string_view::npos) {
-    blocks_done = conditional_pass(text, false);
-    text = blocks_done;
+  const EntryScope entry(*this);
+  std::string_view result;
+  try {
+    // A pass with nothing to replace leaves the text where it is: passthrough
+    // text is copied once, into the caller's block.
+    std::string blocks_done;
+    if (text.find('{') != std::string_view::npos) {
+      blocks_done = conditional_pass(text, false);
+      text = blocks_done;
+    }
+    std::string calls_done;
+    result = evaluate_view(text, -1, calls_done);
+    if (result.find("%[") != std::string_view::npos) {
+      storage = arithmetic_pass(result, 0);
+      result = storage;
+    } else if (result.data() == calls_done.data()) {
+      storage = std::move(calls_done);
+      result = storage;
+    } else if (result.data() == blocks_done.data()) {
+      storage = std::move(blocks_done);
+      result = storage;
+    }
+  } catch (const ScriptError& e) {
+    error_ = !budget_spent();  // a spent budget ends with its own text
+    last_error_ = e.printable();
+    storage = last_error_;
+    result = storage;
+  } catch (...) {
+    error_ = true;
+    last_error_ = printable_internal_error();
+    storage = last_error_;
+    result = storage;
   }
-  std::string calls_done;
-  const std::string_view result = evaluate_view(text, -1, calls_done);
-  if (result.find("%[") != std::string_view::npos) {
-    storage = arithmetic_pass(result, 0);
-  } else if (result.data() == calls_done.data()) {
-    storage = std::move(calls_done);
-  } else if (result.data() == blocks_done.data()) {
-    storage = std::move(blocks_done);
-  } else {
-    return result;
-  }
-  return storage;
+  entry.finish(storage, result);
+  return result;
 }
 
 std::optional<std::string> Evaluator::evaluate_device_output(std::string_view text) {
-  std::string blocks_done;
-  if (text.find('{') != std::string_view::npos) {
-    blocks_done = conditional_pass(text, false);
-    text = blocks_done;
+  const EntryScope entry(*this);
+  std::string result;
+  try {
+    std::string blocks_done;
+    if (text.find('{') != std::string_view::npos) {
+      blocks_done = conditional_pass(text, false);
+      text = blocks_done;
+    }
+    result = evaluate(text, -1);
+  } catch (const ScriptError& e) {
+    error_ = !budget_spent();
+    last_error_ = e.printable();
+  } catch (...) {
+    error_ = true;
+    last_error_ = printable_internal_error();
   }
-  std::string result = evaluate(text, -1);
-  if (error_ && show_error_box_) {
+  std::string_view ignored;
+  entry.finish(result, ignored);
+  if ((error_ || pass_failed_) && show_error_box_) {
     const int answer = platform::host::message_box(last_error_, "Cutter Script Error:", KERFLINE_MB_OKCANCEL);
     if (answer == KERFLINE_IDCANCEL) show_error_box_ = false;
   }
-  if (error_ || escaped()) return std::nullopt;
+  if (error_ || pass_failed_ || escaped()) return std::nullopt;
   return result;
 }
 
@@ -104,6 +168,7 @@ std::string Evaluator::evaluate_imported(std::string_view text) {
 }
 
 std::string Evaluator::evaluate_call(std::string_view source, const std::vector<Token>& tokens) {
+  charge(1, 0);
   PostfixQueue queue;
   ExpressionParser(*this).parse(source, tokens, queue);
   return evaluate_postfix(queue, *this);
@@ -127,7 +192,7 @@ void Evaluator::escape() {
 }
 
 bool Evaluator::escaped() const {
-  return escape_flag_.load() != 0 || (parent_ != nullptr && parent_->escaped());
+  return escape_flag_.load() != 0 || budget_spent_.load() || (parent_ != nullptr && parent_->escaped());
 }
 
 WaitResult Evaluator::wait(std::uint32_t ms, int event) {

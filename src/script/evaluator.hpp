@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,23 +28,28 @@ class Evaluator {
   Evaluator& operator=(const Evaluator&) = delete;
 
   // --- Entries -----------------------------------------------------------
-  // The template pass under an error trap: resets the pass counter, the
-  // escape flag and the error flag; an error sets the error flag, becomes
-  // the last error text and is the output.
+  // The template pass under an error trap: resets the pass counter; an
+  // error raised in the pass becomes the last error text and the pass's
+  // whole output (pass_failed() tells). Outside any other evaluation this
+  // is a top-level evaluation: it also clears the escape flag, the error
+  // flag and the work budget.
   std::string evaluate(std::string_view text, std::int32_t channel);
   // The same; the result is text itself when no call was found, else held
   // in storage.
   std::string_view evaluate_view(std::string_view text, std::int32_t channel, std::string& storage);
   // Conditional pass, template pass, then (for a non-empty result) the
-  // arithmetic pass with no decimals: what DoEval runs.
+  // arithmetic pass with no decimals: what DoEval runs. Script errors stay
+  // in the output as bracketed text; an error outside the passes sets the
+  // error flag and makes the output the bracketed text.
   std::string evaluate_for_output(std::string_view text);
   // The same without copying text that no pass changed: the result is a
   // view of text or of storage.
   std::string_view evaluate_for_output(std::string_view text, std::string& storage);
   // The library's own output entry: conditional and template passes; an
   // error is shown in a "Cutter Script Error:" box (OK/Cancel; Cancel stops
-  // the boxes for this evaluator's life). Nothing when the error or escape
-  // flag is set.
+  // the boxes for this evaluator's life). Nothing when the template pass
+  // failed or the error or escape flag is set: error text never goes to a
+  // device.
   std::optional<std::string> evaluate_device_output(std::string_view text);
   // Evaluates an imported text in a fresh evaluator that starts with copies
   // of this one's own and script variables (on channel -1).
@@ -92,6 +98,14 @@ class Evaluator {
 
   // --- State -------------------------------------------------------------
   [[nodiscard]] bool error() const { return error_; }
+  // The latest template pass ended in an error (its output is the text).
+  [[nodiscard]] bool pass_failed() const { return pass_failed_; }
+  // Counts work against the budget of the current top-level evaluation
+  // (kMaxEvaluationsPerEntry, kMaxBytesPerEntry); past it the evaluation
+  // is spent: every wait and call returns at once and the top-level result
+  // becomes the recursion-limit text. Throws that error when spent.
+  void charge(std::size_t evaluations, std::size_t bytes);
+  [[nodiscard]] bool budget_spent() const { return root().budget_spent_.load(); }
   [[nodiscard]] const std::string& last_error() const { return last_error_; }
   [[nodiscard]] bool show_error_box() const { return show_error_box_; }
   [[nodiscard]] std::int32_t channel() const { return channel_; }
@@ -109,6 +123,7 @@ class Evaluator {
 
  private:
   friend class NestingGuard;
+  friend class EntryScope;
   Evaluator& root() { return parent_ == nullptr ? *this : *parent_; }
   [[nodiscard]] const Evaluator& root() const { return parent_ == nullptr ? *this : *parent_; }
   std::string decide_block(std::string_view content, bool closed, int depth);
@@ -128,8 +143,34 @@ class Evaluator {
   std::int32_t channel_ = -1;
   int pass_counter_ = 0;
   bool error_ = false;
+  bool pass_failed_ = false;
+  int entries_ = 0;  // evaluations running on this root (top level when 0)
+  std::size_t spent_evaluations_ = 0;
+  std::size_t spent_bytes_ = 0;
+  std::atomic<bool> budget_spent_{false};
   std::string last_error_;
   bool show_error_box_ = true;
+};
+
+// Marks an evaluation on the root evaluator. The outermost one resets the
+// escape flag, the error flag and the work budget when it starts, and turns
+// a spent budget into the recursion-limit text when it ends.
+class EntryScope {
+ public:
+  explicit EntryScope(Evaluator& e);
+  ~EntryScope() {
+    --root_.entries_;
+    if (outermost_) root_.budget_spent_.store(false);
+  }
+  EntryScope(const EntryScope&) = delete;
+  EntryScope& operator=(const EntryScope&) = delete;
+  [[nodiscard]] bool outermost() const { return outermost_; }
+  // The top-level result: the recursion-limit text when the budget ran out.
+  void finish(std::string& storage, std::string_view& result) const;
+
+ private:
+  Evaluator& root_;
+  bool outermost_;
 };
 
 // Counts one level of nested evaluation; throws the recursion-limit error

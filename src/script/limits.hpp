@@ -21,6 +21,13 @@ inline constexpr int kMaxNestedEvaluations = 16;
 // Text produced by user-function expansions within one expression.
 inline constexpr std::size_t kMaxExpansionBytes = std::size_t{64} << 10;
 
+// The work budget of one top-level evaluation (DoEval, the library's output
+// entry), imports and conditional operands included: evaluations and calls
+// started, and bytes produced by template passes and conditional blocks.
+// Past either the evaluation ends with "[internal recursion limit reached]".
+inline constexpr std::size_t kMaxEvaluationsPerEntry = 100000;
+inline constexpr std::size_t kMaxBytesPerEntry = std::size_t{64} << 20;
+
 // Output of one conditional or arithmetic pass; a pass that would exceed it
 // gives the status text "0.0".
 inline constexpr std::size_t kMaxPassOutputBytes = std::size_t{64} << 20;

@@ -192,6 +192,32 @@ TEST(ArchiveMap, ABackReferenceYieldsTheEarlierObject) {
   EXPECT_EQ(again.bytes(), w.bytes());
 }
 
+// 40 levels of groups that each hold the level below twice: 2.3 KB that
+// would make every walk over the tree follow 2^40 paths.
+TEST(ArchiveMap, AGroupInTwoPlacesIsRefused) {
+  for (const int levels : {1, 40}) {
+    auto inner = std::make_shared<drv::CDrvItemList>();
+    inner->AddChild(std::make_shared<drv::CDrvItem>());
+    for (int i = 0; i < levels; ++i) {
+      auto outer = std::make_shared<drv::CDrvItemList>();
+      outer->AddChild(inner);
+      outer->AddChild(inner);
+      inner = outer;
+    }
+    drv::ArchiveWriter w;
+    inner->Serialize(w);
+    EXPECT_LT(w.bytes().size(), std::size_t{4096});
+    drv::ArchiveReader r(w.bytes());
+    drv::CDrvItemList copy;
+    try {
+      copy.Serialize(r);
+      ADD_FAILURE() << levels << " levels were read";
+    } catch (const drv::ArchiveError& e) {
+      EXPECT_STREQ(e.what(), "a group is stored in two places");
+    }
+  }
+}
+
 TEST(ArchiveReader, RefusesNestingBeyondItsDepthLimit) {
   for (const std::size_t depth : {drv::ArchiveReader::kMaxDepth, drv::ArchiveReader::kMaxDepth + 1}) {
     drv::ArchiveWriter w;

@@ -90,3 +90,30 @@ TEST(CutDataArguments, NullRecordsAndEntries) {
   EXPECT_EQ(AddLayer(&data, nullptr), 0);
   EXPECT_EQ(FreeCutData(&data), 1);  // fresh record: nothing to release
 }
+
+// Counts around the points where the arrays grow: every entry stays intact
+// and in place (ASan catches a write past a block).
+class CutDataCounts : public ::testing::TestWithParam<int> {};
+
+TEST_P(CutDataCounts, EveryEntrySurvivesGrowth) {
+  CUTDATA data{};
+  const int n = GetParam();
+  for (int i = 0; i < n; ++i) {
+    const std::string text = std::to_string(i);
+    const CUTVAR var{const_cast<char*>(text.c_str()), const_cast<char*>(text.c_str())};
+    ASSERT_EQ(AddVariable(&data, &var), 1);
+  }
+  for (int i = 0; i < n; ++i) {
+    const CUTLAYER l = layer(i);
+    ASSERT_EQ(AddLayer(&data, &l), 1);
+  }
+  ASSERT_EQ(data.nVarCount, n);
+  ASSERT_EQ(data.nLayerCount, n);
+  for (int i = 0; i < n; ++i) {
+    EXPECT_EQ(data.pVars[i].pszName, std::to_string(i));
+    EXPECT_EQ(data.pLayers[i].anWords[6], i + 6);
+  }
+  EXPECT_EQ(FreeCutData(&data), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Counts, CutDataCounts, ::testing::Values(1, 2, 3, 4, 5, 8, 9, 17, 1000));

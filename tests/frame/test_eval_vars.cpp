@@ -39,3 +39,21 @@ TEST(LoadEvalVars, NeedsAnOpenDriver) {
   VMV6DRV closed{};
   EXPECT_EQ(LoadEvalVars(&closed, 1), -2);
 }
+
+// A group held twice at each of 40 levels: every group is walked once.
+TEST(LoadEvalVars, WalksAGroupHeldTwiceOnce) {
+  kerfline::test::SampleDriver sample;
+  auto inner = kerfline::test::group("Level0");
+  inner->AddChild(kerfline::test::item("%Innermost%", "found"));
+  for (int i = 1; i <= 40; ++i) {
+    auto outer = kerfline::test::group("Level" + std::to_string(i));
+    outer->AddChild(inner);
+    outer->AddChild(inner);
+    inner = outer;
+  }
+  ASSERT_EQ(InitEval(0, 0, nullptr), 1);
+  const int32_t before = LoadEvalVars(&sample.handle, 0xFFFFFFFFu);
+  sample.doc.Root().AddChild(inner);
+  EXPECT_EQ(LoadEvalVars(&sample.handle, 0xFFFFFFFFu), before + 1);
+  EXPECT_EQ(var("%Innermost%"), "found");
+}

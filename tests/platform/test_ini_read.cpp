@@ -94,7 +94,11 @@ INSTANTIATE_TEST_SUITE_P(
         GetCase{"a]b", "last", "d", 64, 3, "end"}, GetCase{"", "orphan", "d", 64, 1, "d"},
         GetCase{"nosuch", "name1", "default  ", 64, 7, "default"},
         GetCase{"section1", "nosuch", nullptr, 64, 0, ""},
-        GetCase{"section1", "nosuch", "  lead \t", 64, 6, "  lead"},
+        // A default loses trailing blanks only.
+        GetCase{"section1", "nosuch", "  lead \t", 64, 8, "  lead \t"},
+        GetCase{"section1", "nosuch", "d\v\f\x1a  ", 64, 4, "d\v\f\x1a"},
+        // Names given by the caller are trimmed like the file's own.
+        GetCase{" section1\t", "\tname1 ", "d", 64, 4, "val1"},
         GetCase{"section1", "nosuch", "default", 4, 3, "def"}),
     kerfline::test::RowIndex());
 
@@ -197,7 +201,7 @@ TEST(IniLists, StringFormsMatchTheBufferForms) {
   EXPECT_EQ(ini::find_string("section2", "quoted", file.path()), "val2");
   EXPECT_EQ(ini::find_string("section1", "name2", file.path()), "");
   EXPECT_EQ(ini::find_string("section1", "name3", file.path()), std::nullopt);
-  EXPECT_EQ(ini::read_string("section1", "name3", "fallback \t", file.path()), "fallback");
+  EXPECT_EQ(ini::read_string("section1", "name3", "fallback \t  ", file.path()), "fallback \t");
 }
 
 TEST(IniMissingFile, ReadsAsDefaultsAndEmptyLists) {

@@ -75,7 +75,15 @@ INSTANTIATE_TEST_SUITE_P(
         WriteCase{"[a]\nk=1\r\nj=2\n", set("a", "k", "\"q\""), true, "[a]\nk=\"q\"\r\nj=2\n"},
         // Deleting keys.
         WriteCase{"[App3]\r\nk=v\r\n", set("App3", "k", nullptr), true, "[App3]\r\n"},
-        WriteCase{"[a]\r\nk=1\r\n;c\r\nK=2\r\nj=3\r\n", set("a", "k", nullptr), true, "[a]\r\n;c\r\nj=3\r\n"},
+        // Padded names given by the caller are the file's names.
+        WriteCase{"[s]\r\npadkey=1\r\n", set("s", " padkey ", "2"), true, "[s]\r\npadkey=2\r\n"},
+        WriteCase{"[s]\r\nk=1\r\n", set(" s ", "n", "2"), true, "[s]\r\nk=1\r\nn=2\r\n"},
+        WriteCase{std::nullopt, set("\ts ", "k\t", "v"), true, "[s]\r\nk=v\r\n"},
+        WriteCase{"[a]\r\nk=1\r\nj=2\r\n", set(" a", "k\t", nullptr), true, "[a]\r\nj=2\r\n"},
+        WriteCase{"[a]\r\nk=1\r\n[b]\r\n", set("\ta ", nullptr, nullptr), true, "[b]\r\n"},
+        // Only the first occurrence of a key or section is deleted.
+        WriteCase{"[a]\r\nk=1\r\n;c\r\nK=2\r\nj=3\r\n", set("a", "k", nullptr), true,
+                  "[a]\r\n;c\r\nK=2\r\nj=3\r\n"},
         WriteCase{"[a]\r\nk=1\r\n", set("a", "nosuch", nullptr), true, "[a]\r\nk=1\r\n"},
         WriteCase{"[a]\r\nk=1\r\n", set("nosuch", "k", nullptr), true, "[a]\r\nk=1\r\n"},
         WriteCase{std::nullopt, set("a", "k", nullptr), true, ""},
@@ -83,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
         WriteCase{"[a]\r\nk=1\r\n;c\r\n\r\n[b]\r\nx=2\r\n", set("a", nullptr, "ignored"), true,
                   "[b]\r\nx=2\r\n"},
         WriteCase{"top\r\n[a]\r\nk=1\r\n[b]\r\n[A]\r\nj=2", set("A", nullptr, nullptr), true,
-                  "top\r\n[b]\r\n"},
+                  "top\r\n[b]\r\n[A]\r\nj=2"},
         WriteCase{std::nullopt, set("a", nullptr, nullptr), true, ""},
         // A null section changes nothing.
         WriteCase{"[a]\r\nk=1\r\n", set(nullptr, "k", "v"), false, "[a]\r\nk=1\r\n"},
@@ -91,6 +99,10 @@ INSTANTIATE_TEST_SUITE_P(
         WriteCase{"[a]\r\nk=1\r\n;keep\r\nj=2\r\n[b]\r\n", set_section("a", "x=9\0y=8\0"_b), true,
                   "[a]\r\nx=9\r\ny=8\r\n;keep\r\n[b]\r\n"},
         WriteCase{"[a]\nk=1\n", set_section("b", "x=9\0"_b), true, "[a]\nk=1\n[b]\nx=9\n"},
+        // Exactly the lines a whole-section read lists are replaced: lines
+        // without "=" go, comments stay.
+        WriteCase{"[a]\r\nk=1\r\nbare\r\n;keep\r\n", set_section(" a ", "x=9\0"_b), true,
+                  "[a]\r\nx=9\r\n;keep\r\n"},
         WriteCase{"[a]\r\nk=1\r\n[b]\r\n", set_section("a", ""), true, "[a]\r\n[b]\r\n"},
         WriteCase{"[a]\r\nk=1\r\n[b]\r\n", set_section("a", std::nullopt), true, "[b]\r\n"},
         WriteCase{"[a]\r\nk=1\r\n", set_section(nullptr, "x=1\0"_b), false, "[a]\r\nk=1\r\n"}),

@@ -130,5 +130,18 @@ TEST_F(BuiltinFiles, IsoLineNumbers) {
             "<!-- Can't open file: " + path("none.nc") + " -->");
 }
 
+// A link planted at the old fixed temporary name must not be followed.
+TEST_F(BuiltinFiles, IsoLineNumbersNeverWriteThroughAPlantedLink) {
+  dir_.write("victim.txt", "untouched");
+  dir_.write("prog.nc", "G0\n");
+  std::error_code ec;
+  fs::create_symlink(path("victim.txt"), path("prog.nc.kerfline~"), ec);
+  ASSERT_FALSE(ec) << ec.message();
+  EXPECT_EQ(evaluate_call("&AddIsoLineNr(" + quoted("prog.nc") + R"(, "N%d ", 1, 1, 1, ""))"), "");
+  EXPECT_EQ(dir_.read("prog.nc"), "N1 G0\r\n");
+  EXPECT_EQ(dir_.read("victim.txt"), "untouched");
+  EXPECT_TRUE(fs::is_symlink(path("prog.nc.kerfline~")));
+}
+
 }  // namespace
 }  // namespace kerfline::test

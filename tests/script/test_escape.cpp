@@ -66,6 +66,20 @@ TEST_F(Escape, FromAnotherThreadEndsAWaitAtOnce) {
   EXPECT_FALSE(process_eval().evaluator()->escaped());
 }
 
+TEST_F(Escape, OneEscapeEndsEveryLaterWaitOfTheEvaluation) {
+  bool saw_busy = false;
+  const auto start = Clock::now();
+  // Both operands of the block wait, then a call of the template pass does.
+  // The escaped wait gives "escaped"; the later calls take no symbol.
+  const auto result = run_and(
+      "{[&Wait(30000) == &Wait(30000)][same][differ]}|&Wait(30000)", [] { EscapeEval(); }, saw_busy);
+  const auto elapsed = Clock::now() - start;
+  EXPECT_TRUE(saw_busy);
+  EXPECT_EQ(result, "differ|");
+  EXPECT_LT(elapsed, std::chrono::seconds(20));
+  EXPECT_FALSE(process_eval().evaluator()->escaped());
+}
+
 TEST_F(Escape, ASignalWakesTheWaiterWithoutEscaping) {
   bool saw_busy = false;
   const auto result = run_and(

@@ -75,10 +75,13 @@ INSTANTIATE_TEST_SUITE_P(
                       DoEvalRow{"{[a == a][yes][no]}", "yes"}, DoEvalRow{"{[2 < 10][yes][no]}", "yes"},
                       DoEvalRow{"{[x ~ y][yes][no]}", "yes"}, DoEvalRow{"{[ISCLOSED][yes][no]}", "no"},
                       DoEvalRow{"{[0][yes][no]}", "no"}, DoEvalRow{R"(&Left("ABCDEF", 2))", "AB"},
-                      // A script error leaves no result; an error inside a condition's
-                      // operand is only a value.
-                      DoEvalRow{R"(&Left("ABCDEF", 2)", std::nullopt},
-                      DoEvalRow{R"(&Left("AB"))", std::nullopt}, DoEvalRow{R"("\n")", std::nullopt},
+                      // A script error is the pass's whole output; an error inside a
+                      // condition's operand is only a value.
+                      DoEvalRow{R"(&Left("ABCDEF", 2)", "[invalid expression (no end found): &(]"},
+                      DoEvalRow{R"(&Left("AB"))",
+                                "[incorrect number of parameters: Operator Left expects 2 parameters]"},
+                      DoEvalRow{R"(&Left("AB", 1, 2))", "[incorrect number of parameters]"},
+                      DoEvalRow{R"("\n")", "[syntax error: Illegal escape sequence: \\n]"},
                       DoEvalRow{R"({[&Left("A") == x][y][n]})", "n"},
                       // The passes run in order: blocks, calls, arithmetic.
                       DoEvalRow{"{[1][%[1+1]%][0]}", "2"}, DoEvalRow{R"(&T("%[")3]%)", "3"},

@@ -26,6 +26,20 @@ TEST(PassCounter, RefusesAPassAfterTenWithoutReset) {
   EXPECT_EQ(bench.evaluator->pass_counter(), 1);
 }
 
+// A block whose operands bring the block back: without a budget every level
+// doubles the work, 2^16 evaluations of 20 KB each.
+TEST(WorkBudget, EndsAnExponentialEvaluation) {
+  kerfline::test::ScriptBench bench;
+  bench.shared.set("V", "{[&T(V) == &T(V)][a][b]}" + std::string(20000, ' '), 0xFFFFFFFFu);
+  EXPECT_EQ(bench.evaluator->evaluate_for_output("x{[&T(V) == b][a][b]}y"),
+            "[internal recursion limit reached]");
+  EXPECT_TRUE(bench.evaluator->pass_failed());
+  EXPECT_FALSE(bench.evaluator->error());
+  // The next top-level evaluation starts with a fresh budget.
+  EXPECT_EQ(bench.evaluator->evaluate_for_output("{[&T(\"a\") == a][ok][no]}"), "ok");
+  EXPECT_FALSE(bench.evaluator->escaped());
+}
+
 std::string nested_calls(int depth) {
   std::string text = "&";
   for (int i = 0; i < depth; ++i) text += "T(";

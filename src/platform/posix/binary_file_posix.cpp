@@ -19,7 +19,7 @@ Result<std::string> read_binary_file(const std::string& path) {
 
 Result<std::string> read_binary_file_head(const std::string& path, std::size_t max_bytes) {
   UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (fd.get() < 0) return os_error(errno, "open " + path);
+  if (fd.get() < 0) return os_error(errno, "open", path);
   std::string out;
   struct stat st {};
   if (::fstat(fd.get(), &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
@@ -31,7 +31,7 @@ Result<std::string> read_binary_file_head(const std::string& path, std::size_t m
     const ssize_t n = ::read(fd.get(), buf, want);
     if (n < 0) {
       if (errno == EINTR) continue;
-      return os_error(errno, "read " + path);
+      return os_error(errno, "read", path);
     }
     if (n == 0) break;
     out.append(buf, static_cast<std::size_t>(n));

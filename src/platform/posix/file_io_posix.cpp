@@ -80,7 +80,7 @@ Result<std::optional<FileIdentity>> identify(const std::string& path) {
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) {
     if (absent(errno)) return std::optional<FileIdentity>{};
-    return os_error(errno, "stat " + path);
+    return os_error(errno, "stat", path);
   }
   return std::optional<FileIdentity>{identity_of(st)};
 }
@@ -90,12 +90,12 @@ Result<std::optional<FileContents>> read_whole(const std::string& path, std::uin
   UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (fd.get() < 0) {
     if (absent(errno)) return std::optional<FileContents>{};
-    return os_error(errno, "open " + path);
+    return os_error(errno, "open", path);
   }
   struct stat st {};
-  if (::fstat(fd.get(), &st) != 0) return os_error(errno, "stat " + path);
-  if (!S_ISREG(st.st_mode)) return os_error(S_ISDIR(st.st_mode) ? EISDIR : EINVAL, "read " + path);
-  if (static_cast<std::uint64_t>(st.st_size) > max_size) return os_error(EFBIG, "read " + path);
+  if (::fstat(fd.get(), &st) != 0) return os_error(errno, "stat", path);
+  if (!S_ISREG(st.st_mode)) return os_error(S_ISDIR(st.st_mode) ? EISDIR : EINVAL, "read", path);
+  if (static_cast<std::uint64_t>(st.st_size) > max_size) return os_error(EFBIG, "read", path);
 
   FileContents contents;
   contents.identity = identity_of(st);
@@ -110,7 +110,7 @@ Result<std::optional<FileContents>> read_whole(const std::string& path, std::uin
         const ssize_t n = ::read(fd.get(), &probe, 1);
         if (n == 0) break;
         if (n < 0 && errno == EINTR) continue;
-        return os_error(n < 0 ? errno : EFBIG, "read " + path);
+        return os_error(n < 0 ? errno : EFBIG, "read", path);
       }
       const std::size_t room = static_cast<std::size_t>(std::min<std::uint64_t>(max_size - got, 65536));
       contents.bytes.resize(got + room);
@@ -118,7 +118,7 @@ Result<std::optional<FileContents>> read_whole(const std::string& path, std::uin
     const ssize_t n = ::read(fd.get(), contents.bytes.data() + got, contents.bytes.size() - got);
     if (n < 0) {
       if (errno == EINTR) continue;
-      return os_error(errno, "read " + path);
+      return os_error(errno, "read", path);
     }
     if (n == 0) break;
     got += static_cast<std::size_t>(n);
@@ -138,9 +138,9 @@ Result<FileIdentity> replace_atomically(const std::string& path_in, std::string_
   for (int attempt = 0; attempt < 100 && raw_fd < 0; ++attempt) {
     temp = dir + "/." + base + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
     raw_fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (raw_fd < 0 && errno != EEXIST) return os_error(errno, "create " + temp);
+    if (raw_fd < 0 && errno != EEXIST) return os_error(errno, "create", temp);
   }
-  if (raw_fd < 0) return os_error(EEXIST, "create " + temp);
+  if (raw_fd < 0) return os_error(EEXIST, "create", temp);
   UniqueFd fd(raw_fd);
   auto fail = [&temp](int code, const std::string& what) {
     ::unlink(temp.c_str());
@@ -159,7 +159,7 @@ Result<FileIdentity> replace_atomically(const std::string& path_in, std::string_
   // The rename is on disk only once the directory is.
   UniqueFd dir_fd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (dir_fd.get() >= 0 && fsync_retrying(dir_fd.get()) != 0 && errno != EINVAL) {
-    return os_error(errno, "flush " + dir);
+    return os_error(errno, "flush", dir);
   }
   return identity_of(st);
 }
@@ -195,15 +195,15 @@ Result<FileLock> lock_exclusive(const std::string& path) {
   // been replaced by its writer, and then the new one is locked instead.
   for (;;) {
     UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
-    if (fd.get() < 0) return os_error(errno, "open " + path);
+    if (fd.get() < 0) return os_error(errno, "open", path);
     int rc = 0;
     do {
       rc = ::flock(fd.get(), LOCK_EX);
     } while (rc != 0 && errno == EINTR);
-    if (rc != 0) return os_error(errno, "lock " + path);
+    if (rc != 0) return os_error(errno, "lock", path);
     struct stat locked {};
     struct stat current {};
-    if (::fstat(fd.get(), &locked) != 0) return os_error(errno, "stat " + path);
+    if (::fstat(fd.get(), &locked) != 0) return os_error(errno, "stat", path);
     if (::stat(path.c_str(), &current) == 0 && current.st_dev == locked.st_dev &&
         current.st_ino == locked.st_ino) {
       return FileLock(static_cast<std::intptr_t>(fd.release()));

@@ -109,11 +109,11 @@ Result<SharedMemory> SharedMemory::open(std::string_view name, std::size_t size)
 
   auto impl = std::make_unique<Impl>();
   impl->fd = shm_open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (impl->fd < 0) return os_error(errno, "shm_open " + path);
-  if (const int err = prepare(impl->fd, size); err != 0) return os_error(err, "prepare " + path);
+  if (impl->fd < 0) return os_error(errno, "shm_open", path);
+  if (const int err = prepare(impl->fd, size); err != 0) return os_error(err, "prepare", path);
 
   void* base = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, impl->fd, 0);
-  if (base == MAP_FAILED) return os_error(errno, "mmap " + path);
+  if (base == MAP_FAILED) return os_error(errno, "mmap", path);
   impl->base = base;
   impl->size = size;
   return SharedMemory(std::move(impl));

@@ -16,7 +16,7 @@ Result<std::string> create_unique_file(std::string_view dir, std::string_view pr
   name.push_back('\0');
   // mkstemps picks the name and creates the file with O_EXCL in one call.
   const int fd = mkstemps(name.data(), static_cast<int>(suffix.size()));
-  if (fd < 0) return os_error(errno, "create a unique file like " + pattern);
+  if (fd < 0) return os_error(errno, "create a unique file like", pattern);
   close(fd);
   return std::string(name.data());
 }
