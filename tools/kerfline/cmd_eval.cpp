@@ -76,7 +76,10 @@ int run_eval(const EvalOptions& o) {
   std::fwrite(out, 1, std::strlen(out), stdout);
   if (std::strlen(out) == 0 || out[std::strlen(out) - 1] != '\n') std::fputc('\n', stdout);
   FreeEval(out);
-  return kExitOk;
+  // A script error is in the text; the exit code still tells a script that
+  // the template failed.
+  const script::Evaluator* evaluator = script::process_eval().evaluator();
+  return evaluator != nullptr && evaluator->pass_failed() ? kExitFailure : kExitOk;
 }
 
 }  // namespace
