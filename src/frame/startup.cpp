@@ -39,11 +39,16 @@ StartState& state() {
   return s;
 }
 
-// Loads one table from the resource directory unless it is loaded already.
+// Loads one table unless it is loaded already: the suite's own Res/ first,
+// then the defaults installed with the library.
 bool load_table(std::unique_ptr<StringTable>& slot, const std::string& resource_dir, const char* name) {
   if (slot) return true;
   // Only an existence check first: a missing table is an ordinary outcome.
-  const auto path = platform::resolve_case_insensitive(resource_dir + name);
+  auto path = platform::resolve_case_insensitive(resource_dir + name);
+  if (const std::string data = platform::data_dir(); !path && !data.empty()) {
+    path = platform::resolve_case_insensitive(platform::join_path(data, "Res") + platform::path_separator() +
+                                              name);
+  }
   if (!path) return false;
   auto table = StringTable::load(*path);
   if (!table) return false;
@@ -78,8 +83,14 @@ TranslationStartRecord translation_start_record(const std::string& base) {
       platform::ini::get_string("Default", "Actual", "GER", code, sizeof(code), ini_file);
   const std::string language(code, length);
 
-  const std::string wanted = base + "lang" + sep + language + sep + "kerfline" + language + ".TRA";
-  const std::string translation_file = platform::resolve_case_insensitive(wanted).value_or("");
+  const std::string leaf = "lang" + std::string(1, sep) + language + sep + "kerfline" + language + ".TRA";
+  std::string translation_file = platform::resolve_case_insensitive(base + leaf).value_or("");
+  // A suite that names its language but lacks the file gets the installed
+  // one; a suite without lang.ini is not switched to German behind its back.
+  if (const std::string data = platform::data_dir();
+      translation_file.empty() && !data.empty() && platform::path_exists(ini_file)) {
+    translation_file = platform::resolve_case_insensitive(data + leaf).value_or("");
+  }
   const std::string library_dir = base + "lang" + sep + "dll";
 
   return make_start_record(translation_file, library_dir);

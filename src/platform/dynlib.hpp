@@ -1,9 +1,10 @@
 // Dynamic libraries: the vendor and plug-in DLLs of the suite, loaded by the
 // name Windows code uses ("ocv.dll"). On POSIX "name.dll" is looked for as
 // name.so and libname.so (as given, then in lower case) beside the library
-// itself (module_dir()), then in the suite directory, then on the default
-// search path: a host whose suite directory is elsewhere still finds the
-// plug-ins installed with the library. A name with a separator in it
+// itself (module_dir()), then in the suite directory, then in the installed
+// plug-in directory (plugin_dir()), then on the default search path: a host
+// whose suite directory is elsewhere still finds the plug-ins installed with
+// the library. A name with a separator in it
 // is a path and is opened as it is.
 #pragma once
 

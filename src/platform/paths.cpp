@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <initializer_list>
 #include <mutex>
 
 namespace kerfline::platform {
@@ -12,6 +13,21 @@ struct HomeState {
   std::string override_dir;
   std::atomic<std::uint64_t> generation{0};
 };
+
+// Where an installation puts its files, relative to each other; set by the
+// build from the install directories.
+#ifndef KERFLINE_LIB_TO_DATA
+#  define KERFLINE_LIB_TO_DATA "../share/kerfline"
+#endif
+#ifndef KERFLINE_BIN_TO_DATA
+#  define KERFLINE_BIN_TO_DATA "../share/kerfline"
+#endif
+#ifndef KERFLINE_BIN_TO_LIB
+#  define KERFLINE_BIN_TO_LIB "../lib"
+#endif
+
+std::mutex data_override_mutex;
+std::string data_override;
 
 HomeState& home_state() {
   static HomeState state;
@@ -60,6 +76,38 @@ std::string join_path(std::string_view base, std::string_view leaf) {
   while (start < leaf.size() && is_sep(leaf[start])) ++start;
   out.append(leaf.substr(start));
   return out;
+}
+
+namespace {
+
+// The first of the directories below library_dir() that exists. The code may
+// sit in the shared library (lib/) or be linked into a program (bin/).
+std::string first_installed_dir(std::initializer_list<std::string_view> relative) {
+  const std::string base = library_dir();
+  for (const std::string_view rel : relative) {
+    const std::string dir = join_path(base, native_separators(rel));
+    if (is_directory(dir)) return with_trailing_separator(dir);
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string data_dir() {
+  {
+    std::lock_guard lock(data_override_mutex);
+    if (!data_override.empty()) return with_trailing_separator(data_override);
+  }
+  return first_installed_dir({KERFLINE_LIB_TO_DATA, KERFLINE_BIN_TO_DATA});
+}
+
+std::string plugin_dir() {
+  return first_installed_dir({"kerfline/plugins", KERFLINE_BIN_TO_LIB "/kerfline/plugins"});
+}
+
+void testing::set_data_dir(std::string_view dir) {
+  std::lock_guard lock(data_override_mutex);
+  data_override = native_separators(dir);
 }
 
 std::string native_separators(std::string_view path) {

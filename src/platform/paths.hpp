@@ -38,6 +38,24 @@ std::string native_separators(std::string_view path);
 // The directory of the running executable, ending in the separator.
 std::string executable_dir();
 
+// The directory of the file that holds the library's code: the shared
+// library, or the program it is linked into. Ends in the separator.
+std::string library_dir();
+
+// The installed default files ("share/kerfline/" of the prefix the library
+// lies in), ending in the separator; empty when there is no such directory.
+// Found relative to library_dir(), so a moved prefix keeps working.
+std::string data_dir();
+
+// The installed plug-ins ("lib/kerfline/plugins/" of the same prefix), ending
+// in the separator; empty when there is no such directory.
+std::string plugin_dir();
+
+namespace testing {
+// Replaces (non-empty) or restores (empty) what data_dir() finds.
+void set_data_dir(std::string_view dir);
+}  // namespace testing
+
 // True when a file or directory exists at the path (no open, no read).
 bool path_exists(const std::string& path);
 bool is_directory(const std::string& path);

@@ -1,9 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "fixtures/temp_dir.hpp"
+
 #include "platform/dynlib.hpp"
 #include "platform/paths.hpp"
 
 namespace kp = kerfline::platform;
+using kerfline::test::TempDir;
 
 TEST(LibraryCandidates, MapWindowsNamesToSharedObjects) {
   EXPECT_EQ(kp::library_file_candidates("ocv.dll"), (std::vector<std::string>{"ocv.so", "libocv.so"}));
@@ -58,4 +63,63 @@ TEST_F(DynamicLibraryTest, AFileThatIsNoLibraryReportsTheLoaderError) {
   auto lib = kp::DynamicLibrary::open(std::string(__FILE__));
   ASSERT_FALSE(lib.ok());
   EXPECT_FALSE(lib.error().message.empty());
+}
+
+// Installed plug-ins lie in kerfline/plugins/ beside the code that loads them:
+// here the test program itself, which has the platform layer linked in.
+class InstalledPluginTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    kp::set_home_dir(suite.path().string());
+    std::filesystem::remove_all(installed_root());
+  }
+  void TearDown() override {
+    kp::set_home_dir("");
+    std::filesystem::remove_all(installed_root());
+  }
+  static std::filesystem::path installed_root() {
+    return std::filesystem::path(kp::library_dir()) / "kerfline";
+  }
+  static std::filesystem::path plugin_file() {
+    return std::filesystem::path(KERFLINE_TEST_PLUGIN_DIR) / "libtestplug.so";
+  }
+  static void put(const std::filesystem::path& dir) {
+    std::filesystem::create_directories(dir);
+    std::filesystem::copy_file(plugin_file(), dir / "libtestplug.so");
+  }
+  TempDir suite;
+};
+
+// The test program has the platform layer linked in: its code lives in the program.
+TEST(LibraryDir, IsTheProgramsDirectoryForCodeLinkedIntoIt) {
+  EXPECT_EQ(kp::library_dir(), kp::executable_dir());
+}
+
+TEST_F(InstalledPluginTest, SuiteCopyWinsOverTheInstalledOne) {
+  struct Case {
+    bool in_suite;
+    bool installed;
+    const char* found_in;  // "suite", "installed", or null: not loaded from either
+  } cases[] = {
+      {true, true, "suite"}, {false, true, "installed"}, {true, false, "suite"}, {false, false, nullptr}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.in_suite ? "suite " : "") + (c.installed ? "installed" : ""));
+    std::filesystem::remove_all(installed_root());
+    std::filesystem::remove(suite.path() / "libtestplug.so");
+    if (c.in_suite) put(suite.path());
+    if (c.installed) put(installed_root() / "plugins");
+    EXPECT_EQ(kp::plugin_dir().empty(), !c.installed);
+    auto lib = kp::DynamicLibrary::open("testplug.dll");
+    if (c.found_in == nullptr) {
+      // The default search path does not hold the test plug-in.
+      EXPECT_FALSE(lib.ok());
+      continue;
+    }
+    ASSERT_TRUE(lib.ok()) << lib.error().message;
+    const std::filesystem::path dir =
+        std::string(c.found_in) == "suite" ? suite.path() : installed_root() / "plugins";
+    EXPECT_EQ(lib->path(), kp::join_path(dir.string(), "libtestplug.so"));
+    ASSERT_NE(lib->function<int(int)>("TestPlugAnswer"), nullptr);
+    EXPECT_EQ(lib->function<int(int)>("TestPlugAnswer")(20), 41);
+  }
 }

@@ -10,16 +10,28 @@
 #include "commands.hpp"
 #include "kerfline/kerfline.h"
 #include "open_driver.hpp"
+#include "platform/paths.hpp"
 
 namespace kerfline::cli {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string tool_dir() {
+// Where the string tables and the built example drivers are: beside the tool
+// in a build tree, under share/ in an installation.
+struct DemoSources {
+  fs::path tables;
+  fs::path drivers;
+};
+
+DemoSources demo_sources() {
+  const fs::path bin = platform::executable_dir();
   std::error_code ec;
-  const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  return ec ? std::string(".") : exe.parent_path().string();
+  if (fs::is_directory(bin / ".." / "examples" / "drivers", ec)) {
+    return {bin / "Res", bin / ".." / "examples" / "drivers"};
+  }
+  const fs::path data = platform::data_dir();
+  return {data / "Res", data / ".." / "doc" / "kerfline" / "examples" / "drivers"};
 }
 
 // A fresh suite directory holding the string tables and the example drivers.
@@ -30,12 +42,12 @@ class DemoSuite {
     dir_ = fs::temp_directory_path() / ("kerfline-demo-" + std::to_string(rd()));
     fs::create_directories(dir_ / "Res");
     fs::create_directories(dir_ / "Drivers");
-    const fs::path bin = tool_dir();
+    const DemoSources from = demo_sources();
     std::error_code ec;
-    for (const auto& entry : fs::directory_iterator(bin / "Res", ec)) {
+    for (const auto& entry : fs::directory_iterator(from.tables, ec)) {
       fs::copy_file(entry.path(), dir_ / "Res" / entry.path().filename(), ec);
     }
-    for (const auto& entry : fs::directory_iterator(bin / ".." / "examples" / "drivers", ec)) {
+    for (const auto& entry : fs::directory_iterator(from.drivers, ec)) {
       if (entry.path().extension() == ".vmd") {
         fs::copy_file(entry.path(), dir_ / "Drivers" / entry.path().filename(), ec);
       }
@@ -122,7 +134,7 @@ int run_demo() {
   const std::string cutter = suite.driver("hpgl-cutter.vmd");
   heading("A driver as a host sees it (InitDrv, GetDrvName, GetDrvClass2, GetDrvFlags, CountTools)");
   if (print_driver_info(cutter) != kExitOk) {
-    std::fprintf(stderr, "kerfline: the example drivers are missing; build the project first\n");
+    std::fprintf(stderr, "kerfline: the example drivers are missing; build or install the project first\n");
     return kExitFailure;
   }
   heading("Its tools (GetFirstTool/GetNextTool, GetDrvFlags with a tool name)");

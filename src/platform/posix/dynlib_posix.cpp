@@ -58,6 +58,10 @@ Result<DynamicLibrary> DynamicLibrary::open(std::string_view windows_name) {
       for (const auto& n : names) attempts.push_back(join_path(beside, n));
     }
     for (const auto& n : names) attempts.push_back(join_path(dir, n));
+    // Plug-ins installed with the library, wherever its prefix was moved.
+    if (const std::string plugins = plugin_dir(); !plugins.empty()) {
+      for (const auto& n : names) attempts.push_back(join_path(plugins, n));
+    }
     for (const auto& n : names) attempts.push_back(n);  // default search path
   }
 

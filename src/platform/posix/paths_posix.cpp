@@ -1,4 +1,6 @@
 #include <dirent.h>
+#include <dlfcn.h>
+#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +21,23 @@ std::string executable_dir() {
   std::string path(buf.data(), static_cast<std::size_t>(n));
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return "./";
+  return path.substr(0, slash + 1);
+}
+
+std::string library_dir() {
+  // Any address inside this file names the object it was linked into. The
+  // program itself has an empty name in its link map (dladdr would give
+  // argv[0], which may be relative).
+  Dl_info info{};
+  link_map* map = nullptr;
+  if (dladdr1(reinterpret_cast<void*>(&library_dir), &info, reinterpret_cast<void**>(&map),
+              RTLD_DL_LINKMAP) == 0 ||
+      map == nullptr || map->l_name == nullptr || map->l_name[0] == '\0') {
+    return executable_dir();
+  }
+  std::string path(map->l_name);
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return executable_dir();
   return path.substr(0, slash + 1);
 }
 
