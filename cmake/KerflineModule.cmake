@@ -30,7 +30,7 @@ function(kerfline_add_module name)
   target_include_directories(${target} PUBLIC
     ${PROJECT_SOURCE_DIR}/include
     ${PROJECT_SOURCE_DIR}/src)
-  target_compile_definitions(${target} PUBLIC KERFLINE_STATIC_BUILD=0 PRIVATE KERFLINE_BUILDING=1)
+  target_compile_definitions(${target} PUBLIC KERFLINE_STATIC_BUILD=1 PRIVATE KERFLINE_BUILDING=1)
   foreach(dep IN LISTS ARG_DEPENDS)
     target_link_libraries(${target} PUBLIC kerfline_${dep})
   endforeach()

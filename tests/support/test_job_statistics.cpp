@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "fixtures/table_names.hpp"
+#include "platform/environment.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/job_statistics.hpp"
 #include "platform/ini.hpp"
@@ -30,7 +31,7 @@ class JobStatistics : public ::testing::Test {
  protected:
   void SetUp() override {
     // Local time is UTC here, so expected times can be written down.
-    setenv("TZ", "UTC0", 1);
+    kerfline::platform::set_environment("TZ", "UTC0");
     tzset();
     stats_.SetDevice("Cutter 1");
     stats_.SetIni(ini_.c_str());

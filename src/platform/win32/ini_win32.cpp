@@ -55,7 +55,10 @@ std::string trim_right(std::string_view text) {
 std::string resolve_file(const std::string& file) {
   if (file.empty()) return {};
   // A bare name would send the system to the Windows directory.
-  return file.find_first_of("/\\") == std::string::npos ? join_path(home_dir(), file) : native_separators(file);
+  std::string path =
+      file.find_first_of("/\\") == std::string::npos ? join_path(home_dir(), file) : native_separators(file);
+  if (auto on_disk = resolve_case_insensitive(path)) return std::move(*on_disk);
+  return path;
 }
 
 std::uint32_t get_string(const char* section, const char* key, const char* default_value, char* buffer,
@@ -71,6 +74,12 @@ std::uint32_t get_int(const char* section, const char* key, std::int32_t default
 
 std::uint32_t get_section(const char* section, char* buffer, std::uint32_t size, const std::string& file) {
   if (buffer == nullptr || size == 0) return 0;
+  if (section == nullptr) {
+    // The system has no meaning for it (Wine crashes): an empty list.
+    buffer[0] = '\0';
+    if (size >= 2) buffer[1] = '\0';
+    return 0;
+  }
   return GetPrivateProfileSectionA(section, buffer, size, resolve_file(file).c_str());
 }
 

@@ -14,7 +14,7 @@ bool valid_name_char(char c) {
 // The mapping's name in the session's namespace, or empty for a name we refuse.
 std::string os_name(std::string_view name) {
   if (!name.empty() && name.front() == '/') name.remove_prefix(1);
-  if (name.empty() || name.size() > 200) return {};
+  if (name.empty() || name.size() > 200 || name == "." || name == "..") return {};
   for (const char c : name) {
     if (!valid_name_char(c)) return {};
   }
