@@ -29,7 +29,8 @@ TEST_F(DynamicLibraryTest, LoadsByWindowsNameFromTheSuiteDirectory) {
   auto* answer = lib->function<int(int)>("TestPlugAnswer");
   ASSERT_NE(answer, nullptr);
   EXPECT_EQ(answer(20), 41);
-  EXPECT_EQ(lib->path(), kp::join_path(kp::native_separators(KERFLINE_TEST_PLUGIN_DIR), KERFLINE_TEST_PLUGIN_FILE));
+  EXPECT_EQ(lib->path(),
+            kp::join_path(kp::native_separators(KERFLINE_TEST_PLUGIN_DIR), KERFLINE_TEST_PLUGIN_FILE));
 }
 
 TEST_F(DynamicLibraryTest, MissingSymbolIsNull) {

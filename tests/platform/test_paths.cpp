@@ -22,7 +22,11 @@ class JoinPath : public ::testing::TestWithParam<JoinCase> {};
 
 TEST_P(JoinPath, PutsExactlyOneSeparatorBetweenParts) {
   const JoinCase& c = GetParam();
-  EXPECT_EQ(kp::join_path(c.base, c.leaf), c.expected);
+  // The rows are written with '/'; on Windows the separator is '\\'.
+  const auto native = [](const std::string& p) {
+    return kp::path_separator() == '/' ? p : kp::native_separators(p);
+  };
+  EXPECT_EQ(native(kp::join_path(c.base, c.leaf)), native(c.expected));
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, JoinPath,
@@ -36,7 +40,8 @@ INSTANTIATE_TEST_SUITE_P(Table, JoinPath,
 
 TEST(NativeSeparators, TurnsWindowsPathsIntoThisOsPaths) {
   const std::string sep(1, kp::path_separator());
-  EXPECT_EQ(kp::native_separators("Lang\\GER\\kerflineGER.TRA"), "Lang" + sep + "GER" + sep + "kerflineGER.TRA");
+  EXPECT_EQ(kp::native_separators("Lang\\GER\\kerflineGER.TRA"),
+            "Lang" + sep + "GER" + sep + "kerflineGER.TRA");
   EXPECT_EQ(kp::native_separators("a/b\\c"), "a" + sep + "b" + sep + "c");
 }
 
@@ -75,7 +80,8 @@ class ResolveNoCase : public ::testing::Test {
 };
 
 TEST_F(ResolveNoCase, FindsEachComponentIgnoringCase) {
-  if (!std::filesystem::exists(dir.path() / "lang" / "GER") || !std::filesystem::exists(dir.path() / "Lang" / "lang.ini") ||
+  if (!std::filesystem::exists(dir.path() / "lang" / "GER") ||
+      !std::filesystem::exists(dir.path() / "Lang" / "lang.ini") ||
       std::filesystem::equivalent(dir.path() / "Lang", dir.path() / "lang")) {
     GTEST_SKIP() << "names that differ only in case cannot both exist on this file system";
   }

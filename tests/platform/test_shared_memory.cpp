@@ -51,7 +51,8 @@ TEST_F(SharedMemoryTest, StartsZeroAgainOnceNobodyHasItOpen) {
 }
 
 TEST_F(SharedMemoryTest, RemoveForgetsTheName) {
-  if (path_separator() == '\\') GTEST_SKIP() << "Windows drops a mapping's name with its last handle, never before";
+  if (path_separator() == '\\')
+    GTEST_SKIP() << "Windows drops a mapping's name with its last handle, never before";
   ASSERT_TRUE(SharedMemory::open(name_, 64));
   EXPECT_TRUE(SharedMemory::remove(name_));
   EXPECT_FALSE(SharedMemory::remove(name_));

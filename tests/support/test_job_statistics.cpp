@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "fixtures/table_names.hpp"
-#include "platform/environment.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/job_statistics.hpp"
+#include "platform/environment.hpp"
 #include "platform/ini.hpp"
 
 namespace {

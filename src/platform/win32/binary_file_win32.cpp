@@ -11,8 +11,9 @@ Result<std::string> read_binary_file(const std::string& path) {
 }
 
 Result<std::string> read_binary_file_head(const std::string& path, std::size_t max_bytes) {
-  win32::UniqueHandle h(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  win32::UniqueHandle h(CreateFileA(path.c_str(), GENERIC_READ,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!h.valid()) return win32::last_error("open " + path);
   std::string out;
   LARGE_INTEGER size{};

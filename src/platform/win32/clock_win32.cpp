@@ -3,7 +3,20 @@
 
 namespace kerfline::platform {
 
-std::uint64_t tick_ms64() { return GetTickCount64(); }
+// GetTickCount64 moves in steps of 10-16 ms; time-outs and the tests of
+// short waits need the millisecond, which the performance counter gives.
+std::uint64_t tick_ms64() {
+  static const LONGLONG frequency = [] {
+    LARGE_INTEGER f{};
+    QueryPerformanceFrequency(&f);
+    return f.QuadPart > 0 ? f.QuadPart : 1;
+  }();
+  LARGE_INTEGER now{};
+  QueryPerformanceCounter(&now);
+  const auto ticks = static_cast<unsigned long long>(now.QuadPart);
+  const auto per_second = static_cast<unsigned long long>(frequency);
+  return ticks / per_second * 1000ULL + ticks % per_second * 1000ULL / per_second;
+}
 
 void sleep_ms(std::uint32_t ms) { Sleep(ms); }
 

@@ -33,7 +33,7 @@ Result<DynamicLibrary> DynamicLibrary::open(std::string_view windows_name) {
       SetErrorMode(old_mode);
       auto impl = std::make_unique<Impl>();
       impl->module = win32::UniqueModule(handle);
-      impl->path = candidate;
+      impl->path = resolve_case_insensitive(candidate).value_or(candidate);
       return DynamicLibrary(std::move(impl));
     }
     const DWORD code = GetLastError();

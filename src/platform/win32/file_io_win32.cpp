@@ -108,8 +108,8 @@ Result<FileIdentity> replace_atomically(const std::string& path, std::string_vie
   const std::string temp = path + ".~" + std::to_string(GetCurrentProcessId()) + "-" +
                            std::to_string(counter.fetch_add(1)) + ".tmp";
   {
-    win32::UniqueHandle h(CreateFileA(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    win32::UniqueHandle h(
+        CreateFileA(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!h.valid()) return win32::last_error("create " + temp);
     auto fail = [&temp](const std::string& what) {
       OsError error = win32::last_error(what);
@@ -192,7 +192,8 @@ Result<FileLock> lock_exclusive(const std::string& path) {
     if (!h.valid()) return win32::last_error("open " + path);
     OVERLAPPED where{};
     where.OffsetHigh = kLockOffsetHigh;
-    if (!LockFileEx(h.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &where)) return win32::last_error("lock " + path);
+    if (!LockFileEx(h.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &where))
+      return win32::last_error("lock " + path);
     BY_HANDLE_FILE_INFORMATION locked{};
     if (!GetFileInformationByHandle(h.get(), &locked)) return win32::last_error("stat " + path);
     auto current = identify(path);

@@ -46,7 +46,8 @@ std::optional<std::string> resolve_case_insensitive(std::string_view path_in) {
   if (path.size() >= 2 && path[1] == ':') pos = 2;
   if (path.compare(0, 2, "\\\\") == 0) {
     const std::size_t server_end = path.find('\\', 2);
-    const std::size_t share_end = server_end == std::string::npos ? server_end : path.find('\\', server_end + 1);
+    const std::size_t share_end =
+        server_end == std::string::npos ? server_end : path.find('\\', server_end + 1);
     pos = share_end == std::string::npos ? path.size() : share_end;
   }
   std::string resolved = path.substr(0, pos);

@@ -46,8 +46,8 @@ Result<SharedMemory> SharedMemory::open(std::string_view name, std::size_t size)
 
   auto impl = std::make_unique<Impl>();
   const auto size64 = static_cast<unsigned long long>(size);
-  impl->mapping.reset(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, win32::high_dword(size64),
-                                         win32::low_dword(size64), os.c_str()));
+  impl->mapping.reset(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE,
+                                         win32::high_dword(size64), win32::low_dword(size64), os.c_str()));
   if (!impl->mapping.valid()) return win32::last_error("CreateFileMapping " + os);
   // An existing mapping keeps its size: a section cannot grow.
   impl->view = win32::UniqueView(MapViewOfFile(impl->mapping.get(), FILE_MAP_ALL_ACCESS, 0, 0, size));

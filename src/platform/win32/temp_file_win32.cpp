@@ -21,7 +21,8 @@ Result<std::string> create_unique_file(std::string_view dir, std::string_view pr
     }
     const std::string path = join_path(dir, std::string(prefix) + unique + std::string(suffix));
     // CREATE_NEW makes the choice and the creation one step.
-    HANDLE h = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE h =
+        CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (h != INVALID_HANDLE_VALUE) {
       CloseHandle(h);
       return path;

@@ -3,10 +3,10 @@
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
+#  define WIN32_LEAN_AND_MEAN
 #endif
 #ifndef NOMINMAX
-#define NOMINMAX
+#  define NOMINMAX
 #endif
 #include <windows.h>
 
@@ -96,7 +96,9 @@ class UniqueView {
 };
 
 // The error of the Win32 call that just failed, read at once.
-inline OsError last_error(const std::string& context) { return os_error(static_cast<int>(GetLastError()), context); }
+inline OsError last_error(const std::string& context) {
+  return os_error(static_cast<int>(GetLastError()), context);
+}
 
 // Splits a 64-bit quantity the way FILETIME and the size arguments want it.
 inline DWORD low_dword(unsigned long long v) { return static_cast<DWORD>(v & 0xFFFFFFFFULL); }
