@@ -1,5 +1,6 @@
-// The one way platform code reaches <windows.h>: lean, without the min/max
-// macros, and with owners for the handles the Win32 files keep.
+// The one way platform code reaches <windows.h> (and Winsock 2): lean,
+// without the min/max macros, and with owners for the handles the Win32
+// files keep.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN
@@ -8,7 +9,12 @@
 #ifndef NOMINMAX
 #  define NOMINMAX
 #endif
+// Winsock 2 before windows.h, which would otherwise bring the old winsock.h.
+// clang-format off
+#include <winsock2.h>
+#include <ws2tcpip.h>
 #include <windows.h>
+// clang-format on
 
 #include <string>
 #include <string_view>
