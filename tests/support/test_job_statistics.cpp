@@ -200,7 +200,7 @@ TEST_F(JobStatistics, ResetZeroesDeletesAndUnstamps) {
 std::string utc_text(std::chrono::system_clock::time_point tp) {
   const time_t t = std::chrono::system_clock::to_time_t(tp);
   tm f{};
-  gmtime_r(&t, &f);
+  f = *std::gmtime(&t);  // one thread: the static result is safe here
   return std::to_string(f.tm_mday) + "." + std::to_string(f.tm_mon + 1) + "." +
          std::to_string(f.tm_year + 1900) + " " + std::to_string(f.tm_hour) + ":" + std::to_string(f.tm_min) +
          ":" + std::to_string(f.tm_sec);
