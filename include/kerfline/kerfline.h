@@ -25,9 +25,16 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* On Windows the C functions are plain __cdecl exports of kerfline.dll under
+ * their undecorated names, usable from any compiler. The exported C++
+ * classes (the .hpp headers beside this one) are C++ ABI, as with any C++ DLL: only hosts built
+ * with the same compiler as the DLL (mingw-w64 GCC) can use them. */
 #if defined(_WIN32)
 #  if defined(KERFLINE_BUILDING)
 #    define KERFLINE_API __declspec(dllexport)
+#  elif defined(KERFLINE_STATIC_BUILD) && KERFLINE_STATIC_BUILD
+/* Linked from the library's static modules (its own tools and tests). */
+#    define KERFLINE_API
 #  else
 #    define KERFLINE_API __declspec(dllimport)
 #  endif

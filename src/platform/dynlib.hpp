@@ -8,6 +8,7 @@
 // is a path and is opened as it is.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,6 +29,12 @@ class DynamicLibrary {
 
   // The address of an exported symbol, or null.
   [[nodiscard]] void* symbol(const char* name) const;
+
+  // An export by its ordinal number, as vendor libraries that publish no
+  // names are imported on Windows. Elsewhere libraries have no ordinals and
+  // the symbol is looked up by name_elsewhere, the name the replacement
+  // library documents for it. Null when there is none.
+  [[nodiscard]] void* symbol_by_ordinal(std::uint16_t ordinal, const char* name_elsewhere) const;
 
   // A typed symbol lookup: auto f = lib.function<int(int)>("Name").
   template <typename Signature>

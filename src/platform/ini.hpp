@@ -81,6 +81,10 @@ bool delete_section(std::string_view section, const std::string& file);
 // directory); exposed for callers that build messages.
 std::string resolve_file(const std::string& file);
 
+// True where these functions are the system's own (Windows): the file format
+// is then whatever the system makes of it, and the cache below is not ours.
+bool uses_system_engine();
+
 // --- Cache -----------------------------------------------------------------
 // Reads are served from parsed copies of the last few files, checked against
 // the file on disk at every call. These counters let tests and diagnostics
@@ -90,7 +94,8 @@ struct CacheStats {
   std::uint64_t loads = 0;  // files read from disk and parsed
 };
 CacheStats cache_stats();
-// Drops every parsed copy (the counters stay).
+// Drops every parsed copy (the counters stay). With the system engine there
+// are no counters (always zero) and this asks the system to drop its copies.
 void clear_cache();
 
 }  // namespace kerfline::platform::ini

@@ -27,7 +27,9 @@ class SharedMemory {
   static Result<SharedMemory> open(std::string_view name, std::size_t size);
 
   // Removes the name, so that the next open creates a new block. Mappings
-  // that are open stay valid. False when no block has that name.
+  // that are open stay valid. False when no block has that name, and always
+  // on Windows, where a name goes with its last handle and cannot be removed
+  // before; there an existing smaller block is not grown either (open fails).
   static bool remove(std::string_view name);
 
   SharedMemory(SharedMemory&&) noexcept;

@@ -74,7 +74,7 @@ TEST_F(InitDll, SuiteDirectoryChangedAfterAFailureIsUsedByTheRetry) {
   TempDir other;
   other.write("Res/cutterx.dlx", "5, \"five\"\n");
   other.write("Res/kerfline.dlx", "6, \"six\"\n");
-  ASSERT_EQ(KerflineSetHomeDir(other.path().c_str()), 1);
+  ASSERT_EQ(KerflineSetHomeDir(other.path().string().c_str()), 1);
   EXPECT_EQ(InitKerflineDll(), 1);
   EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 6), "six");
 }
@@ -141,7 +141,7 @@ TEST_F(LanguageContext, IsRebuiltWhenTheSuiteDirectoryChanges) {
 
   TempDir other;
   other.write("Lang/lang.ini", "[Languages]\nIta=1\n[Default]\nActual=Ita\n");
-  KerflineSetHomeDir(other.path().c_str());
+  KerflineSetHomeDir(other.path().string().c_str());
   EXPECT_EQ(kf::language_context().base_dir, other.str());
   EXPECT_EQ(kf::language_context().language_names, std::vector<std::string>{"Ita"});
   EXPECT_EQ(kf::language_directory(), other.str() + "Lang/Ita/");

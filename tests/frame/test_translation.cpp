@@ -172,7 +172,7 @@ TEST_F(Translation, IsStartedOncePerProcess) {
   // A started service stays with its file even when the suite moves.
   TempDir other;
   other.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Klinge"));
-  KerflineSetHomeDir(other.path().c_str());
+  KerflineSetHomeDir(other.path().string().c_str());
   EXPECT_EQ(InitKerflineDll2(), first);
   EXPECT_EQ(kf::translate_text("Knife"), "Messer");
 }
@@ -185,7 +185,7 @@ TEST_F(Translation, FailedStartIsRetriedOnlyAfterTheSuiteDirectoryChanges) {
 
   TempDir other;
   other.write("lang/GER/kerflineGER.TRA", po_entry("Knife", "Klinge"));
-  KerflineSetHomeDir(other.path().c_str());
+  KerflineSetHomeDir(other.path().string().c_str());
   EXPECT_GT(InitKerflineDll2(), 0);
   EXPECT_EQ(kf::translate_text("Knife"), "Klinge");
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fixtures/table_names.hpp"
+#include "platform/environment.hpp"
 
 #include <cstdlib>
 #include <ctime>
@@ -41,7 +42,7 @@ TEST(FileTime, NowIsCloseToTheSystemClock) {
 }
 
 TEST(FileTime, LocalCalendarFieldsInUtc) {
-  ::setenv("TZ", "UTC", 1);
+  kerfline::platform::set_environment("TZ", "UTC");
   ::tzset();
   kp::CalendarTime t;
   // 2024-02-29 13:45:07.250 UTC, a Thursday.
@@ -55,7 +56,7 @@ TEST(FileTime, LocalCalendarFieldsInUtc) {
   EXPECT_EQ(t.minute, 45);
   EXPECT_EQ(t.second, 7);
   EXPECT_EQ(t.millisecond, 250);
-  ::unsetenv("TZ");
+  kerfline::platform::unset_environment("TZ");
   ::tzset();
 }
 

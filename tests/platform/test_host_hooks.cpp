@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fixtures/table_names.hpp"
+#include "platform/environment.hpp"
 
 #include <cstdlib>
 
@@ -38,19 +39,19 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(DefaultKeys, DiagnosticEnvironmentHoldsCtrlAndShift) {
   host::install(nullptr);
-  ::unsetenv("KERFLINE_DIAG");
+  kerfline::platform::unset_environment("KERFLINE_DIAG");
   EXPECT_FALSE(host::is_key_down(KERFLINE_VK_CONTROL));
   EXPECT_FALSE(host::diagnostics_requested());
 
-  ::setenv("KERFLINE_DIAG", "1", 1);
+  kerfline::platform::set_environment("KERFLINE_DIAG", "1");
   EXPECT_TRUE(host::is_key_down(KERFLINE_VK_CONTROL));
   EXPECT_TRUE(host::is_key_down(KERFLINE_VK_SHIFT));
   EXPECT_FALSE(host::is_key_down('A'));
   EXPECT_TRUE(host::diagnostics_requested());
 
-  ::setenv("KERFLINE_DIAG", "yes", 1);
+  kerfline::platform::set_environment("KERFLINE_DIAG", "yes");
   EXPECT_FALSE(host::diagnostics_requested());
-  ::unsetenv("KERFLINE_DIAG");
+  kerfline::platform::unset_environment("KERFLINE_DIAG");
 }
 
 TEST(DefaultBroadcast, NobodyAnswers) {
@@ -113,7 +114,7 @@ TEST(InstalledHooks, MembersBeyondCbSizeAreIgnoredAndTooSmallIsRefused) {
   hooks.cbSize = static_cast<uint32_t>(offsetof(KERFLINE_HOST_HOOKS, pfnIsKeyDown));
   ASSERT_TRUE(host::install(&hooks));
   EXPECT_EQ(host::message_box("t", "c", KERFLINE_MB_OK), 99);
-  ::unsetenv("KERFLINE_DIAG");
+  kerfline::platform::unset_environment("KERFLINE_DIAG");
   EXPECT_FALSE(host::is_key_down(KERFLINE_VK_SHIFT));
 
   hooks.cbSize = 4;

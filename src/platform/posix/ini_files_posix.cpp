@@ -315,6 +315,8 @@ bool delete_section(std::string_view section, const std::string& file) {
   return modify(file, [&](const IniDocument& doc) { return doc.without_section(section); });
 }
 
+bool uses_system_engine() { return false; }
+
 CacheStats cache_stats() { return cache().stats(); }
 
 void clear_cache() { cache().clear(); }

@@ -1,0 +1,77 @@
+#include <vector>
+
+#include "platform/codepage.hpp"
+#include "platform/paths.hpp"
+#include "platform/win32/win32_support.hpp"
+
+namespace kerfline::platform {
+
+char path_separator() { return '\\'; }
+
+// The host executable's directory (GetModuleFileName of the process, not of
+// this DLL: the suite's files live beside the program).
+std::string executable_dir() {
+  std::vector<char> buf(MAX_PATH);
+  for (;;) {
+    const DWORD n = GetModuleFileNameA(nullptr, buf.data(), static_cast<DWORD>(buf.size()));
+    if (n == 0) return ".\\";
+    if (n < buf.size()) {
+      std::string path(buf.data(), n);
+      const std::size_t sep = path.find_last_of("\\/");
+      if (sep == std::string::npos) return ".\\";
+      return path.substr(0, sep + 1);
+    }
+    if (buf.size() >= 32768) return ".\\";
+    buf.resize(buf.size() * 2);
+  }
+}
+
+bool path_exists(const std::string& path) {
+  return !path.empty() && GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool is_directory(const std::string& path) {
+  if (path.empty()) return false;
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// The file system ignores case already; what is left is giving back the
+// spelling the disk has, component by component, as the POSIX side does.
+std::optional<std::string> resolve_case_insensitive(std::string_view path_in) {
+  const std::string path = native_separators(path_in);
+  if (!path_exists(path)) return std::nullopt;
+  // The root ("C:\", "\\server\share\", "\") keeps its spelling.
+  std::size_t pos = 0;
+  if (path.size() >= 2 && path[1] == ':') pos = 2;
+  if (path.compare(0, 2, "\\\\") == 0) {
+    const std::size_t server_end = path.find('\\', 2);
+    const std::size_t share_end =
+        server_end == std::string::npos ? server_end : path.find('\\', server_end + 1);
+    pos = share_end == std::string::npos ? path.size() : share_end;
+  }
+  std::string resolved = path.substr(0, pos);
+  while (pos < path.size()) {
+    if (path[pos] == '\\') {
+      if (resolved.empty() || resolved.back() != '\\') resolved.push_back('\\');
+      ++pos;
+      continue;
+    }
+    std::size_t next = path.find('\\', pos);
+    if (next == std::string::npos) next = path.size();
+    const std::string part = path.substr(pos, next - pos);
+    pos = next;
+    std::string spelled = part;
+    if (part != "." && part != "..") {
+      WIN32_FIND_DATAA found{};
+      HANDLE h = FindFirstFileA((resolved + part).c_str(), &found);
+      if (h == INVALID_HANDLE_VALUE) return std::nullopt;
+      FindClose(h);
+      spelled = found.cFileName;
+    }
+    resolved += spelled;
+  }
+  return resolved;
+}
+
+}  // namespace kerfline::platform
