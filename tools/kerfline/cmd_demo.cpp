@@ -218,7 +218,8 @@ void show_simulated_cutter(const std::string& suite_dir, const std::string& driv
   heading("The simulated cutter on a pseudo-terminal (ConnectToDevice, WriteToDevice, CloseDevice, a query)");
   fs::path sim_exe = fs::path(tool_dir()) / "kerfline-sim";
   std::error_code ec;
-  if (!fs::is_regular_file(sim_exe, ec)) sim_exe += ".exe";
+  if (!fs::is_regular_file(sim_exe, ec) && fs::is_regular_file(fs::path(sim_exe) += ".exe", ec))
+    sim_exe += ".exe";
   if (!fs::is_regular_file(sim_exe, ec)) {
     std::printf("kerfline-sim is not beside kerfline (%s); skipped\n", sim_exe.string().c_str());
     return;
