@@ -103,6 +103,8 @@ INSTANTIATE_TEST_SUITE_P(
                       OptionRow{{"--pty", "--clip", "100"}, "bad value for --clip"},
                       OptionRow{{"--pty", "--refuse", "1"}, "not available with --pty"},
                       OptionRow{{"--pty", "--svg"}, "--svg needs a value"},
+                      OptionRow{{"--pty", "--path-file", "/tmp/p"}, ""},
+                      OptionRow{{"--pty", "--path-file"}, "--path-file needs a value"},
                       OptionRow{{"--pty", "--flood=0"}, "bad value for --flood"},
                       OptionRow{{"--pty", "--bogus"}, "unknown option --bogus"}),
     test::RowIndex{});

@@ -25,6 +25,7 @@ struct Options {
   std::size_t flood_bytes = 0;  // 0: answer normally
   std::string svg_file;
   std::string log_file;
+  std::string path_file;  // also receives the printed line (for parents that cannot read stdout)
   bool once = false;
   PlotterConfig plotter;
   bool help = false;

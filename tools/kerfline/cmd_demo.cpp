@@ -3,14 +3,21 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <system_error>
 
 #include "commands.hpp"
+#include "device/port_access.hpp"
 #include "kerfline/kerfline.h"
 #include "open_driver.hpp"
 #include "platform/paths.hpp"
+#include "platform/process.hpp"
+#include "platform/serial_port.hpp"
 
 namespace kerfline::cli {
 namespace {
@@ -54,6 +61,7 @@ class DemoSuite {
     }
   }
   ~DemoSuite() {
+    if (keep_) return;
     std::error_code ec;
     fs::remove_all(dir_, ec);
   }
@@ -61,10 +69,12 @@ class DemoSuite {
   DemoSuite& operator=(const DemoSuite&) = delete;
 
   [[nodiscard]] std::string path() const { return dir_.string(); }
+  void keep() { keep_ = true; }
   [[nodiscard]] std::string driver(const char* name) const { return (dir_ / "Drivers" / name).string(); }
 
  private:
   fs::path dir_;
+  bool keep_ = false;
 };
 
 void heading(const char* text) { std::printf("\n== %s\n", text); }
@@ -125,8 +135,154 @@ void show_device_list(const std::string& driver) {
   print_devices();
 }
 
-int run_demo() {
+std::string read_file(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+std::size_t count_of(const std::string& text, const std::string& what) {
+  std::size_t n = 0;
+  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) ++n;
+  return n;
+}
+
+// The simulator writes its slave path to a file once it is ready; a full line
+// means the rename into place happened. Waits at most timeout_ms, sleeping in
+// the child's own wait so a simulator that dies ends the wait at once.
+std::optional<std::string> wait_for_path(platform::ChildProcess& sim, const fs::path& file,
+                                         std::uint32_t timeout_ms) {
+  constexpr std::uint32_t kStep = 50;
+  for (std::uint32_t waited = 0; waited < timeout_ms; waited += kStep) {
+    const std::string text = read_file(file);
+    const auto end = text.find('\n');
+    if (end != std::string::npos) return text.substr(0, end);
+    if (sim.wait_for(kStep)) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+// The driver's output for a small job: initialisation, tool 1, a square.
+std::string square_job(VMV6DRV* drv) {
+  auto eval = [&](const char* name) {
+    char* out = DoEval(read_template(drv, name).c_str());
+    std::string text = out != nullptr ? out : "";
+    FreeEval(out);
+    return text;
+  };
+  LoadEvalVars(drv, 0xFFFFFFFFu);
+  SetEvalVar("%Tool%", "1", 0xFFFFFFFFu);
+  std::string job = eval("%PlotInit%") + eval("%ToolChange%");
+  const char* const corners[][2] = {
+      {"1000", "1000"}, {"5000", "1000"}, {"5000", "5000"}, {"1000", "5000"}, {"1000", "1000"}};
+  for (const auto& c : corners) {
+    SetEvalVar("%x%", c[0], 0xFFFFFFFFu);
+    SetEvalVar("%y%", c[1], 0xFFFFFFFFu);
+    job += eval(&c == &corners[0] ? "%Move%" : "%Line%");
+  }
+  return job;
+}
+
+// Sends the job and, on the same connection, asks for the status: once the
+// answer is back the device has taken the whole job, so the next open's purge
+// (which drops whatever still waits in the line) cannot eat part of it.
+bool send_to_device(VMV6DRV* drv, const char* device, const std::string& job) {
+  void* read = KERFLINE_INVALID_DEVICE_HANDLE;
+  void* write = KERFLINE_INVALID_DEVICE_HANDLE;
+  ConnectToDevice(drv, device, &read, &write);
+  if (write == KERFLINE_INVALID_DEVICE_HANDLE) {
+    std::printf("cannot open %s\n", device);
+    return false;
+  }
+  const std::string data = job + "OS;";
+  WriteToDevice(&write, data.data(), static_cast<std::uint32_t>(data.size()));
+  char answer[64] = {};
+  const auto got = platform::port::read(reinterpret_cast<platform::port::Handle>(read), answer,
+                                        sizeof answer - 1, platform::port::ReadTimeouts{50, 2000});
+  CloseDevice(&read, &write);
+  const std::string status(answer, got.count);
+  if (status.find('\r') == std::string::npos) {
+    std::printf("%s did not confirm the job within 2 s\n", device);
+    return false;
+  }
+  std::printf("status after the job (OS;): %s\n", status.substr(0, status.find('\r')).c_str());
+  return true;
+}
+
+// One dialogue over the port the device's settings name, as `kerfline device
+// query` holds it for a port or file path.
+std::string query_device(VMV6DRV* drv, const char* device, const char* instruction) {
+  device::Handle read = platform::port::kInvalidHandle;
+  device::Handle write = platform::port::kInvalidHandle;
+  std::int32_t error = 1;
+  if (device::OpenDevicePort(drv, device, &error, &read, &write) != 0 ||
+      !platform::port::is_open_handle(write)) {
+    return "(cannot open, error " + std::to_string(error) + ")";
+  }
+  const auto answer = device::QueryDevice(read, write, instruction, nullptr);
+  if (!answer) return "(no answer)";
+  // The device ends its answer with a carriage return; not for the screen.
+  return answer->substr(0, answer->find('\r'));
+}
+
+// The simulated cutter on a pseudo-terminal, added as a device, cut on and
+// asked; its SVG shows what it cut.
+void show_simulated_cutter(const std::string& suite_dir, const std::string& driver, bool keep) {
+  heading("The simulated cutter on a pseudo-terminal (ConnectToDevice, WriteToDevice, CloseDevice, a query)");
+  fs::path sim_exe = fs::path(tool_dir()) / "kerfline-sim";
+  std::error_code ec;
+  if (!fs::is_regular_file(sim_exe, ec) && fs::is_regular_file(fs::path(sim_exe) += ".exe", ec))
+    sim_exe += ".exe";
+  if (!fs::is_regular_file(sim_exe, ec)) {
+    std::printf("kerfline-sim is not beside kerfline (%s); skipped\n", sim_exe.string().c_str());
+    return;
+  }
+  const fs::path svg = fs::path(suite_dir) / "cut.svg";
+  const fs::path path_file = fs::path(suite_dir) / "sim-device-path";
+  const std::string command = "\"" + sim_exe.string() + "\" --pty --svg \"" + svg.string() +
+                              "\" --path-file \"" + path_file.string() + "\"";
+  std::printf("starting kerfline-sim (it prints its device path):\n");
+  std::fflush(stdout);
+  auto started = platform::ChildProcess::spawn(command, 0);
+  if (!started) {
+    std::printf("cannot start kerfline-sim: %s\n", started.error().message.c_str());
+    return;
+  }
+  // Ends the simulator and collects it on every path out of here.
+  platform::ChildProcess sim = std::move(*started);
+  const auto slave = wait_for_path(sim, path_file, 5000);
+  if (!slave) {
+    std::printf("kerfline-sim did not report its device path within 5 s\n");
+    return;
+  }
+  CUTDEVICE add{};
+  std::strncpy(add.szDrvPath, driver.c_str(), sizeof(add.szDrvPath) - 1);
+  std::strcpy(add.szName, "Simulated");
+  std::strncpy(add.szPort, slave->c_str(), sizeof(add.szPort) - 1);
+  std::printf("add Simulated on %s: %d\n", slave->c_str(), WriteCutDevice(&add));
+
+  OpenDriver drv(driver);
+  if (!drv.ok()) return;
+  const std::string job = square_job(drv.record());
+  std::printf("send %zu bytes: %s\n", job.size(), job.c_str());
+  send_to_device(drv.record(), "Simulated", job);
+  for (const char* instruction : {"OI;", "OA;"}) {
+    std::printf("query %s -> %s\n", instruction,
+                query_device(drv.record(), "Simulated", instruction).c_str());
+  }
+  sim.terminate();
+  sim.wait_for(5000);
+  const std::string picture = read_file(svg);
+  if (picture.empty()) {
+    std::printf("kerfline-sim wrote no SVG\n");
+    return;
+  }
+  std::printf("SVG of the cut: %s (strokes: %zu)%s\n", svg.string().c_str(), count_of(picture, "<polyline"),
+              keep ? "" : ", removed with the suite directory (--keep keeps it)");
+}
+
+int run_demo(bool keep) {
   DemoSuite suite;
+  if (keep) suite.keep();
   KerflineSetHomeDir(suite.path().c_str());
   std::printf("Kerfline %s demo, suite directory %s\n", KerflineGetVersion(), suite.path().c_str());
   std::printf("start-up (InitKerflineDll): %d\n", InitKerflineDll());
@@ -197,7 +353,8 @@ int run_demo() {
     std::printf("%%Speed%% after reopening: %d (GetVar %d)\n", var.uValue.nInt, result);
   }
   show_device_list(cutter);
-  std::printf("\ndemo done\n");
+  show_simulated_cutter(suite.path(), cutter, keep);
+  std::printf("\ndemo done%s\n", keep ? "; the suite directory is kept" : "");
   return kExitOk;
 }
 
@@ -205,7 +362,9 @@ int run_demo() {
 
 void register_demo(CLI::App& app, CommandList& commands) {
   CLI::App* sub = app.add_subcommand("demo", "Show the library at work on the example drivers");
-  commands.add(sub, run_demo);
+  auto keep = std::make_shared<bool>(false);
+  sub->add_flag("--keep", *keep, "Keep the temporary suite directory (and the SVG of the cut)");
+  commands.add(sub, [keep] { return run_demo(*keep); });
 }
 
 }  // namespace kerfline::cli

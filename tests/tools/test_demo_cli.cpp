@@ -1,0 +1,55 @@
+// `kerfline demo` end to end: its last section cuts on the simulated cutter
+// over a pseudo-terminal and reads the picture of the cut.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "cli_runner.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string line_after(const std::string& out, const std::string& prefix) {
+  const auto at = out.find(prefix);
+  if (at == std::string::npos) return {};
+  const auto start = at + prefix.size();
+  return out.substr(start, out.find('\n', start) - start);
+}
+
+TEST(DemoCli, CutsOnTheSimulatedCutter) {
+  const auto r = kerfline::test::run_cli("demo --keep");
+  // Kept so the SVG can be read; removed here whatever the outcome.
+  const std::string suite = line_after(r.out, "demo, suite directory ");
+  ASSERT_FALSE(suite.empty()) << r.out;
+  struct Cleanup {
+    fs::path dir;
+    ~Cleanup() {
+      std::error_code ec;
+      fs::remove_all(dir, ec);
+    }
+  } cleanup{suite};
+
+  EXPECT_EQ(r.exit_code, 0) << r.out;
+  EXPECT_EQ(line_after(r.out, "query OI; -> "), "KERFLINE-SIM") << r.out;
+  // The square ends where it began, tool down.
+  EXPECT_EQ(line_after(r.out, "query OA; -> "), "1000,1000,1") << r.out;
+
+  const std::string svg_line = line_after(r.out, "SVG of the cut: ");
+  const fs::path svg = svg_line.substr(0, svg_line.find(" ("));
+  EXPECT_EQ(svg.parent_path(), fs::path(suite));
+  std::ifstream in(svg, std::ios::binary);
+  ASSERT_TRUE(in) << svg;
+  const std::string picture(std::istreambuf_iterator<char>(in), {});
+  std::size_t strokes = 0;
+  for (auto at = picture.find("<polyline"); at != std::string::npos; at = picture.find("<polyline", at + 1)) {
+    ++strokes;
+  }
+  EXPECT_GE(strokes, 1u);
+  EXPECT_NE(svg_line.find("(strokes: " + std::to_string(strokes) + ")"), std::string::npos) << svg_line;
+}
+
+}  // namespace
