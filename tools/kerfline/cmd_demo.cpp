@@ -228,7 +228,7 @@ std::string query_device(VMV6DRV* drv, const char* device, const char* instructi
 // asked; its SVG shows what it cut.
 void show_simulated_cutter(const std::string& suite_dir, const std::string& driver, bool keep) {
   heading("The simulated cutter on a pseudo-terminal (ConnectToDevice, WriteToDevice, CloseDevice, a query)");
-  fs::path sim_exe = fs::path(tool_dir()) / "kerfline-sim";
+  fs::path sim_exe = fs::path(platform::executable_dir()) / "kerfline-sim";
   std::error_code ec;
   if (!fs::is_regular_file(sim_exe, ec) && fs::is_regular_file(fs::path(sim_exe) += ".exe", ec))
     sim_exe += ".exe";
