@@ -1,7 +1,7 @@
 // Dynamic libraries: the vendor and plug-in DLLs of the suite, loaded by the
 // name Windows code uses ("ocv.dll"). On POSIX "name.dll" is looked for as
 // name.so and libname.so (as given, then in lower case) beside the library
-// itself (module_dir()), then in the suite directory, then in the installed
+// itself (library_dir() in paths.hpp), then in the suite directory, then in the installed
 // plug-in directory (plugin_dir()), then on the default search path: a host
 // whose suite directory is elsewhere still finds the plug-ins installed with
 // the library. A name with a separator in it
@@ -50,11 +50,6 @@ class DynamicLibrary {
   explicit DynamicLibrary(std::unique_ptr<Impl> impl);
   std::unique_ptr<Impl> impl_;
 };
-
-// The directory of the module that holds this code: libkerfline's own
-// directory, or the executable's when the library is linked in statically.
-// Empty when the system cannot tell.
-std::string module_dir();
 
 // The file names tried for a Windows library name, in order (without the
 // directory). Exposed for tests and for messages.

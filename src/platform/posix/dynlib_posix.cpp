@@ -34,16 +34,6 @@ std::vector<std::string> library_file_candidates(std::string_view windows_name) 
   return names;
 }
 
-std::string module_dir() {
-  Dl_info info{};
-  // Any function of this library locates it.
-  if (dladdr(reinterpret_cast<void*>(&module_dir), &info) == 0 || info.dli_fname == nullptr) return {};
-  std::string path = info.dli_fname;
-  if (path.find('/') == std::string::npos) return {};
-  path.resize(path.find_last_of('/'));
-  return path.empty() ? std::string("/") : path;
-}
-
 Result<DynamicLibrary> DynamicLibrary::open(std::string_view windows_name) {
   if (windows_name.empty()) return OsError{0, "empty library name"};
 
@@ -52,7 +42,7 @@ Result<DynamicLibrary> DynamicLibrary::open(std::string_view windows_name) {
     attempts.emplace_back(windows_name);
   } else {
     const auto names = library_file_candidates(windows_name);
-    const std::string beside = module_dir();
+    const std::string beside = library_dir();
     const std::string dir = home_dir();
     if (!beside.empty() && beside != dir) {
       for (const auto& n : names) attempts.push_back(join_path(beside, n));
