@@ -1646,8 +1646,8 @@ KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalC
  * The value of the expression as text, in a block from the C run-time
  * allocator (release it with FreeVBResult or free()). Null when the
  * evaluation failed (the box above was shown) or host or expression is
- * null. Numbers use the point as decimal separator with Lua; truth values
- * are "True" and "False".
+ * null. Truth values come out as "-1" and "0"; with Lua numbers use the
+ * point as decimal separator (with VBScript the user's locale decides).
  */
 KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression);
 

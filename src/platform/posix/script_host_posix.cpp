@@ -155,7 +155,8 @@ class LuaHost final : public ScriptHost {
         text.emplace();
         break;
       case LUA_TBOOLEAN:
-        text.emplace(lua_toboolean(L_, -1) ? "True" : "False");
+        // As the Windows engine converts its truth values to text.
+        text.emplace(lua_toboolean(L_, -1) ? "-1" : "0");
         break;
       case LUA_TNUMBER:
         text = number_text(L_, -1);
