@@ -104,15 +104,16 @@ std::string line_of(std::string_view text, long line) {
   return std::string(rest);
 }
 
-// Float results as the Windows engine writes them: up to 15 significant
-// digits, no ".0" on whole numbers.
-std::string number_text(lua_State* L, int index) {
+// Numbers as the Windows engine writes them: floats with up to 15
+// significant digits and no ".0" on whole numbers; where VBScript stops with
+// an error (division by zero, overflow) there is no value either.
+std::optional<std::string> number_text(lua_State* L, int index) {
   char buffer[64];
   if (lua_isinteger(L, index)) {
     std::snprintf(buffer, sizeof buffer, "%" PRId64, static_cast<std::int64_t>(lua_tointeger(L, index)));
   } else {
     const double value = lua_tonumber(L, index);
-    if (!std::isfinite(value)) return std::isnan(value) ? "NaN" : (value > 0 ? "Infinity" : "-Infinity");
+    if (!std::isfinite(value)) return std::nullopt;
     std::snprintf(buffer, sizeof buffer, "%.15g", value);
   }
   return buffer;
@@ -160,6 +161,8 @@ class LuaHost final : public ScriptHost {
         break;
       case LUA_TNUMBER:
         text = number_text(L_, -1);
+        if (!text)
+          error = {1, LUA_ERRRUN, "overflow: the value is not a finite number", line_of(expression_, 1)};
         break;
       case LUA_TSTRING: {
         std::size_t length = 0;
