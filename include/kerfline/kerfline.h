@@ -1623,8 +1623,9 @@ KERFLINE_API int32_t LumaProbeExit(void);
  *
  * Lua limits, because driver files come from anywhere: only the base,
  * string, table, math and utf8 libraries are there, without dofile,
- * loadfile, load, print, require, string.dump, and collectgarbage takes only
- * "count" and "collect" (no os, io, package or debug library, no bytecode).
+ * loadfile, load, print, require, string.dump; collectgarbage takes only
+ * "count" and "collect" and setmetatable refuses "__gc" (no os, io, package
+ * or debug library, no bytecode, no finalizers).
  * One call (the global code, or one expression) ends with "instruction
  * limit reached" after 10,000,000 virtual-machine instructions, and one
  * engine never holds more than 16 MiB ("not enough memory").

@@ -110,20 +110,19 @@ TEST_P(Sandbox, RefusesAndStaysUsable) {
   FreeVBEval(&host);
 }
 
-INSTANTIATE_TEST_SUITE_P(Lua, Sandbox,
-                         ::testing::Values(Refusal{"os.execute('true')", "global 'os'"},
-                                           Refusal{"io.open('/etc/passwd')", "global 'io'"},
-                                           Refusal{"require('os')", "global 'require'"},
-                                           Refusal{"load(string.char(27) .. 'Lua')", "global 'load'"},
-                                           Refusal{"dofile('/etc/passwd')", "global 'dofile'"},
-                                           Refusal{"string.dump(tostring)", "field 'dump'"},
-                                           Refusal{"debug.getinfo(1)", "global 'debug'"},
-                                           Refusal{"collectgarbage('stop')", "not available"},
-                                           Refusal{"(function() while true do end end)()",
-                                                   "instruction limit reached"},
-                                           Refusal{"string.rep('x', 32 * 1024 * 1024)", "not enough memory"},
-                                           Refusal{"{}", "type mismatch"}, Refusal{"1/0", "overflow"}),
-                         kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(
+    Lua, Sandbox,
+    ::testing::Values(
+        Refusal{"os.execute('true')", "global 'os'"}, Refusal{"io.open('/etc/passwd')", "global 'io'"},
+        Refusal{"require('os')", "global 'require'"},
+        Refusal{"load(string.char(27) .. 'Lua')", "global 'load'"},
+        Refusal{"dofile('/etc/passwd')", "global 'dofile'"}, Refusal{"string.dump(tostring)", "field 'dump'"},
+        Refusal{"debug.getinfo(1)", "global 'debug'"}, Refusal{"collectgarbage('stop')", "not available"},
+        Refusal{"(function() while true do end end)()", "instruction limit reached"},
+        Refusal{"string.rep('x', 32 * 1024 * 1024)", "not enough memory"}, Refusal{"{}", "type mismatch"},
+        Refusal{"1/0", "overflow"},
+        Refusal{"setmetatable({}, {__gc = function() while true do end end})", "__gc"}),
+    kerfline::test::RowIndex());
 #endif
 
 }  // namespace

@@ -68,6 +68,22 @@ int limited_collectgarbage(lua_State* L) {
   return luaL_error(L, "collectgarbage option '%s' is not available", option.c_str());
 }
 
+// setmetatable without finalizers: a __gc function runs whenever the
+// collector decides, also while the state is closed, outside any call the
+// instruction limit watches.
+int setmetatable_without_gc(lua_State* L) {
+  if (lua_type(L, 2) == LUA_TTABLE) {
+    lua_pushliteral(L, "__gc");
+    if (lua_rawget(L, 2) != LUA_TNIL) return luaL_error(L, "finalizers (__gc) are not available");
+    lua_pop(L, 1);
+  }
+  lua_settop(L, 2);
+  lua_pushvalue(L, lua_upvalueindex(1));
+  lua_insert(L, 1);
+  lua_call(L, 2, 1);
+  return 1;
+}
+
 int open_sandbox(lua_State* L) {
   const luaL_Reg libraries[] = {{LUA_GNAME, luaopen_base},
                                 {LUA_STRLIBNAME, luaopen_string},
@@ -84,6 +100,9 @@ int open_sandbox(lua_State* L) {
   }
   lua_pushcfunction(L, limited_collectgarbage);
   lua_setglobal(L, "collectgarbage");
+  lua_getglobal(L, "setmetatable");
+  lua_pushcclosure(L, setmetatable_without_gc, 1);
+  lua_setglobal(L, "setmetatable");
   lua_getglobal(L, LUA_STRLIBNAME);
   lua_pushnil(L);
   lua_setfield(L, -2, "dump");  // bytecode out is no use without bytecode in
