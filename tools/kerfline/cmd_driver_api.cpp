@@ -8,6 +8,7 @@
 
 #include "commands.hpp"
 #include "kerfline/kerfline.h"
+#include "message_boxes.hpp"
 #include "open_driver.hpp"
 #include "platform/codepage.hpp"
 
@@ -140,7 +141,10 @@ int run_set(const ApiOptions& o) {
     std::fprintf(stderr, "kerfline: %s: cannot set %s (result %d)\n", o.file.c_str(), o.name.c_str(), result);
     return kExitFailure;
   }
-  if (StoreDrv(drv.record()) != 1) {
+  // StoreDrv answers 1 even when the file could not be written; the
+  // library tells only through an error message.
+  const int errors_before = error_boxes_shown();
+  if (StoreDrv(drv.record()) != 1 || error_boxes_shown() != errors_before) {
     std::fprintf(stderr, "kerfline: cannot store %s\n", o.file.c_str());
     return kExitFailure;
   }
@@ -182,7 +186,7 @@ int run_materials(const ApiOptions& o) {
 void register_driver_api(CLI::App& driver, CommandList& commands) {
   auto o = std::make_shared<ApiOptions>();
   auto file_arg = [o](CLI::App* sub) {
-    sub->add_option("file", o->file, "Driver file")->required()->check(CLI::ExistingFile);
+    sub->add_option("file", o->file, "Driver file")->required();
   };
 
   CLI::App* info = driver.add_subcommand("info", "Name, title, class, flags and counts of a driver");
