@@ -37,6 +37,8 @@ void register_driver(CLI::App& app, CommandList& commands);
 void register_driver_api(CLI::App& driver, CommandList& commands);
 // `driver dialog`: the dialog variables of a driver.
 void register_driver_dialog(CLI::App& driver, CommandList& commands);
+// `driver vocabulary`: the standard text numbers and their names.
+void register_driver_vocabulary(CLI::App& driver, CommandList& commands);
 void register_eval(CLI::App& app, CommandList& commands);
 void register_demo(CLI::App& app, CommandList& commands);
 void register_functions(CLI::App& app, CommandList& commands);
