@@ -108,6 +108,7 @@ void register_driver(CLI::App& app, CommandList& commands) {
   register_driver_api(*driver, commands);
   register_driver_dialog(*driver, commands);
   register_driver_vocabulary(*driver, commands);
+  register_driver_check(*driver, commands);
 }
 
 }  // namespace kerfline::cli
