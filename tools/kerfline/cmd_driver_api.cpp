@@ -169,6 +169,7 @@ int print_driver_info(const std::string& file, bool as_json) {
   std::printf("flags:     0x%04X\n", flags);
   std::printf("tools:     %d\n", CountTools(drv.record()));
   std::printf("materials: %d\n", CountMaterial(drv.record()));
+  std::fflush(stdout);  // the warnings follow what they are about
   for (const std::string& w : warnings) std::fprintf(stderr, "warning: %s\n", w.c_str());
   return kExitOk;
 }
