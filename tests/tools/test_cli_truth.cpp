@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "cli_runner.hpp"
@@ -132,4 +134,25 @@ TEST(CliTruth, TextFormRefusesWhatItWouldLose) {
   EXPECT_NE(kerfline::cli::driver_from_json(nlohmann::ordered_json::parse(
                 R"({"root": {"items": [{"id": 9128, "type": "String", "name": "%Speed%", "value": "1"}]}})"),
             error), nullptr) << error;
+}
+
+TEST(CliTruth, PortsSayWhatGivesAccessToAPortThatIsThere) {
+  namespace fs = std::filesystem;
+  TempDir dir;
+  dir.write("sys/class/usbmisc/lp0/dev", "180:0\n");
+  const fs::path node = dir.write("dev/usb/lp0", "");
+  for (const auto& entry : fs::recursive_directory_iterator(dir.path())) {
+    if (entry.is_directory()) fs::permissions(entry.path(), fs::perms(0755));
+  }
+  fs::permissions(dir.path(), fs::perms(0755));
+  fs::permissions(node, fs::perms::none);
+  // Root may open anything: ask as an ordinary user.
+  const std::string user = getuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  const auto r = kerfline::test::run_shell("KERFLINE_SYSTEM_ROOT='" + dir.str() + "' " + user + "'" KERFLINE_CLI
+                                           "' device ports");
+  EXPECT_EQ(r.exit_code, 0) << r.out;
+  EXPECT_EQ(r.out.rfind("lp0\tlp0\t" + node.string() + "\n  " + node.string() + ": Permission denied", 0), 0U)
+      << r.out;
+  EXPECT_NE(r.out.find("share/kerfline/udev/70-kerfline.rules"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("dialout"), std::string::npos) << r.out;
 }

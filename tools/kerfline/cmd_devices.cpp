@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "commands.hpp"
+#include "port_hint.hpp"
 #include "kerfline/device_settings.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/codepage.hpp"
@@ -239,6 +240,13 @@ int run_ports() {
     return kExitOk;
   }
   std::printf("%s\n", ports);
+  std::fflush(stdout);
+  // Hints after the list, which stays one port a line for scripts.
+  for (const char *p = ports, *end = nullptr; *p != '\0'; p = *end != '\0' ? end + 1 : end) {
+    end = std::strchr(p, '\n');
+    if (end == nullptr) end = p + std::strlen(p);
+    print_port_hint(std::string(p, end));
+  }
   QuickFree(ports);
   return kExitOk;
 }
