@@ -1,5 +1,4 @@
-// Runs the built kerfline tool (or a shell command line) as a user would and
-// captures what it prints, stdout and stderr together.
+// Runs the kerfline tool (or a shell line) and captures stdout and stderr.
 #pragma once
 
 #include <sys/wait.h>
@@ -14,7 +13,6 @@ struct CliResult {
   int exit_code = -1;
   std::string out;
 };
-
 inline CliResult run_shell(const std::string& command) {
   CliResult r;
   FILE* pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
@@ -25,6 +23,8 @@ inline CliResult run_shell(const std::string& command) {
   r.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return r;
 }
-inline CliResult run_cli(const std::string& args) { return run_shell(std::string("'") + KERFLINE_CLI + "' " + args); }
+inline CliResult run_cli(const std::string& args) {
+  return run_shell(std::string("'") + KERFLINE_CLI + "' " + args);
+}
 
 }  // namespace kerfline::test

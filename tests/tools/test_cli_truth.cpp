@@ -61,7 +61,9 @@ TEST(CliTruth, ExitCodesAndMessages) {
       {"functions", 0, "~\n%[ ... ]% arithmetic: + - * / ^ and SIN(x) COS(x)"},
       {"driver get '" + cutter + "' %PenUp% --type int", 1, "~%PenUp% holds \"PU\", which is not a number"},
       {"driver get '" + cutter + "' %Speed% --tool Messer", 0, "30\n"},
-      {"driver get '" + cutter + "' %MatSpeed% --material Flock --json", 0, R"({"name":"%MatSpeed%","value":"20"})" "\n"},
+      {"driver get '" + cutter + "' %MatSpeed% --material Flock --json", 0,
+       R"({"name":"%MatSpeed%","value":"20"})"
+       "\n"},
       {"driver get '" + cutter + "' %Speed% --tool Nope", 1, "kerfline: the driver has no tool named Nope\n"},
       {"eval -e '中'", 1, "~holds a character that Windows-1252 cannot hold"},
       {"eval -e 'Größe'", 0, "Größe"},
@@ -77,12 +79,14 @@ TEST(CliTruth, SetRefusesWhatAHostWouldAndReportsAFailedStore) {
   std::filesystem::copy_file(built("dialog-cutter"), copy);
   const std::string unwritable = "sh -c \"trap '' XFSZ; ulimit -f 0; '" KERFLINE_CLI "' driver set '" + copy;
   expect_cases({
-      {"driver set '" + copy + "' %Speed% 9999", 1, "~\"9999\" for %Speed% is outside the dialog variable's range"},
+      {"driver set '" + copy + "' %Speed% 9999", 1,
+       "~\"9999\" for %Speed% is outside the dialog variable's range"},
       {"driver set '" + copy + "' %Speed% abc", 1, "~is not a value of the variable's type"},
       {"driver check '" + copy + "'", 0, ""},
       {"driver set '" + copy + "' %Speed% 9999 --force", 0, ""},
       {"driver check '" + copy + "'", 1, "warning: %Speed%: 9999 is outside its range 1 to 80\n"},
-      {"driver info '" + copy + "'", 0, "~materials: 0\nwarning: %Speed%: 9999 is outside its range 1 to 80\n"},
+      {"driver info '" + copy + "'", 0,
+       "~materials: 0\nwarning: %Speed%: 9999 is outside its range 1 to 80\n"},
   });
   const auto failed = kerfline::test::run_shell(unwritable + "' %Speed% 20\"");
   EXPECT_EQ(failed.exit_code, 1);
@@ -117,7 +121,8 @@ TEST(CliTruth, TextFormRefusesWhatItWouldLose) {
   } cases[] = {
       {R"({"root": {"items": [{"id": 9128, "type": "Integer", "value": "40"}]}})",
        "$.root.items[0].type: the file keeps no type for text number 9128; it reads back as \"String\""},
-      {R"({"root": {"items": [{"id": 9128, "name": "%Tempo%"}]}})", "$.root.items[0].name: the file keeps only"},
+      {R"({"root": {"items": [{"id": 9128, "name": "%Tempo%"}]}})",
+       "$.root.items[0].name: the file keeps only"},
       {R"({"root": {"items": [{"id": 9128, "description": "x"}]}})", "$.root.items[0].description"},
       {R"({"root": {"items": [{"id": 9184, "linked": 1, "name": "%PlotInit%", "type": "Bool"}]}})", ".type"},
       {R"({"root": {"items": [{"name": "%a%", "vaule": "1"}]}})", "$.root.items[0].vaule: unknown key"},
@@ -127,13 +132,18 @@ TEST(CliTruth, TextFormRefusesWhatItWouldLose) {
   };
   for (const auto& c : cases) {
     std::string error;
-    EXPECT_EQ(kerfline::cli::driver_from_json(nlohmann::ordered_json::parse(c.form), error), nullptr) << c.form;
+    EXPECT_EQ(kerfline::cli::driver_from_json(nlohmann::ordered_json::parse(c.form), error), nullptr)
+        << c.form;
     EXPECT_NE(error.find(c.message), std::string::npos) << c.form << " gave: " << error;
   }
   std::string error;
-  EXPECT_NE(kerfline::cli::driver_from_json(nlohmann::ordered_json::parse(
-                R"({"root": {"items": [{"id": 9128, "type": "String", "name": "%Speed%", "value": "1"}]}})"),
-            error), nullptr) << error;
+  EXPECT_NE(
+      kerfline::cli::driver_from_json(
+          nlohmann::ordered_json::parse(
+              R"({"root": {"items": [{"id": 9128, "type": "String", "name": "%Speed%", "value": "1"}]}})"),
+          error),
+      nullptr)
+      << error;
 }
 
 TEST(CliTruth, PortsSayWhatGivesAccessToAPortThatIsThere) {
@@ -148,8 +158,8 @@ TEST(CliTruth, PortsSayWhatGivesAccessToAPortThatIsThere) {
   fs::permissions(node, fs::perms::none);
   // Root may open anything: ask as an ordinary user.
   const std::string user = getuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
-  const auto r = kerfline::test::run_shell("KERFLINE_SYSTEM_ROOT='" + dir.str() + "' " + user + "'" KERFLINE_CLI
-                                           "' device ports");
+  const auto r = kerfline::test::run_shell("KERFLINE_SYSTEM_ROOT='" + dir.str() + "' " + user +
+                                           "'" KERFLINE_CLI "' device ports");
   EXPECT_EQ(r.exit_code, 0) << r.out;
   EXPECT_EQ(r.out.rfind("lp0\tlp0\t" + node.string() + "\n  " + node.string() + ": Permission denied", 0), 0U)
       << r.out;

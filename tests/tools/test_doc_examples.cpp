@@ -50,7 +50,8 @@ class DocExamples : public ::testing::TestWithParam<const char*> {};
 TEST_P(DocExamples, RunAsWritten) {
   TempDir dir;
   for (const auto& entry : std::filesystem::directory_iterator(KERFLINE_BUILT_EXAMPLES_DIR)) {
-    if (entry.path().extension() == ".vmd") std::filesystem::copy_file(entry.path(), dir.path() / entry.path().filename());
+    if (entry.path().extension() == ".vmd")
+      std::filesystem::copy_file(entry.path(), dir.path() / entry.path().filename());
   }
   const auto examples = console_examples(read_doc(GetParam()));
   ASSERT_FALSE(examples.empty());
@@ -71,6 +72,7 @@ TEST(VocabularyPage, IsWhatTheToolPrints) {
   const std::string page = read_doc("docs/vocabulary.md");
   const auto printed = run_cli("driver vocabulary");
   ASSERT_EQ(printed.exit_code, 0);
-  ASSERT_NE(printed.out.find("| 9128 | `%Speed%` | standard variable | String | `VS` |\n"), std::string::npos);
+  ASSERT_NE(printed.out.find("| 9128 | `%Speed%` | standard variable | String | `VS` |\n"),
+            std::string::npos);
   EXPECT_EQ(page.substr(page.find("| number |")), printed.out);
 }

@@ -58,7 +58,8 @@ bool Output::finish() {
   stream_ = nullptr;
   owned_ = false;
   if (failed || !closed) {
-    std::fprintf(stderr, "kerfline: cannot write %s: %s\n", path_.c_str(), std::strerror(failed ? saved : errno));
+    std::fprintf(stderr, "kerfline: cannot write %s: %s\n", path_.c_str(),
+                 std::strerror(failed ? saved : errno));
     return false;
   }
   return true;

@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "commands.hpp"
-#include "port_hint.hpp"
 #include "kerfline/device_settings.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/codepage.hpp"
 #include "platform/ini.hpp"
 #include "platform/paths.hpp"
+#include "port_hint.hpp"
 
 namespace kerfline::cli {
 namespace {

@@ -95,9 +95,9 @@ void register_driver(CLI::App& app, CommandList& commands) {
   auto options = std::make_shared<DriverOptions>();
 
   CLI::App* build = driver->add_subcommand("build", "Build a binary driver file from its JSON text form");
-  build->add_option("json", options->input, "Driver in text form (.json)")
+  build->add_option("json", options->input, "Driver in text form (.json)")->required();
+  build->add_option("-o,--output", options->output, "Driver file to write (.vmd), - for standard output")
       ->required();
-  build->add_option("-o,--output", options->output, "Driver file to write (.vmd), - for standard output")->required();
   commands.add(build, [options] { return run_build(*options); });
 
   CLI::App* dump = driver->add_subcommand("dump", "Show a driver's item tree");

@@ -54,13 +54,15 @@ bool make_request(VMV6VAR& var, VMV6DRV* drv, const std::string& name, int kind,
 
 // The request the options describe: the name in the library's encoding, and
 // the tool or material that owns it.
-bool make_owned_request(VMV6VAR& var, OpenDriver& drv, VariableOwner& owner, const ApiOptions& o, int value_type) {
+bool make_owned_request(VMV6VAR& var, OpenDriver& drv, VariableOwner& owner, const ApiOptions& o,
+                        int value_type) {
   const auto name = from_terminal(o.name, "variable name");
   const auto tool = from_terminal(o.tool, "tool name");
   const auto material = from_terminal(o.material, "material name");
   if (!name || !tool || !material || !owner.find(drv.record(), *tool, *material)) return false;
   const bool owned = owner.record() != nullptr;
-  if (!make_request(var, drv.record(), *name, owned ? KERFLINE_VARKIND_OWNER : o.kind, value_type)) return false;
+  if (!make_request(var, drv.record(), *name, owned ? KERFLINE_VARKIND_OWNER : o.kind, value_type))
+    return false;
   var.pOwner = owner.record();
   return true;
 }
@@ -113,26 +115,35 @@ bool text_fits(const std::string& text, int value_type) {
 
 json value_json(const VMV6VAR& var) {
   switch (var.nValueType) {
-    case KERFLINE_VT_INTEGER: return var.uValue.nInt;
-    case KERFLINE_VT_FLOAT: return static_cast<double>(var.uValue.fFloat);
-    case KERFLINE_VT_DOUBLE: return var.uValue.dDouble;
-    case KERFLINE_VT_DATE: return json::array({var.uValue.anDate[0], var.uValue.anDate[1], var.uValue.anDate[2]});
-    default: return shown(var.uValue.pszText);
+    case KERFLINE_VT_INTEGER:
+      return var.uValue.nInt;
+    case KERFLINE_VT_FLOAT:
+      return static_cast<double>(var.uValue.fFloat);
+    case KERFLINE_VT_DOUBLE:
+      return var.uValue.dDouble;
+    case KERFLINE_VT_DATE:
+      return json::array({var.uValue.anDate[0], var.uValue.anDate[1], var.uValue.anDate[2]});
+    default:
+      return shown(var.uValue.pszText);
   }
 }
 
 std::string value_text(const VMV6VAR& var) {
   char number[64];
   switch (var.nValueType) {
-    case KERFLINE_VT_INTEGER: return std::to_string(var.uValue.nInt);
+    case KERFLINE_VT_INTEGER:
+      return std::to_string(var.uValue.nInt);
     case KERFLINE_VT_FLOAT:
       std::snprintf(number, sizeof(number), "%g", static_cast<double>(var.uValue.fFloat));
       return number;
-    case KERFLINE_VT_DOUBLE: std::snprintf(number, sizeof(number), "%.10g", var.uValue.dDouble); return number;
+    case KERFLINE_VT_DOUBLE:
+      std::snprintf(number, sizeof(number), "%.10g", var.uValue.dDouble);
+      return number;
     case KERFLINE_VT_DATE:
       return std::to_string(var.uValue.anDate[0]) + "." + std::to_string(var.uValue.anDate[1]) + "." +
              std::to_string(var.uValue.anDate[2]);
-    default: return shown(var.uValue.pszText);
+    default:
+      return shown(var.uValue.pszText);
   }
 }
 
@@ -153,9 +164,11 @@ int print_driver_info(const std::string& file, bool as_json) {
   const std::string shown_class = class_len > 0 && class_len < 260 ? shown(driver_class) : "";
   const std::vector<std::string> warnings = driver_warnings(drv.record(), file);
   if (as_json) {
-    const json info = {{"file", file},        {"name", shown_name},
+    const json info = {{"file", file},
+                       {"name", shown_name},
                        {"title", shown(title.c_str())},
-                       {"class", shown_class}, {"flags", flags},
+                       {"class", shown_class},
+                       {"flags", flags},
                        {"tools", CountTools(drv.record())},
                        {"materials", CountMaterial(drv.record())},
                        {"warnings", warnings}};
@@ -215,10 +228,14 @@ int run_get(const ApiOptions& o) {
 
 const char* check_reason(int32_t reason) {
   switch (reason) {
-    case KERFLINE_CHECK_TYPE: return "not a value of the variable's type";
-    case KERFLINE_CHECK_RANGE: return "outside the dialog variable's range";
-    case KERFLINE_CHECK_LENGTH: return "longer than the variable may be";
-    default: return "refused";
+    case KERFLINE_CHECK_TYPE:
+      return "not a value of the variable's type";
+    case KERFLINE_CHECK_RANGE:
+      return "outside the dialog variable's range";
+    case KERFLINE_CHECK_LENGTH:
+      return "longer than the variable may be";
+    default:
+      return "refused";
   }
 }
 

@@ -13,7 +13,8 @@ namespace kerfline::cli {
 void register_driver_check(CLI::App& driver, CommandList& commands) {
   auto file = std::make_shared<std::string>();
   CLI::App* sub = driver.add_subcommand(
-      "check", "Warn about a missing base driver, unknown text numbers and values outside their type or range");
+      "check",
+      "Warn about a missing base driver, unknown text numbers and values outside their type or range");
   sub->add_option("file", *file, "Driver file")->required();
   commands.add(sub, [file] {
     OpenDriver drv(*file);

@@ -94,12 +94,14 @@ int run_eval(const EvalOptions& o) {
 
 void register_eval(CLI::App& app, CommandList& commands) {
   auto o = std::make_shared<EvalOptions>();
-  CLI::App* sub = app.add_subcommand("eval", "Evaluate a template as DoEval does and print exactly what it gives");
+  CLI::App* sub =
+      app.add_subcommand("eval", "Evaluate a template as DoEval does and print exactly what it gives");
   sub->add_option("--driver", o->driver, "Load this driver's variables first");
   sub->add_option("--var", o->vars, "Set a shared variable NAME=VALUE (repeat the option for more)")
       ->allow_extra_args(false);
   auto* expr = sub->add_option("-e,--expression", o->expression, "The template text");
-  auto* file = sub->add_option("file", o->file, "Template file (UTF-8, or as stored with --raw), - for stdin");
+  auto* file =
+      sub->add_option("file", o->file, "Template file (UTF-8, or as stored with --raw), - for stdin");
   sub->add_option("-o,--output", o->output, "Write the result to this file (- for standard output)");
   sub->add_flag("--newline", o->newline, "End the output with a line break if it has none");
   sub->add_flag("--raw", o->raw, "Keep the driver's Windows-1252 bytes, e.g. for piping to a device");

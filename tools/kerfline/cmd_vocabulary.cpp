@@ -14,16 +14,26 @@ namespace {
 
 const char* kind_label(driver::TextKind kind) {
   switch (kind) {
-    case driver::TextKind::CutInstructions: return "cut instruction";
-    case driver::TextKind::ToolVariables: return "tool variable";
-    case driver::TextKind::MaterialVariables: return "material variable";
-    case driver::TextKind::Groups: return "group";
-    case driver::TextKind::StandardVariables: return "standard variable";
-    case driver::TextKind::OutputModes: return "output mode";
-    case driver::TextKind::PlotTimeVariables: return "plot-time variable";
-    case driver::TextKind::Selections: return "selection";
-    case driver::TextKind::Letters: return "letter variable";
-    case driver::TextKind::Positions: return "position variable";
+    case driver::TextKind::CutInstructions:
+      return "cut instruction";
+    case driver::TextKind::ToolVariables:
+      return "tool variable";
+    case driver::TextKind::MaterialVariables:
+      return "material variable";
+    case driver::TextKind::Groups:
+      return "group";
+    case driver::TextKind::StandardVariables:
+      return "standard variable";
+    case driver::TextKind::OutputModes:
+      return "output mode";
+    case driver::TextKind::PlotTimeVariables:
+      return "plot-time variable";
+    case driver::TextKind::Selections:
+      return "selection";
+    case driver::TextKind::Letters:
+      return "letter variable";
+    case driver::TextKind::Positions:
+      return "position variable";
   }
   return "";
 }
@@ -32,10 +42,14 @@ const char* kind_label(driver::TextKind kind) {
 std::string cell(std::string_view text) {
   std::string out;
   for (const char c : to_terminal(text)) {
-    if (c == '|') out += "\\|";
-    else if (c == '\r') out += "\\r";
-    else if (c == '\n') out += "\\n";
-    else out.push_back(c);
+    if (c == '|')
+      out += "\\|";
+    else if (c == '\r')
+      out += "\\r";
+    else if (c == '\n')
+      out += "\\n";
+    else
+      out.push_back(c);
   }
   return out;
 }
@@ -57,8 +71,8 @@ int run_vocabulary(bool as_json) {
                       {"type", to_terminal(def->type)},
                       {"default", to_terminal(def->default_value)}});
       table += "| " + std::to_string(number) + " | `" + cell(def->name) + "` | " + kind_label(kind) + " | " +
-               cell(def->type) + " | " + (def->default_value.empty() ? "" : "`" + cell(def->default_value) + "`") +
-               " |\n";
+               cell(def->type) + " | " +
+               (def->default_value.empty() ? "" : "`" + cell(def->default_value) + "`") + " |\n";
     }
   }
   const std::string text = as_json ? rows.dump(2) + "\n" : table;

@@ -11,7 +11,8 @@ namespace {
 
 std::string command_path(const CLI::App* app) {
   std::string path;
-  for (const CLI::App* a = app; a != nullptr; a = a->get_parent()) path = a->get_name() + (path.empty() ? "" : " ") + path;
+  for (const CLI::App* a = app; a != nullptr; a = a->get_parent())
+    path = a->get_name() + (path.empty() ? "" : " ") + path;
   return path.empty() ? "kerfline" : path;
 }
 

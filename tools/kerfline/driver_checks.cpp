@@ -29,8 +29,10 @@ void check_item(const driver::CDrvItem& item, const driver::TextDefinitions& tex
   }
   if (item.Linked != 0 || item.Value.empty()) return;
   const auto number = number_of(item.Value);
-  const bool whole = number && std::floor(*number) == *number && item.Value.find_first_of(".,;eE") == std::string::npos;
-  if ((item.Type == driver::type_code::kDouble && !number) || (item.Type == driver::type_code::kInteger && !whole)) {
+  const bool whole =
+      number && std::floor(*number) == *number && item.Value.find_first_of(".,;eE") == std::string::npos;
+  if ((item.Type == driver::type_code::kDouble && !number) ||
+      (item.Type == driver::type_code::kInteger && !whole)) {
     out.push_back(name + ": \"" + to_terminal(item.Value) + "\" is not " +
                   (item.Type == driver::type_code::kInteger ? "an Integer" : "a Double"));
   }
@@ -43,8 +45,8 @@ void check_item(const driver::CDrvItem& item, const driver::TextDefinitions& tex
   }
 }
 
-void check_tree(const driver::CDrvItemList& list, const driver::TextDefinitions& texts, const std::string& where,
-                std::vector<std::string>& out) {
+void check_tree(const driver::CDrvItemList& list, const driver::TextDefinitions& texts,
+                const std::string& where, std::vector<std::string>& out) {
   for (const auto& child : list.GetChildren()) {
     if (const auto* group = dynamic_cast<const driver::CDrvItemList*>(child.get())) {
       check_tree(*group, texts, where + to_terminal(group->Name) + "/", out);

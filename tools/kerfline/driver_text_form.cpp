@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli_io.hpp"
 #include "driver/drv_item_cut_instr.hpp"
 #include "driver/drv_item_dlg_var.hpp"
 #include "driver/drv_item_list.hpp"
@@ -12,7 +13,6 @@
 #include "driver/drv_item_tool_parm_var.hpp"
 #include "driver/item_classes.hpp"
 #include "driver/text_definitions.hpp"
-#include "cli_io.hpp"
 #include "platform/codepage.hpp"
 
 namespace kerfline::cli {
@@ -70,8 +70,8 @@ void only_known_keys(const json& object, const std::vector<std::string_view>& kn
   }
 }
 
-constexpr std::string_view kCommonKeys[] = {"class", "id",         "name",   "type",      "description",
-                                             "value", "aux",        "attributes", "linked", "valueIndex"};
+constexpr std::string_view kCommonKeys[] = {"class", "id",  "name",       "type",   "description",
+                                            "value", "aux", "attributes", "linked", "valueIndex"};
 
 void check_item_keys(const json& form, std::string_view cls, const std::string& path) {
   std::vector<std::string_view> known(std::begin(kCommonKeys), std::end(kCommonKeys));
@@ -231,8 +231,8 @@ void common_from_json(const json& form, CDrvItem& item, const std::string& path)
   item.DictId = dword_of(form, "id", path);
   item.Name = text_of(form, "name", path);
   if (item.Name.size() > kMaxNameBytes) {
-    throw FormError(path + ".name: " + std::to_string(item.Name.size()) + " characters, a name holds at most " +
-                    std::to_string(kMaxNameBytes));
+    throw FormError(path + ".name: " + std::to_string(item.Name.size()) +
+                    " characters, a name holds at most " + std::to_string(kMaxNameBytes));
   }
   item.Type = type_of(form, path, item.Type);
   item.Description = text_of(form, "description", path);
@@ -332,8 +332,8 @@ std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& pa
     refuse_unstored(form, given, numbered_fields(*item), item->DictId, path);
   } else if (item->DictId != 0 && (cls == "CDrvItem" || cls == "CDrvItemCutInstr")) {
     // Linked: the file keeps the name, and the type reads back as a new item's.
-    refuse_unstored(form, numbered_fields(*item), {item->Name, driver::make_item(cls)->Type, {}}, item->DictId,
-                    path);
+    refuse_unstored(form, numbered_fields(*item), {item->Name, driver::make_item(cls)->Type, {}},
+                    item->DictId, path);
   }
   if (auto* list = dynamic_cast<driver::CDrvItemList*>(item.get())) {
     list_from_json(form, *list, path, depth, texts);

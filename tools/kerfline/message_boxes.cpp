@@ -16,7 +16,8 @@ int show(void* /*context*/, const char* text, const char* caption, uint32_t type
   if ((type & 0xF0U) == KERFLINE_MB_ICONERROR) ++g_error_boxes;
   const std::size_t n = std::strlen(caption);
   const bool has_colon = n > 0 && caption[n - 1] == ':';
-  std::fprintf(stderr, "%s%s %s\n", to_terminal(caption).c_str(), has_colon ? "" : ":", to_terminal(text).c_str());
+  std::fprintf(stderr, "%s%s %s\n", to_terminal(caption).c_str(), has_colon ? "" : ":",
+               to_terminal(text).c_str());
   switch (type & 0x0FU) {
     case KERFLINE_MB_YESNO:
     case KERFLINE_MB_YESNOCANCEL:
