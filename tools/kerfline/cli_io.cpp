@@ -65,11 +65,13 @@ bool Output::finish() {
   return true;
 }
 
-std::optional<std::string> from_terminal(const std::string& utf8, const char* what) {
+std::optional<std::string> from_terminal(const std::string& utf8, const char* what, bool echo) {
   auto converted = platform::cp1252::from_utf8(utf8);
   if (!converted) {
-    std::fprintf(stderr, "kerfline: the %s \"%s\" holds a character that Windows-1252 cannot hold\n", what,
-                 utf8.c_str());
+    const std::string shown = echo ? " \"" + utf8 + "\"" : "";
+    std::fprintf(stderr,
+                 "kerfline: the %s%s is not UTF-8 or holds a character that Windows-1252 cannot hold\n", what,
+                 shown.c_str());
   }
   return converted;
 }

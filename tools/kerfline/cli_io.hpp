@@ -35,8 +35,9 @@ class Output {
 };
 
 // A command-line text (UTF-8) as the library holds it (Windows-1252); prints
-// why and returns nothing when 1252 has no such character.
-std::optional<std::string> from_terminal(const std::string& utf8, const char* what);
+// why (repeating the text when `echo`) and returns nothing when the text is
+// no UTF-8 or 1252 has no such character.
+std::optional<std::string> from_terminal(const std::string& utf8, const char* what, bool echo = true);
 
 // A driver text as the terminal shows it.
 std::string to_terminal(std::string_view cp1252);

@@ -33,7 +33,7 @@ std::optional<std::string> read_template(const EvalOptions& o) {
   if (!o.file.empty()) {
     auto bytes = read_input(o.file, "template");
     if (!bytes || o.raw) return bytes;
-    return from_terminal(*bytes, "template");
+    return from_terminal(*bytes, "template file (--raw reads it as Windows-1252)", false);
   }
   return from_terminal(o.expression, "template");
 }
