@@ -222,4 +222,10 @@ std::optional<double> evaluate_arithmetic(std::string_view expression) {
   }
 }
 
+std::vector<std::string_view> arithmetic_function_names() {
+  std::vector<std::string_view> names;
+  for (const NamedFunction& f : kFunctions) names.push_back(f.name);
+  return names;
+}
+
 }  // namespace kerfline::script

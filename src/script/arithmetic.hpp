@@ -6,11 +6,16 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace kerfline::script {
 
 inline constexpr double kArithmeticTolerance = 1e-9;
 
 std::optional<double> evaluate_arithmetic(std::string_view expression);
+
+// The names of the functions an expression may call, in upper case (they are
+// matched without regard to case), each taking one argument.
+std::vector<std::string_view> arithmetic_function_names();
 
 }  // namespace kerfline::script

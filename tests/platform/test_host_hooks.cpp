@@ -24,7 +24,7 @@ TEST_P(DefaultMessageBox, WritesToStderrAndGivesTheSafeAnswer) {
   const int answer = host::message_box("Can not open driver", "Kerfline error:", GetParam().type);
   const std::string printed = ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(answer, GetParam().answer);
-  EXPECT_EQ(printed, "Kerfline error:: Can not open driver\n");
+  EXPECT_EQ(printed, "Kerfline error: Can not open driver\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(

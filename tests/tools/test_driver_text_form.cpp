@@ -103,7 +103,7 @@ TEST(DriverCommands, UsageAndInputErrors) {
       {"driver", 2, ""},
       {"driver build", 2, ""},
       {"driver frobnicate", 2, ""},
-      {"driver dump '" + dir.str() + "missing.vmd'", 2, "missing.vmd"},
+      {"driver dump '" + dir.str() + "missing.vmd'", 1, "missing.vmd: No such file"},
       {"driver build '" + dir.str() + "broken.json' -o '" + dir.str() + "x.vmd'", 1, "is not valid JSON"},
       {"driver dump '" + dir.str() + "not-a-driver.vmd'", 1, "is not a driver file we can read"},
   };

@@ -18,6 +18,7 @@
 #include "platform/paths.hpp"
 #include "platform/serial_port.hpp"
 #include "platform/usb_devices.hpp"
+#include "port_hint.hpp"
 
 namespace kerfline::cli {
 namespace {
@@ -161,7 +162,11 @@ int run_query(const DeviceOptions& o) {
 int run_ports() {
   const auto present = platform::usb::enumerate();
   if (present.empty()) std::printf("no USB printers or serial adapters found\n");
-  for (const auto& c : present) std::printf("%s\t%s\t%s\n", c.node.c_str(), c.name.c_str(), c.path.c_str());
+  for (const auto& c : present) {
+    std::printf("%s\t%s\t%s\n", c.node.c_str(), c.name.c_str(), c.path.c_str());
+    std::fflush(stdout);  // a hint follows the port it is about
+    print_port_hint(c.path);
+  }
   return kExitOk;
 }
 

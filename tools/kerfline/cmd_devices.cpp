@@ -14,6 +14,7 @@
 #include "platform/codepage.hpp"
 #include "platform/ini.hpp"
 #include "platform/paths.hpp"
+#include "port_hint.hpp"
 
 namespace kerfline::cli {
 namespace {
@@ -239,6 +240,13 @@ int run_ports() {
     return kExitOk;
   }
   std::printf("%s\n", ports);
+  std::fflush(stdout);
+  // Hints after the list, which stays one port a line for scripts.
+  for (const char *p = ports, *end = nullptr; *p != '\0'; p = *end != '\0' ? end + 1 : end) {
+    end = std::strchr(p, '\n');
+    if (end == nullptr) end = p + std::strlen(p);
+    print_port_hint(std::string(p, end));
+  }
   QuickFree(ports);
   return kExitOk;
 }

@@ -1,9 +1,8 @@
 // `kerfline driver ...`: build, inspect and change driver files.
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 
+#include "cli_io.hpp"
 #include "commands.hpp"
 #include "driver/drv_item_list.hpp"
 #include "driver_text_form.hpp"
@@ -18,25 +17,13 @@ struct DriverOptions {
   bool json = false;
 };
 
-bool read_file(const std::string& path, std::string& bytes) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  std::ostringstream all;
-  all << in.rdbuf();
-  bytes = all.str();
-  return true;
-}
-
 // Loads a binary driver file; a clear message on failure.
 std::unique_ptr<driver::CVm6Drv> load_binary(const std::string& path) {
+  const auto bytes = read_input(path, "driver");
+  if (!bytes) return nullptr;
   auto doc = std::make_unique<driver::CVm6Drv>();
-  std::string bytes;
-  if (!read_file(path, bytes)) {
-    std::fprintf(stderr, "kerfline: cannot read %s\n", path.c_str());
-    return nullptr;
-  }
   doc->Path = path;
-  if (!doc->ReadFromBytes(bytes)) {
+  if (!doc->ReadFromBytes(*bytes)) {
     std::fprintf(stderr, "kerfline: %s is not a driver file we can read: %s\n", path.c_str(),
                  doc->LastError().c_str());
     return nullptr;
@@ -45,14 +32,11 @@ std::unique_ptr<driver::CVm6Drv> load_binary(const std::string& path) {
 }
 
 int run_build(const DriverOptions& o) {
-  std::string text;
-  if (!read_file(o.input, text)) {
-    std::fprintf(stderr, "kerfline: cannot read %s\n", o.input.c_str());
-    return kExitFailure;
-  }
+  const auto text = read_input(o.input, "driver text form");
+  if (!text) return kExitFailure;
   nlohmann::ordered_json form;
   try {
-    form = nlohmann::ordered_json::parse(text);
+    form = nlohmann::ordered_json::parse(*text);
   } catch (const nlohmann::json::parse_error& e) {
     std::fprintf(stderr, "kerfline: %s is not valid JSON: %s\n", o.input.c_str(), e.what());
     return kExitFailure;
@@ -62,6 +46,11 @@ int run_build(const DriverOptions& o) {
   if (!doc) {
     std::fprintf(stderr, "kerfline: %s: %s\n", o.input.c_str(), error.c_str());
     return kExitFailure;
+  }
+  if (o.output == "-") {
+    Output out(o.output);
+    out.write(doc->WriteToBytes());
+    return out.finish() ? kExitOk : kExitFailure;
   }
   if (!doc->StoreDriver(o.output)) {
     std::fprintf(stderr, "kerfline: cannot write %s: %s\n", o.output.c_str(), doc->LastError().c_str());
@@ -106,19 +95,20 @@ void register_driver(CLI::App& app, CommandList& commands) {
   auto options = std::make_shared<DriverOptions>();
 
   CLI::App* build = driver->add_subcommand("build", "Build a binary driver file from its JSON text form");
-  build->add_option("json", options->input, "Driver in text form (.json)")
-      ->required()
-      ->check(CLI::ExistingFile);
-  build->add_option("-o,--output", options->output, "Driver file to write (.vmd)")->required();
+  build->add_option("json", options->input, "Driver in text form (.json)")->required();
+  build->add_option("-o,--output", options->output, "Driver file to write (.vmd), - for standard output")
+      ->required();
   commands.add(build, [options] { return run_build(*options); });
 
   CLI::App* dump = driver->add_subcommand("dump", "Show a driver's item tree");
-  dump->add_option("file", options->input, "Driver file")->required()->check(CLI::ExistingFile);
+  dump->add_option("file", options->input, "Driver file")->required();
   dump->add_flag("--json", options->json, "Print the JSON text form instead of the tree");
   commands.add(dump, [options] { return run_dump(*options); });
 
   register_driver_api(*driver, commands);
   register_driver_dialog(*driver, commands);
+  register_driver_vocabulary(*driver, commands);
+  register_driver_check(*driver, commands);
 }
 
 }  // namespace kerfline::cli

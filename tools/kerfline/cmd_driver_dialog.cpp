@@ -133,7 +133,7 @@ void register_driver_dialog(CLI::App& driver, CommandList& commands) {
   auto o = std::make_shared<DialogOptions>();
   CLI::App* dialog =
       driver.add_subcommand("dialog", "Show the dialog variables as a host's settings dialog would");
-  dialog->add_option("file", o->file, "Driver file")->required()->check(CLI::ExistingFile);
+  dialog->add_option("file", o->file, "Driver file")->required();
   dialog->add_flag("--json", o->json, "Print JSON instead of text");
   commands.add(dialog, [o] { return run_dialog(*o); });
 }

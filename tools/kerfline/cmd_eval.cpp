@@ -1,13 +1,14 @@
 // `kerfline eval`: what DoEval makes of a template, with a driver's
 // variables loaded.
+#include <nlohmann/json.hpp>
+
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <sstream>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "cli_io.hpp"
 #include "commands.hpp"
 #include "kerfline/kerfline.h"
 #include "open_driver.hpp"
@@ -21,31 +22,40 @@ struct EvalOptions {
   std::vector<std::string> vars;
   std::string expression;
   std::string file;
+  std::string output;
+  bool newline = false;
+  bool raw = false;
+  bool json = false;
 };
 
-bool read_template(const EvalOptions& o, std::string& text) {
-  if (!o.expression.empty()) {
-    text = o.expression;
-    return true;
+// The template in the library's encoding.
+std::optional<std::string> read_template(const EvalOptions& o) {
+  if (!o.file.empty()) {
+    auto bytes = read_input(o.file, "template");
+    if (!bytes || o.raw) return bytes;
+    return from_terminal(*bytes, "template file (--raw reads it as Windows-1252)", false);
   }
-  std::ostringstream all;
-  if (o.file == "-") {
-    all << std::cin.rdbuf();
-  } else {
-    std::ifstream in(o.file, std::ios::binary);
-    if (!in) {
-      std::fprintf(stderr, "kerfline: cannot read template %s\n", o.file.c_str());
+  return from_terminal(o.expression, "template");
+}
+
+bool set_variables(const std::vector<std::string>& assignments) {
+  for (const std::string& assignment : assignments) {
+    const auto eq = assignment.find('=');
+    if (eq == std::string::npos || eq == 0) {
+      std::fprintf(stderr, "kerfline: --var expects NAME=VALUE, got \"%s\"\n", assignment.c_str());
       return false;
     }
-    all << in.rdbuf();
+    const auto name = from_terminal(assignment.substr(0, eq), "variable name");
+    const auto value = from_terminal(assignment.substr(eq + 1), "value");
+    if (!name || !value) return false;
+    SetEvalVar(name->c_str(), value->c_str(), 0xFFFFFFFFu);
   }
-  text = all.str();
   return true;
 }
 
 int run_eval(const EvalOptions& o) {
-  std::string text;
-  if (!read_template(o, text)) return kExitFailure;
+  const auto text = read_template(o);
+  if (!text) return kExitFailure;
   InitEval(0, 0, nullptr);
 
   std::unique_ptr<OpenDriver> drv;
@@ -54,48 +64,52 @@ int run_eval(const EvalOptions& o) {
     if (!drv->ok()) return kExitFailure;
     LoadEvalVars(drv->record(), 0xFFFFFFFFu);
   }
-  for (const std::string& assignment : o.vars) {
-    const auto eq = assignment.find('=');
-    if (eq == std::string::npos || eq == 0) {
-      std::fprintf(stderr, "kerfline: --var expects NAME=VALUE, got \"%s\"\n", assignment.c_str());
-      return kExitUsage;
-    }
-    SetEvalVar(assignment.substr(0, eq).c_str(), assignment.substr(eq + 1).c_str(), 0xFFFFFFFFu);
-  }
+  if (!set_variables(o.vars)) return kExitUsage;
 
-  char* out = DoEval(text.c_str());
-  if (out == nullptr) {
-    const script::Evaluator* evaluator = script::process_eval().evaluator();
-    const std::string error = evaluator != nullptr ? evaluator->last_error() : std::string();
-    if (!error.empty()) {
-      std::fprintf(stderr, "%s\n", error.c_str());
-      return kExitFailure;
-    }
-    return kExitOk;  // the template gives the empty text
+  std::string result;
+  if (char* out = DoEval(text->c_str()); out != nullptr) {
+    result = out;
+    FreeEval(out);
   }
-  std::fwrite(out, 1, std::strlen(out), stdout);
-  if (std::strlen(out) == 0 || out[std::strlen(out) - 1] != '\n') std::fputc('\n', stdout);
-  FreeEval(out);
   // A script error is in the text; the exit code still tells a script that
   // the template failed.
   const script::Evaluator* evaluator = script::process_eval().evaluator();
-  return evaluator != nullptr && evaluator->pass_failed() ? kExitFailure : kExitOk;
+  const bool failed = evaluator != nullptr && (evaluator->pass_failed() || !evaluator->last_error().empty());
+  if (result.empty() && failed) result = evaluator->last_error();
+
+  Output out(o.output);
+  if (!out.ok()) return kExitFailure;
+  if (o.json) {
+    const nlohmann::json answer = {{"output", to_terminal(result)}, {"error", failed}};
+    out.write(answer.dump() + "\n");
+  } else {
+    out.write(o.raw ? result : to_terminal(result));
+    if (o.newline && (result.empty() || result.back() != '\n')) out.write("\n");
+  }
+  if (!out.finish()) return kExitFailure;
+  return failed ? kExitFailure : kExitOk;
 }
 
 }  // namespace
 
 void register_eval(CLI::App& app, CommandList& commands) {
   auto o = std::make_shared<EvalOptions>();
-  CLI::App* sub = app.add_subcommand("eval", "Evaluate a template as DoEval does");
-  sub->add_option("--driver", o->driver, "Load this driver's variables first")->check(CLI::ExistingFile);
-  sub->add_option("--var", o->vars, "Set a shared variable NAME=VALUE (repeatable)");
+  CLI::App* sub =
+      app.add_subcommand("eval", "Evaluate a template as DoEval does and print exactly what it gives");
+  sub->add_option("--driver", o->driver, "Load this driver's variables first");
+  sub->add_option("--var", o->vars, "Set a shared variable NAME=VALUE (repeat the option for more)")
+      ->allow_extra_args(false);
   auto* expr = sub->add_option("-e,--expression", o->expression, "The template text");
-  auto* file = sub->add_option("file", o->file, "Template file, or - for standard input");
+  auto* file =
+      sub->add_option("file", o->file, "Template file (UTF-8, or as stored with --raw), - for stdin");
+  sub->add_option("-o,--output", o->output, "Write the result to this file (- for standard output)");
+  sub->add_flag("--newline", o->newline, "End the output with a line break if it has none");
+  sub->add_flag("--raw", o->raw, "Keep the driver's Windows-1252 bytes, e.g. for piping to a device");
+  sub->add_flag("--json", o->json, "Print {\"output\": ..., \"error\": true|false}");
   expr->excludes(file);
-  sub->callback([sub, expr, file] {
+  sub->callback([expr, file] {
     if (expr->count() == 0 && file->count() == 0) throw CLI::RequiredError("-e TEMPLATE, FILE or -");
   });
-  (void)sub;
   commands.add(sub, [o] { return run_eval(*o); });
 }
 

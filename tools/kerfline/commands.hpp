@@ -37,6 +37,10 @@ void register_driver(CLI::App& app, CommandList& commands);
 void register_driver_api(CLI::App& driver, CommandList& commands);
 // `driver dialog`: the dialog variables of a driver.
 void register_driver_dialog(CLI::App& driver, CommandList& commands);
+// `driver vocabulary`: the standard text numbers and their names.
+void register_driver_vocabulary(CLI::App& driver, CommandList& commands);
+// `driver check`: what a host would stumble over in a driver.
+void register_driver_check(CLI::App& driver, CommandList& commands);
 void register_eval(CLI::App& app, CommandList& commands);
 void register_demo(CLI::App& app, CommandList& commands);
 void register_functions(CLI::App& app, CommandList& commands);
@@ -45,7 +49,7 @@ void register_remote(CLI::App& app, CommandList& commands);
 void register_device(CLI::App& app, CommandList& commands);
 
 // What `driver info` and `driver tools` print, for the demo too.
-int print_driver_info(const std::string& file);
-int print_driver_tools(const std::string& file);
+int print_driver_info(const std::string& file, bool as_json = false);
+int print_driver_tools(const std::string& file, bool as_json = false);
 
 }  // namespace kerfline::cli

@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
+#include "cli_io.hpp"
 #include "driver/drv_item_cut_instr.hpp"
 #include "driver/drv_item_dlg_var.hpp"
 #include "driver/drv_item_list.hpp"
@@ -57,6 +59,28 @@ std::string unhex(const std::string& text, const std::string& path) {
 }
 
 // ---- reading the form ------------------------------------------------------
+
+// A key the form does not know is a typo, never something to ignore.
+void only_known_keys(const json& object, const std::vector<std::string_view>& known, const std::string& path,
+                     std::string_view what = "") {
+  for (const auto& [key, value] : object.items()) {
+    bool found = false;
+    for (const std::string_view k : known) found = found || k == key;
+    if (!found) throw FormError(path + "." + key + ": unknown key" + std::string(what));
+  }
+}
+
+constexpr std::string_view kCommonKeys[] = {"class", "id",  "name",       "type",   "description",
+                                            "value", "aux", "attributes", "linked", "valueIndex"};
+
+void check_item_keys(const json& form, std::string_view cls, const std::string& path) {
+  std::vector<std::string_view> known(std::begin(kCommonKeys), std::end(kCommonKeys));
+  if (cls == "CDrvItemList") known.insert(known.end(), {"params", "param4", "listAtEnd", "items"});
+  if (cls == "CDrvItemCutInstr") known.push_back("cutInstr");
+  if (cls == "CDrvItemToolParmVar") known.push_back("toolParm");
+  if (cls == "CDrvItemDlgVar") known.insert(known.end(), {"dlgText", "dlgFormat", "ext", "conditions"});
+  only_known_keys(form, known, path, " for an item of class " + std::string(cls));
+}
 
 const json* member(const json& object, const char* key) {
   const auto it = object.find(key);
@@ -206,6 +230,10 @@ std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& pa
 void common_from_json(const json& form, CDrvItem& item, const std::string& path) {
   item.DictId = dword_of(form, "id", path);
   item.Name = text_of(form, "name", path);
+  if (item.Name.size() > kMaxNameBytes) {
+    throw FormError(path + ".name: " + std::to_string(item.Name.size()) +
+                    " characters, a name holds at most " + std::to_string(kMaxNameBytes));
+  }
   item.Type = type_of(form, path, item.Type);
   item.Description = text_of(form, "description", path);
   item.Value = text_of(form, "value", path);
@@ -242,6 +270,7 @@ void dlgvar_from_json(const json& form, driver::CDrvItemDlgVar& dlg, const std::
   dlg.DlgFormat = text_of(form, "dlgFormat", path);
   if (const json* ext = member(form, "ext")) {
     if (!ext->is_object()) throw FormError(path + ".ext: expected an object");
+    only_known_keys(*ext, {"flags", "min", "max", "increments"}, path + ".ext");
     dlg.Ext = std::make_unique<driver::CDrvItemDlgVar::ExtParms>();
     dlg.Ext->Flags = dword_of(*ext, "flags", path + ".ext");
     dlg.Ext->Min = double_of(*ext, "min", path + ".ext");
@@ -257,6 +286,34 @@ void dlgvar_from_json(const json& form, driver::CDrvItemDlgVar& dlg, const std::
   }
 }
 
+// The fields the file keeps only through a text number.
+struct NumberedFields {
+  std::string name;
+  std::uint32_t type = 0;
+  std::string description;
+};
+
+NumberedFields numbered_fields(const CDrvItem& item) { return {item.Name, item.Type, item.Description}; }
+
+// The file keeps no type or description (and, unless linked, no name) for an
+// item with a text number: what the author wrote must be what reading the
+// file gives back, or it would be lost without a word.
+void refuse_unstored(const json& form, const NumberedFields& given, const NumberedFields& read_back,
+                     std::uint32_t number, const std::string& path) {
+  const std::string id = std::to_string(number);
+  if (member(form, "name") != nullptr && given.name != read_back.name) {
+    throw FormError(path + ".name: the file keeps only the text number " + id + ", which names \"" +
+                    cp1252::to_utf8(read_back.name) + "\"");
+  }
+  if (member(form, "type") != nullptr && given.type != read_back.type) {
+    throw FormError(path + ".type: the file keeps no type for text number " + id + "; it reads back as " +
+                    type_to_json(read_back.type).dump());
+  }
+  if (member(form, "description") != nullptr && given.description != read_back.description) {
+    throw FormError(path + ".description: the file keeps no description for text number " + id);
+  }
+}
+
 std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& path, int depth,
                                          const driver::TextDefinitions& texts) {
   constexpr int kMaxDepth = 200;  // the binary reader's own limit
@@ -265,10 +322,19 @@ std::shared_ptr<CDrvItem> item_from_json(const json& form, const std::string& pa
   const std::string cls = text_of(form, "class", path, "CDrvItem");
   std::shared_ptr<CDrvItem> item = driver::make_item(cls);
   if (!item) throw FormError(path + ".class: unknown item class \"" + cls + "\"");
+  check_item_keys(form, cls, path);
   common_from_json(form, *item, path);
   // As when the file is read: such an item takes name, type and description
   // from its text number.
-  if (defined_by_text_number(*item)) item->ApplyDefinition(texts, item->DictId);
+  if (defined_by_text_number(*item)) {
+    const NumberedFields given = numbered_fields(*item);
+    item->ApplyDefinition(texts, item->DictId);
+    refuse_unstored(form, given, numbered_fields(*item), item->DictId, path);
+  } else if (item->DictId != 0 && (cls == "CDrvItem" || cls == "CDrvItemCutInstr")) {
+    // Linked: the file keeps the name, and the type reads back as a new item's.
+    refuse_unstored(form, numbered_fields(*item), {item->Name, driver::make_item(cls)->Type, {}},
+                    item->DictId, path);
+  }
   if (auto* list = dynamic_cast<driver::CDrvItemList*>(item.get())) {
     list_from_json(form, *list, path, depth, texts);
   } else if (auto* cut = dynamic_cast<driver::CDrvItemCutInstr*>(item.get())) {
@@ -307,12 +373,15 @@ json driver_to_json(driver::CVm6Drv& doc) {
 std::unique_ptr<driver::CVm6Drv> driver_from_json(const json& form, std::string& error) {
   try {
     if (!form.is_object()) throw FormError("$: expected a driver object");
+    only_known_keys(form, {"format", "header", "title", "baseDriverFlag", "root"}, "$");
     auto doc = std::make_unique<driver::CVm6Drv>();
     const std::string format = text_of(form, "format", "$", "VM6DRV");
     if (format != "VM6DRV" && format != "VM6DRV$") throw FormError("$.format: expected VM6DRV or VM6DRV$");
     doc->Header.Present = format == "VM6DRV$";
     if (const json* header = member(form, "header")) {
       if (!doc->Header.Present) throw FormError("$.header: only a VM6DRV$ driver has an extended header");
+      if (!header->is_object()) throw FormError("$.header: expected an object");
+      only_known_keys(*header, {"text", "note", "dword"}, "$.header");
       doc->Header.EncodedText = unhex(text_of(*header, "text", "$.header"), "$.header.text");
       doc->Header.Note = text_of(*header, "note", "$.header");
       const json* dword = member(*header, "dword");

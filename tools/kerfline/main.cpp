@@ -5,11 +5,14 @@
 #include <cstdlib>
 #include <string>
 
+#include "cli_io.hpp"
+#include "command_words.hpp"
 #include "commands.hpp"
 #include "kerfline/kerfline.h"
+#include "message_boxes.hpp"
 
 int main(int argc, char** argv) {
-  CLI::App app{"kerfline - drivers, templates and devices of the Kerfline cutter library"};
+  CLI::App app{"kerfline - drivers, templates and devices of the Kerfline cutter library", "kerfline"};
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("kerfline ") + KerflineGetVersion());
 
@@ -27,13 +30,23 @@ int main(int argc, char** argv) {
   kerfline::cli::register_devices(app, commands);
   kerfline::cli::register_remote(app, commands);
   kerfline::cli::register_device(app, commands);
+  kerfline::cli::collect_unknown_words(app);
 
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() != 0) {
+      const int words = kerfline::cli::check_command_words(app);
+      if (words >= 0) return words;
+    }
     const int code = app.exit(e);
     return code == 0 ? 0 : kerfline::cli::kExitUsage;
   }
+  if (const int words = kerfline::cli::check_command_words(app); words >= 0) return words;
   if (!home.empty()) KerflineSetHomeDir(home.c_str());
-  return commands.run_selected();
+  kerfline::cli::install_message_boxes();
+  const int result = commands.run_selected();
+  // Output that never arrived (a full disk, a closed pipe) is a failure too.
+  if (result == kerfline::cli::kExitOk && !kerfline::cli::stdout_intact()) return kerfline::cli::kExitFailure;
+  return result;
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "driver/vm6drv.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::cli {
@@ -22,7 +23,11 @@ class OpenDriver {
     record_.nAppMode = 0;
     const int32_t result = InitDrv(&record_);
     if (result != 1) {
-      std::fprintf(stderr, "kerfline: cannot open driver %s (result %d)\n", path.c_str(), result);
+      // The C interface gives only a number; the reader knows why.
+      driver::CVm6Drv reader;
+      const std::string reason = reader.ReadDriverFile(path) ? std::string() : reader.LastError();
+      std::fprintf(stderr, "kerfline: cannot open driver %s: %s (result %d)\n", path.c_str(),
+                   reason.empty() ? "not readable" : reason.c_str(), result);
       return;
     }
     open_ = true;

@@ -9,7 +9,9 @@
 namespace kerfline::platform::host::defaults {
 
 int message_box(const std::string& text, const std::string& caption, std::uint32_t type) {
-  std::fprintf(stderr, "%s: %s\n", caption.c_str(), text.c_str());
+  // A caption that already ends in a colon gets no second one.
+  const bool has_colon = !caption.empty() && caption.back() == ':';
+  std::fprintf(stderr, "%s%s %s\n", caption.c_str(), has_colon ? "" : ":", text.c_str());
   std::fflush(stderr);
   switch (type & 0x0FU) {
     case KERFLINE_MB_YESNO:
