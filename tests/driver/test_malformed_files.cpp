@@ -75,7 +75,7 @@ TEST(MalformedDriver, TrailingBytesAfterTheRootGroupAreIgnored) {
 TEST(DriverFuzzCorpus, SeedsAreValidDriverFiles) {
   std::vector<std::string> seeds = valid_files();
   drv::CVm6Drv small(sample_lookup());
-  small.Root().AddChild(kerfline::test::make_named<drv::CDrvItem>("%A%", "1"));
+  small.Root().AddChild(kerfline::test::named<drv::CDrvItem>("%A%", "1"));
   seeds.push_back(small.WriteToBytes());
   seeds.push_back(drv::CVm6Drv(sample_lookup()).WriteToBytes());
 
