@@ -19,17 +19,12 @@ struct NullRow {
 
 void PrintTo(const NullRow& r, std::ostream* os) { *os << r.call; }
 
-template <typename F>
-NullRow row(const char* call, F f, std::intptr_t expected) {
-  return {call, [f] { return reinterpret_cast<std::intptr_t>(f()); }, expected};
-}
-#define NUMBER(call, expected)                                       \
-  NullRow {                                                          \
-#    call, [] { return static_cast<std::intptr_t>(call); }, expected \
+std::intptr_t as_number(std::int32_t v) { return v; }
+std::intptr_t as_number(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+#define CALL(call, expected)                        \
+  NullRow {                                         \
+#    call, [] { return as_number(call); }, expected \
   }
-#define POINTER(call) \
-  row(                \
-      #call, [] { return call; }, 0)
 
 class NullArgument : public ::testing::TestWithParam<NullRow> {};
 
@@ -41,34 +36,33 @@ char buffer[8] = "abc";
 INSTANTIATE_TEST_SUITE_P(
     Exports, NullArgument,
     ::testing::Values(
-        NUMBER(InitDrv(nullptr), -2), NUMBER(InitDrvS(nullptr), -2), NUMBER(InitDrvQuick(nullptr), -2),
-        NUMBER(FreeDrv(nullptr), -2), NUMBER(StoreDrv(nullptr), -2), NUMBER(SetDllMode(nullptr), -2),
-        NUMBER(GetVar(nullptr), -2), NUMBER(GetDlgVar(nullptr), -2), NUMBER(SetVar(nullptr), -2),
-        NUMBER(FreeVar(nullptr), -2), NUMBER(FreeDlgVar(nullptr), -2),
-        NUMBER(GetVarAndDesc(nullptr, nullptr), -2), NUMBER(CountTools(nullptr), -2),
-        NUMBER(CountTools(&closed), -2), NUMBER(GetNextTool(nullptr, nullptr), -2),
-        NUMBER(FreeTool(nullptr), -2), NUMBER(FreeMaterial(nullptr), -2), NUMBER(CountMaterial(&closed), -2),
-        NUMBER(DeleteMaterial(&closed, "Vinyl"), -2), NUMBER(GetVarVals(nullptr, nullptr, nullptr), -2),
-        NUMBER(FreeDlgVars(nullptr), -2), NUMBER(GetDlgVars(nullptr, 1, nullptr, nullptr), -2),
-        NUMBER(GetDlgVarData(nullptr, nullptr), -2), NUMBER(FreeDlgDefaultEx(nullptr), -2),
-        NUMBER(GetFirstVar(nullptr, "Sonderbefehle:"), -2), NUMBER(HasVideoVar(nullptr, "%Cam%"), -2),
-        NUMBER(SetJoyStickVarNoOverride(nullptr, "%Fast%", "9"), -2),
-        NUMBER(GetDrvFlags(nullptr, nullptr, nullptr), -2), NUMBER(GetFlags(nullptr, nullptr, nullptr), -2),
-        NUMBER(GetFlags("", nullptr, nullptr), -2), NUMBER(GetDrvName(nullptr, buffer, 8), 0),
-        NUMBER(FreeVarDesc(nullptr), 0), NUMBER(QuickFree(nullptr), 1), NUMBER(LoadEvalVars(nullptr, 1), -2),
-        NUMBER(KerflineGetHelpFile(nullptr, 10), -2), NUMBER(InitCutData(nullptr), 0),
-        NUMBER(FreeCutData(nullptr), 0), NUMBER(AddVariable(nullptr, nullptr), 0),
-        NUMBER(AddLayer(nullptr, nullptr), 0), NUMBER(TranslateString(nullptr, 10), 0),
-        NUMBER(ReplaceString(nullptr, "a", "x"), 0), NUMBER(ReplaceString(buffer, nullptr, "x"), 0),
-        NUMBER(ReplaceString(buffer, "a", nullptr), 0), NUMBER(SetEvalVar(nullptr, "x", 1), -2),
-        NUMBER(AddEvalUserFunc(nullptr, "", "x"), -2), NUMBER(AddEvalUserFunc("X", "", nullptr), -2),
-        POINTER(TranslateDrvString(nullptr, std::malloc)), POINTER(GetEvalVar(nullptr)),
-        POINTER(ReplaceStringsFromDriver(nullptr, "x", nullptr))),
+        CALL(InitDrv(nullptr), -2), CALL(InitDrvS(nullptr), -2), CALL(InitDrvQuick(nullptr), -2),
+        CALL(FreeDrv(nullptr), -2), CALL(StoreDrv(nullptr), -2), CALL(SetDllMode(nullptr), -2),
+        CALL(GetVar(nullptr), -2), CALL(GetDlgVar(nullptr), -2), CALL(SetVar(nullptr), -2),
+        CALL(FreeVar(nullptr), -2), CALL(FreeDlgVar(nullptr), -2), CALL(GetVarAndDesc(nullptr, nullptr), -2),
+        CALL(CountTools(nullptr), -2), CALL(CountTools(&closed), -2), CALL(GetNextTool(nullptr, nullptr), -2),
+        CALL(FreeTool(nullptr), -2), CALL(FreeMaterial(nullptr), -2), CALL(CountMaterial(&closed), -2),
+        CALL(DeleteMaterial(&closed, "Vinyl"), -2), CALL(GetVarVals(nullptr, nullptr, nullptr), -2),
+        CALL(FreeDlgVars(nullptr), -2), CALL(GetDlgVars(nullptr, 1, nullptr, nullptr), -2),
+        CALL(GetDlgVarData(nullptr, nullptr), -2), CALL(FreeDlgDefaultEx(nullptr), -2),
+        CALL(GetFirstVar(nullptr, "Sonderbefehle:"), -2), CALL(HasVideoVar(nullptr, "%Cam%"), -2),
+        CALL(SetJoyStickVarNoOverride(nullptr, "%Fast%", "9"), -2),
+        CALL(GetDrvFlags(nullptr, nullptr, nullptr), -2), CALL(GetFlags(nullptr, nullptr, nullptr), -2),
+        CALL(GetFlags("", nullptr, nullptr), -2), CALL(GetDrvName(nullptr, buffer, 8), 0),
+        CALL(FreeVarDesc(nullptr), 0), CALL(QuickFree(nullptr), 1), CALL(LoadEvalVars(nullptr, 1), -2),
+        CALL(KerflineGetHelpFile(nullptr, 10), -2), CALL(InitCutData(nullptr), 0),
+        CALL(FreeCutData(nullptr), 0), CALL(AddVariable(nullptr, nullptr), 0),
+        CALL(AddLayer(nullptr, nullptr), 0), CALL(TranslateString(nullptr, 10), 0),
+        CALL(ReplaceString(nullptr, "a", "x"), 0), CALL(ReplaceString(buffer, nullptr, "x"), 0),
+        CALL(ReplaceString(buffer, "a", nullptr), 0), CALL(SetEvalVar(nullptr, "x", 1), -2),
+        CALL(AddEvalUserFunc(nullptr, "", "x"), -2), CALL(AddEvalUserFunc("X", "", nullptr), -2),
+        CALL(TranslateDrvString(nullptr, std::malloc), 0), CALL(GetEvalVar(nullptr), 0),
+        CALL(ReplaceStringsFromDriver(nullptr, "x", nullptr), 0)),
     kerfline::test::RowIndex());
 
 TEST(NullArgument, LeavesTheBufferAlone) {
   for (const auto& r :
-       {NUMBER(ReplaceString(buffer, nullptr, "x"), 0), NUMBER(ReplaceString(buffer, "a", nullptr), 0)})
+       {CALL(ReplaceString(buffer, nullptr, "x"), 0), CALL(ReplaceString(buffer, "a", nullptr), 0)})
     EXPECT_EQ(r.run(), 0);
   EXPECT_STREQ(buffer, "abc");
 }
