@@ -1,9 +1,9 @@
 // Calls of the built-in functions with random arguments: nested calls,
 // numbers at the edges of every range, random texts, wrong argument counts.
-// File functions only ever see names inside a private temporary directory
-// (only outermost calls of other functions get wrong argument counts, so no
-// other value can reach their path), and Import is replaced by a stand-in so that
-// no file's text is evaluated.
+// File functions only ever see names inside a private temporary directory,
+// removed when the process exits (only outermost calls of other functions get
+// wrong argument counts, so no other value can reach their path), and Import
+// is replaced by a stand-in so that no file's text is evaluated.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstddef>
@@ -11,11 +11,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "kerfline/kerfline.h"
+#include "sandbox.hpp"
 #include "script/postfix.hpp"
 #include "script/process_state.hpp"
 
@@ -25,10 +25,7 @@ using kerfline::script::ArgStack;
 using kerfline::script::Evaluator;
 using kerfline::script::FunctionRecord;
 
-std::filesystem::path& sandbox() {
-  static std::filesystem::path dir;
-  return dir;
-}
+const std::filesystem::path& sandbox() { return kerfline::fuzz::sandbox_dir("builtins"); }
 
 int silent_box(void*, const char*, const char*, uint32_t) { return KERFLINE_IDOK; }
 
@@ -40,9 +37,7 @@ std::vector<const FunctionRecord*>& functions() {
 }
 
 bool set_up() {
-  std::random_device random;
-  sandbox() = std::filesystem::temp_directory_path() / ("kerfline-fuzz-builtins-" + std::to_string(random()));
-  std::filesystem::create_directories(sandbox());
+  (void)sandbox();
   KERFLINE_HOST_HOOKS hooks{};
   hooks.cbSize = sizeof hooks;
   hooks.pfnMessageBox = silent_box;

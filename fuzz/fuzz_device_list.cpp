@@ -11,6 +11,7 @@
 #include "kerfline/kerfline.h"
 #include "platform/ini.hpp"
 #include "platform/paths.hpp"
+#include "sandbox.hpp"
 
 namespace {
 
@@ -20,8 +21,7 @@ void check(bool ok) {
 
 const std::string& suite_dir() {
   static const std::string dir = [] {
-    const auto d = std::filesystem::temp_directory_path() / "kerfline-fuzz-device-list";
-    std::filesystem::create_directories(d);
+    const auto d = kerfline::fuzz::sandbox_dir("device-list");
     kerfline::platform::set_home_dir(d.string() + "/");
     return d.string() + "/";
   }();

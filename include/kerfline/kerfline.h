@@ -290,11 +290,12 @@ KERFLINE_API int32_t SetDllMode(VMV6DRV* drv);
 /*
  * The name of the driver file at path: for a file whose path holds ".vdv" or
  * ".VDV" (the older fixed-layout format) the text at the start of the file,
- * else the driver name stored after the file header. A file that cannot be
- * read has the empty name. When size is greater than length + 1 the name is
- * copied with its terminator and the result is its length; otherwise nothing
- * is copied and the result is -(length + 1) (a buffer of exactly length + 1
- * bytes is too small). 0 for a null path or when memory is short.
+ * else the driver name stored after the file header; either ends at its
+ * first zero byte. A file that cannot be read has the empty name. When size
+ * is greater than length + 1 the name is copied with its terminator and the
+ * result is its length; otherwise nothing is copied and the result is
+ * -(length + 1) (a buffer of exactly length + 1 bytes is too small). 0 for a
+ * null path or when memory is short.
  */
 KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size);
 

@@ -1,8 +1,10 @@
 #include "driver/builtin_texts.hpp"
 
-#include "driver/builtin_text_rows.hpp"
+#include "driver/builtin_vocabulary.hpp"
 
 #include <charconv>
+#include <deque>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -10,34 +12,126 @@ namespace kerfline::driver {
 
 namespace {
 
-std::vector<BuiltinText> join_blocks() {
-  const std::span<const BuiltinText> blocks[] = {
-      rows::directory(),
-      rows::cut_instructions(),
-      rows::tool_variables(),
-      rows::tool_parameter_types(),
-      rows::material_variables(),
-      rows::groups(),
-      rows::standard_variables(),
-      rows::output_modes(),
-      rows::plot_time_variables(),
-      rows::selections(),
-      rows::letters(),
-      rows::positions(),
-      rows::read_instructions(),
+namespace voc = vocabulary;
+
+// The rows of the table and the texts the layout itself makes (the directory's
+// numbers), which the rows point into.
+struct Table {
+  std::vector<BuiltinText> rows;
+  std::deque<std::string> numbers;
+};
+
+// Lays the records out. Each kind is a run of blocks from its base, `step`
+// numbers apart; an empty default is left out (the first standard variable
+// keeps it). The directory states each kind's base, step and count, the
+// count being the size of the kind's list.
+Table lay_out() {
+  Table t;
+  auto put = [&t](std::uint32_t id, const char* text) { t.rows.push_back({id, text}); };
+  auto put_default = [&put](std::uint32_t id, const char* text) {
+    if (*text != '\0') put(id, text);
   };
-  std::size_t total = 1;
-  for (const auto& block : blocks) total += block.size();
-  std::vector<BuiltinText> table;
-  table.reserve(total);
-  for (const auto& block : blocks) table.insert(table.end(), block.begin(), block.end());
-  table.push_back({kBuiltinTextEnd, ""});
-  return table;
+  const struct {
+    TextKind kind;
+    std::uint32_t base;
+    std::uint32_t step;
+    std::size_t count;
+  } kinds[] = {
+      {TextKind::CutInstructions, 1000, 6, voc::cut_instructions().size()},
+      {TextKind::ToolVariables, 5000, 8, voc::tool_variables().size()},
+      {TextKind::MaterialVariables, 6000, 8, voc::material_variables().size()},
+      {TextKind::Groups, 8000, 3, voc::groups().size()},
+      {TextKind::StandardVariables, 9000, 8, voc::standard_variables().size()},
+      {TextKind::OutputModes, 2000, 8, voc::output_modes().size()},
+      {TextKind::PlotTimeVariables, 2100, 6, voc::plot_time_variables().size()},
+      {TextKind::Selections, 2500, 3, voc::selections().size()},
+      {TextKind::Letters, 2600, 4, voc::letters().size()},
+      {TextKind::Positions, 2700, 4, voc::positions().size()},
+  };
+  for (const auto& k : kinds) {
+    const auto number = static_cast<std::uint32_t>(k.kind);
+    const bool count_first = k.kind == TextKind::StandardVariables || k.kind == TextKind::OutputModes;
+    const std::size_t values[] = {k.base, count_first ? k.count : k.step, count_first ? k.step : k.count};
+    for (std::uint32_t i = 0; i < 3; ++i)
+      put(number + i, t.numbers.emplace_back(std::to_string(values[i])).c_str());
+  }
+  std::uint32_t id = 1000;
+  for (const auto& v : voc::cut_instructions()) {
+    put(id, v.name);
+    put_default(id + 4, v.default_value);
+    put(id + 5, v.type);
+    id += 6;
+  }
+  id = 5000;
+  for (const auto& v : voc::tool_variables()) {
+    put(id, v.name);
+    put_default(id + 3, v.default_value);
+    put(id + 4, v.factor);
+    put(id + 5, v.type);
+    id += 8;
+  }
+  for (id = 5300; id <= 5800; id += 100) put(id, "%TPTyp%");
+  id = 6000;
+  for (const auto& v : voc::material_variables()) {
+    put(id, v.name);
+    put_default(id + 3, v.default_value);
+    put(id + 5, v.type);
+    id += 8;
+  }
+  id = 8000;
+  for (const char* name : voc::groups()) {
+    put(id, name);
+    id += 3;
+  }
+  auto variables = [&](std::span<const voc::Variable> list, std::uint32_t base) {
+    for (const auto& v : list) {
+      put(base, v.name);
+      if (base == 9000) {
+        put(base + 3, v.default_value);
+      } else {
+        put_default(base + 3, v.default_value);
+      }
+      put(base + 4, v.type);
+      put(base + 5, v.group);
+      put(base + 6, v.style);
+      put(base + 7, v.limit);
+      base += 8;
+    }
+    return base;
+  };
+  // A name alone after the last block, beyond the directory's count.
+  put(variables(voc::standard_variables(), 9000), "%OutFlag_6%");
+  variables(voc::output_modes(), 2000);
+  id = 2100;
+  for (const auto& v : voc::plot_time_variables()) {
+    put(id, v.name);
+    put(id + 3, v.routine != nullptr ? "6" : "-");
+    put(id + 4, v.routine != nullptr ? v.routine : "-");
+    put(id + 5, v.routine != nullptr ? "0" : "-");
+    id += 6;
+  }
+  id = 2502;  // the code rows (offset 1) are left out until it is known which goes with which
+  for (const char* name : voc::selections()) {
+    put(id, name);
+    id += 3;
+  }
+  auto named = [&](std::span<const char* const> list, std::uint32_t base) {
+    for (const char* name : list) {
+      put(base, name);
+      put(base + 3, "4");
+      base += 4;
+    }
+  };
+  named(voc::letters(), 2600);
+  named(voc::positions(), 2700);
+  put(12000, "%ReadInit%");
+  put(kBuiltinTextEnd, "");
+  return t;
 }
 
 const std::vector<BuiltinText>& table() {
-  static const std::vector<BuiltinText> rows = join_blocks();
-  return rows;
+  static const Table t = lay_out();
+  return t.rows;
 }
 
 const std::unordered_map<std::uint32_t, const BuiltinText*>& index() {

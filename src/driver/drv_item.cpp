@@ -6,20 +6,13 @@
 #include "driver/archive_reader.hpp"
 #include "driver/archive_writer.hpp"
 #include "driver/text_definitions.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::driver {
 
 const ArchiveClass CDrvItem::kClass{"CDrvItem", 2, true};
 
-void trim_right(std::string& s) {
-  std::size_t n = s.size();
-  while (n > 0) {
-    const char c = s[n - 1];
-    if (c != ' ' && c != '\t' && c != '\n' && c != '\r' && c != '\v' && c != '\f') break;
-    --n;
-  }
-  s.resize(n);
-}
+void trim_right(std::string& s) { s.resize(platform::trim_right(s).size()); }
 
 void CDrvItem::UpdateAtEnd() {
   AtEnd = ValueIndex == -1 ||

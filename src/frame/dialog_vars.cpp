@@ -21,7 +21,9 @@
 #include "frame/variable_lookup.hpp"
 #include "frame/variable_values.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/decimal_text.hpp"
 #include "platform/library_memory.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::frame {
 namespace {
@@ -378,27 +380,15 @@ std::int32_t get_var_vals(VMV6DLGVAR* var, VARVAL** values, std::int32_t* count)
 
 // ---- checks ----------------------------------------------------------------
 
-bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
-  return s;
-}
+using platform::trim;
 
 // The whole text read as a finite number (blanks around it allowed).
 std::optional<double> whole_number(std::string_view text) {
-  text = trimmed(text);
-  bool negative = false;
-  if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
-    negative = text.front() == '-';
-    text.remove_prefix(1);
-  }
-  if (text.empty() || text.front() == '+' || text.front() == '-') return std::nullopt;
-  double v = 0;
-  const auto res = std::from_chars(text.data(), text.data() + text.size(), v);
-  if (res.ec != std::errc() || res.ptr != text.data() + text.size() || !std::isfinite(v)) return std::nullopt;
-  return negative ? -v : v;
+  text = trim(text);
+  const auto number = platform::read_decimal(text);
+  if (!number || number->out_of_range || number->end != text.size() || !std::isfinite(number->value))
+    return std::nullopt;
+  return number->value;
 }
 
 bool all_digits(std::string_view s) {
@@ -410,7 +400,7 @@ bool all_digits(std::string_view s) {
 }
 
 bool is_date(std::string_view text) {
-  text = trimmed(text);
+  text = trim(text);
   const std::size_t a = text.find('.');
   const std::size_t b = a == std::string_view::npos ? a : text.find('.', a + 1);
   if (b == std::string_view::npos) return false;
@@ -429,14 +419,14 @@ bool type_accepts(std::uint32_t type, std::string_view value) {
   switch (type) {
     case driver::type_code::kInteger: {
       if (value.find_first_of(".,;eE") != std::string_view::npos) return false;
-      std::string_view t = trimmed(value);
+      std::string_view t = trim(value);
       if (!t.empty() && (t.front() == '+' || t.front() == '-')) t.remove_prefix(1);
       return all_digits(t);
     }
     case driver::type_code::kDouble:
       return whole_number(value).has_value();
     case driver::type_code::kBool: {
-      const std::string_view t = trimmed(value);
+      const std::string_view t = trim(value);
       return t == "0" || t == "1";
     }
     case driver::type_code::kDate:

@@ -18,11 +18,12 @@ std::string fixed_layout_name(const std::string& path) {
   return head->substr(0, head->find('\0'));
 }
 
-// The driver name after the file header; "" when it cannot be read.
+// The driver name after the file header; "" when it cannot be read. It is
+// handed out as a C string, so it ends at a zero byte the file may hold.
 std::string stored_name(const std::string& path) {
   std::string title;
   if (!kerfline::driver::CVm6Drv::ReadDriverTitle(path, title)) return {};
-  return title;
+  return title.substr(0, title.find('\0'));
 }
 
 }  // namespace

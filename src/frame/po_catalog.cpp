@@ -240,15 +240,7 @@ PoCatalog PoCatalog::parse(std::string_view contents) {
     utf8 = true;
   }
   Reader reader;
-  std::size_t start = 0;
-  while (start < contents.size()) {
-    std::size_t end = contents.find('\n', start);
-    if (end == std::string_view::npos) end = contents.size();
-    std::string_view line = contents.substr(start, end - start);
-    start = end + 1;
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    reader.line(line);
-  }
+  for_each_line(contents, [&reader](std::string_view line) { reader.line(line); });
   reader.finish_entry();
 
   if (reader.header && header_says_utf8(*reader.header)) utf8 = true;

@@ -49,20 +49,14 @@ std::optional<Entry> parse_line(std::string_view line) {
 
 StringTable StringTable::parse(std::string_view contents) {
   StringTable table;
-  std::size_t start = 0;
-  while (start < contents.size()) {
-    std::size_t end = contents.find('\n', start);
-    if (end == std::string_view::npos) end = contents.size();
-    std::string_view line = contents.substr(start, end - start);
-    start = end + 1;
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (rest_is_empty(line, 0)) continue;
+  for_each_line(contents, [&table](std::string_view line) {
+    if (rest_is_empty(line, 0)) return;
     if (auto entry = parse_line(line)) {
       table.texts_.try_emplace(entry->id, std::move(entry->text));
     } else {
       ++table.skipped_;
     }
-  }
+  });
   return table;
 }
 

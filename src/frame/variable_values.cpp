@@ -6,7 +6,9 @@
 #include <string_view>
 
 #include "driver/drv_item_dlg_var.hpp"
+#include "platform/decimal_text.hpp"
 #include "platform/library_memory.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::frame {
 
@@ -15,16 +17,6 @@ using platform::library_free;
 using platform::library_strdup;
 
 namespace {
-
-bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-std::string trimmed(const std::string& text) {
-  std::size_t begin = 0;
-  std::size_t end = text.size();
-  while (begin < end && is_blank(text[begin])) ++begin;
-  while (end > begin && is_blank(text[end - 1])) --end;
-  return text.substr(begin, end - begin);
-}
 
 template <typename T>
 std::string decimal(T v) {
@@ -36,27 +28,9 @@ std::string decimal(T v) {
 }  // namespace
 
 std::optional<double> leading_number(const std::string& text) {
-  std::size_t pos = 0;
-  while (pos < text.size() && is_blank(text[pos])) ++pos;
-  bool negative = false;
-  if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) {
-    negative = text[pos] == '-';
-    ++pos;
-  }
-  // from_chars takes no sign of its own here, so "+-1" is no number.
-  if (pos >= text.size() || text[pos] == '+' || text[pos] == '-') return std::nullopt;
-  double v = 0;
-  const auto [end, ec] = std::from_chars(text.data() + pos, text.data() + text.size(), v);
-  if (ec == std::errc::invalid_argument) return std::nullopt;
-  if (ec == std::errc::result_out_of_range) {
-    // Beyond double: a negative exponent stands for 0, any other for infinity.
-    const std::string_view digits(text.data() + pos, static_cast<std::size_t>(end - (text.data() + pos)));
-    const std::size_t e = digits.find_first_of("eE");
-    v = e != std::string_view::npos && e + 1 < digits.size() && digits[e + 1] == '-'
-            ? 0.0
-            : std::numeric_limits<double>::infinity();
-  }
-  return negative ? -v : v;
+  const auto number = platform::read_decimal(text);
+  if (!number) return std::nullopt;
+  return number->value;
 }
 
 std::int32_t item_integer(const driver::CDrvItem& item) {
@@ -103,7 +77,7 @@ std::int32_t read_value(const driver::CDrvItem& item, ValueSlot slot, bool trim_
     case KERFLINE_VT_TEXT: {
       std::string text = item.GetValue();
       if (trim_dialog_text && dynamic_cast<const driver::CDrvItemDlgVar*>(&item) != nullptr)
-        text = trimmed(text);
+        text = std::string(platform::trim(text));
       char* copy = library_strdup(text);
       if (copy == nullptr) return -3;
       slot.value.pszText = copy;

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "platform/codepage.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::platform::ini {
 namespace {
@@ -185,13 +186,9 @@ std::string_view IniDocument::name_of(const Section& s) const {
 }
 
 namespace {
-std::string_view trim(std::string_view text) {
-  std::size_t b = 0;
-  std::size_t e = text.size();
-  while (b < e && is_space(text[b])) ++b;
-  while (e > b && is_space(text[e - 1])) --e;
-  return text.substr(b, e - b);
-}
+// The blanks of is_space.
+constexpr std::string_view kBlanks = " \t\n\v\f\r\x1A";
+std::string_view trim(std::string_view text) { return platform::trim(text, kBlanks); }
 }  // namespace
 
 std::string_view IniDocument::key_of(const Line& line) const {

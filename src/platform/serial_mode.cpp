@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/serial_port.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::platform::port {
 namespace {
@@ -17,11 +18,7 @@ std::string lowered(std::string_view text) {
   return out;
 }
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return text;
-}
+std::string_view trimmed(std::string_view text) { return trim(text, " \t"); }
 
 std::optional<std::uint32_t> number(std::string_view text) {
   std::uint32_t value = 0;

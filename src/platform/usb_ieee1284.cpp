@@ -1,18 +1,11 @@
 // IEEE-1284 device ids come from the device itself: parsed without trust.
+#include "platform/text_trim.hpp"
 #include "platform/usb_devices.hpp"
 
 namespace kerfline::platform::usb {
 namespace {
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t' || s.front() == '\n' || s.front() == '\r')) {
-    s.remove_prefix(1);
-  }
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\n' || s.back() == '\r')) {
-    s.remove_suffix(1);
-  }
-  return s;
-}
+std::string_view trimmed(std::string_view s) { return trim(s, " \t\n\r"); }
 
 bool same_key(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
@@ -42,9 +35,9 @@ std::string ieee1284_field(std::string_view id, std::string_view key) {
     const std::string_view pair = id.substr(start, end - start);
     const std::size_t colon = pair.find(':');
     if (colon != std::string_view::npos) {
-      const std::string_view k = trim(pair.substr(0, colon));
+      const std::string_view k = trimmed(pair.substr(0, colon));
       if (same_key(k, key) || (!alias.empty() && same_key(k, alias))) {
-        return std::string(trim(pair.substr(colon + 1)));
+        return std::string(trimmed(pair.substr(colon + 1)));
       }
     }
     start = end + 1;

@@ -3,6 +3,8 @@
 #include <array>
 
 #include "platform/codepage.hpp"
+#include "platform/text_trim.hpp"
+#include "script/delimited_scan.hpp"
 #include "script/evaluator.hpp"
 #include "script/limits.hpp"
 #include "script/numbers.hpp"
@@ -19,12 +21,7 @@ std::string_view trim_brackets(std::string_view s) {
   return s;
 }
 
-std::string_view trim_blanks(std::string_view s) {
-  const auto is_blank = [](char c) { return c == ' ' || (c >= 0x09 && c <= 0x0d); };
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
-  return s;
-}
+using platform::trim;
 
 struct BlockParts {
   std::string_view condition;
@@ -109,12 +106,12 @@ std::string Evaluator::decide_block(std::string_view content, bool closed, int d
       first_blank == std::string_view::npos ? std::string_view{} : cond.substr(first_blank + 1);
   const std::size_t second_blank = rest.find(' ');
   const std::string_view op = rest.substr(0, second_blank);
-  const std::string_view right = trim_blanks(
-      second_blank == std::string_view::npos ? std::string_view{} : rest.substr(second_blank + 1));
+  const std::string_view right =
+      trim(second_blank == std::string_view::npos ? std::string_view{} : rest.substr(second_blank + 1));
 
   // An operand whose value brings a block of its own is decided by it.
   const auto operand = [&](std::string_view text) {
-    std::string value = evaluate(trim_blanks(text), -1);
+    std::string value = evaluate(trim(text), -1);
     if (value.find('{') == std::string::npos) return value;
     if (depth + 1 >= kMaxNestedEvaluations) return ScriptError(kRecursionLimit, "").printable();
     return decide_block(value, closed, depth + 1);
@@ -129,26 +126,12 @@ std::string Evaluator::decide_block(std::string_view content, bool closed, int d
 }
 
 std::string Evaluator::conditional_pass(std::string_view text, bool closed) {
-  std::string out;
-  out.reserve(text.size());
-  std::size_t scan = 0;
-  while (true) {
-    const std::size_t open = text.find('{', scan);
-    if (open == std::string_view::npos) break;
-    // The end is looked for from the scan position, not from the "{".
-    const std::size_t close = text.find('}', scan);
-    if (close == std::string_view::npos) return std::string(kStatusText);
-    out.append(text.substr(scan, open - scan));
-    const std::string_view content =
-        close > open ? text.substr(open + 1, close - open - 1) : std::string_view{};
-    const std::string decided = decide_block(content, closed, 0);
+  const auto out = replace_delimited(text, "{", "}", [&](std::string_view content) {
+    std::string decided = decide_block(content, closed, 0);
     charge(0, decided.size());
-    out += decided;
-    if (out.size() > kMaxPassOutputBytes) return std::string(kStatusText);
-    scan = close + 1;
-  }
-  out.append(text.substr(scan));
-  return out;
+    return decided;
+  });
+  return out.value_or(std::string(kStatusText));
 }
 
 }  // namespace kerfline::script

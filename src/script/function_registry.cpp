@@ -1,16 +1,12 @@
 #include "script/function_registry.hpp"
 
 #include "platform/codepage.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::script {
 namespace {
 
-std::string_view trim_blanks(std::string_view s) {
-  const auto is_blank = [](char c) { return c == ' ' || (c >= 0x09 && c <= 0x0d); };
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
-  return s;
-}
+using platform::trim;
 
 }  // namespace
 
@@ -35,11 +31,11 @@ const FunctionRecord* FunctionRegistry::find(std::string_view name) const {
 
 std::vector<std::string> split_parameter_names(std::string_view parameter_list) {
   std::vector<std::string> names;
-  if (trim_blanks(parameter_list).empty()) return names;
+  if (trim(parameter_list).empty()) return names;
   std::size_t from = 0;
   while (true) {
     const std::size_t comma = parameter_list.find(',', from);
-    names.emplace_back(trim_blanks(parameter_list.substr(from, comma - from)));
+    names.emplace_back(trim(parameter_list.substr(from, comma - from)));
     if (comma == std::string_view::npos) break;
     from = comma + 1;
   }

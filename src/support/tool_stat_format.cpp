@@ -1,4 +1,5 @@
 #include "support/tool_stat_format.hpp"
+#include "platform/decimal_text.hpp"
 
 #include <charconv>
 
@@ -17,19 +18,8 @@ std::string format_int(std::int32_t value) {
 }
 
 double parse_distance(std::string_view text) {
-  std::size_t at = 0;
-  while (at < text.size() && (text[at] == ' ' || (text[at] >= '\t' && text[at] <= '\r'))) ++at;
-  bool negative = false;
-  if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
-    negative = text[at] == '-';
-    ++at;
-  }
-  // from_chars takes no '+' and no second sign.
-  if (at >= text.size() || text[at] == '+' || text[at] == '-') return 0.0;
-  double value = 0.0;
-  const auto r = std::from_chars(text.data() + at, text.data() + text.size(), value);
-  if (r.ec != std::errc{}) return 0.0;
-  return negative ? -value : value;
+  const auto number = platform::read_decimal(text);
+  return number && !number->out_of_range ? number->value : 0.0;
 }
 
 std::optional<std::int64_t> tool_key_slot(std::string_view key) {

@@ -1,10 +1,6 @@
 // Two processes adding devices to one suite at the same time, and the local
 // ports found in a fake sysfs tree. The adders are this test binary again,
 // told their role by the environment before any test runs.
-#include <spawn.h>
-#include <sys/wait.h>
-
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -12,10 +8,9 @@
 #include <set>
 
 #include "devconfig/suite_fixture.hpp"
+#include "fixtures/self_spawn.hpp"
 #include "fixtures/table_names.hpp"
 #include "kerfline/kerfline.h"
-
-extern char** environ;
 
 namespace {
 
@@ -46,20 +41,6 @@ const int kChildStatus = [] {
   std::_Exit(run_adder(std::atoi(role)));
 }();
 
-pid_t spawn_adder(int adder) {
-  std::vector<std::string> env_strings;
-  for (char** e = environ; *e != nullptr; ++e) env_strings.emplace_back(*e);
-  env_strings.push_back("KERFLINE_DEVICE_ADDER=" + std::to_string(adder));
-  std::vector<char*> env;
-  for (std::string& s : env_strings) env.push_back(s.data());
-  env.push_back(nullptr);
-  char self[] = "/proc/self/exe";
-  char* argv[] = {self, nullptr};
-  pid_t pid = -1;
-  if (::posix_spawn(&pid, self, nullptr, nullptr, argv, env.data()) != 0) return -1;
-  return pid;
-}
-
 class Processes : public SuiteDir {};
 
 TEST_F(Processes, TwoAddersLoseNoDevice) {
@@ -67,12 +48,11 @@ TEST_F(Processes, TwoAddersLoseNoDevice) {
   // The children find the suite through the environment.
   ASSERT_EQ(::setenv("KERFLINE_HOME", home().c_str(), 1), 0);
   std::vector<pid_t> children;
-  for (int a = 0; a < kAdders; ++a) children.push_back(spawn_adder(a));
+  for (int a = 0; a < kAdders; ++a)
+    children.push_back(kerfline::test::spawn_self({"KERFLINE_DEVICE_ADDER=" + std::to_string(a)}));
   for (const pid_t pid : children) {
     ASSERT_GT(pid, 0);
-    int status = 0;
-    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-    }
+    const int status = kerfline::test::wait_status(pid);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "adder status " << status;
   }
   ::unsetenv("KERFLINE_HOME");

@@ -24,6 +24,7 @@
 #include "driver/drv_item.hpp"
 #include "driver/drv_item_list.hpp"
 #include "driver/vm6drv.hpp"
+#include "fixtures/driver_items.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "platform/paths.hpp"
 
@@ -116,12 +117,7 @@ class DriverVars {
  public:
   explicit DriverVars(const std::vector<std::pair<std::string, std::string>>& vars)
       : doc_(std::make_unique<driver::CVm6Drv>()) {
-    for (const auto& [name, value] : vars) {
-      auto item = std::make_shared<driver::CDrvItem>();
-      item->Name = name;
-      item->Value = value;
-      doc_->Root().AddChild(item);
-    }
+    for (const auto& [name, value] : vars) doc_->Root().AddChild(named(name, value));
     drv_.pDrv = doc_.get();
   }
   VMV6DRV* drv() { return &drv_; }

@@ -3,7 +3,6 @@
 // run uses the private block named in KERFLINE_SHM_NAME.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,10 +14,9 @@
 #include <thread>
 #include <vector>
 
+#include "fixtures/self_spawn.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/shared_memory.hpp"
-
-extern char** environ;
 
 namespace {
 
@@ -110,15 +108,7 @@ const bool kChildRan = [] {
 class Child {
  public:
   explicit Child(const std::string& role) {
-    std::vector<std::string> env;
-    for (char** e = environ; *e != nullptr; ++e) env.emplace_back(*e);
-    env.push_back(std::string(kRoleVariable) + "=" + role);
-    std::vector<char*> envp;
-    for (auto& e : env) envp.push_back(e.data());
-    envp.push_back(nullptr);
-    char exe[] = "/proc/self/exe";
-    char* argv[] = {exe, nullptr};
-    if (posix_spawn(&pid_, exe, nullptr, nullptr, argv, envp.data()) != 0) pid_ = -1;
+    pid_ = kerfline::test::spawn_self({std::string(kRoleVariable) + "=" + role});
   }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "fixtures/host_recorder.hpp"
+#include "fixtures/self_spawn.hpp"
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
@@ -24,6 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using kerfline::test::HostRecorder;
+using kerfline::test::no_child_left;
 using kerfline::test::TempDir;
 using Clock = std::chrono::steady_clock;
 
@@ -59,11 +61,6 @@ int spawn(const std::string& line, void* mode) { return spawn(line.c_str(), mode
 
 std::size_t count_entries(const char* dir) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(dir), fs::directory_iterator()));
-}
-
-bool no_child_left() {
-  int status = 0;
-  return ::waitpid(-1, &status, WNOHANG) < 0 && errno == ECHILD;
 }
 
 // Installs a pump hook that runs the given code, for the object's lifetime.

@@ -16,6 +16,7 @@
 #include "driver/drv_item_tool_parm_var.hpp"
 #include "driver/text_definitions.hpp"
 #include "driver/vm6drv.hpp"
+#include "fixtures/driver_items.hpp"
 
 namespace kerfline::test {
 
@@ -72,14 +73,6 @@ inline drv::TextLookup sample_lookup() {
   };
 }
 
-template <typename T>
-std::shared_ptr<T> make_named(const std::string& name, const std::string& value = {}) {
-  auto item = std::make_shared<T>();
-  item->Name = name;
-  item->Value = value;
-  return item;
-}
-
 // Every class, every optional field, every string-prefix form (the DWORD
 // form only with `huge`).
 inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
@@ -87,7 +80,7 @@ inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   root.Name = "%Root%";
   root.ListParam1 = 1;  // fills itself with the special cut instructions
 
-  auto full = make_named<drv::CDrvItem>("%Full%", "12");
+  auto full = named<drv::CDrvItem>("%Full%", "12");
   full->Description = "an item defined by the file";
   full->AuxText = "aux";
   full->Attributes = 0xDEADBEEF;
@@ -95,25 +88,25 @@ inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   full->ValueIndex = 1;
   root.AddChild(full);
 
-  auto driver_name = make_named<drv::CDrvItem>("%DriverName%", "Sample Cutter 1000");
+  auto driver_name = named<drv::CDrvItem>("%DriverName%", "Sample Cutter 1000");
   driver_name->DictId = 9016;
   root.AddChild(driver_name);
 
-  auto linked = make_named<drv::CDrvItem>("%Digits%", "3");
+  auto linked = named<drv::CDrvItem>("%Digits%", "3");
   linked->DictId = 9288;
   linked->Linked = 1;
   root.AddChild(linked);
 
-  root.AddChild(make_named<drv::CDrvItem>("%Long%", std::string(300, 'x')));
-  if (huge) root.AddChild(make_named<drv::CDrvItem>("%Huge%", std::string(70000, 'y')));
+  root.AddChild(named<drv::CDrvItem>("%Long%", std::string(300, 'x')));
+  if (huge) root.AddChild(named<drv::CDrvItem>("%Huge%", std::string(70000, 'y')));
 
-  auto cut = make_named<drv::CDrvItemCutInstr>("%CI_ArcLimit%", "(AL:5)");
+  auto cut = named<drv::CDrvItemCutInstr>("%CI_ArcLimit%", "(AL:5)");
   cut->DictId = 1000;
   cut->CutInstrText = "cut text";
   cut->AuxText = "cut aux";
   root.AddChild(cut);
 
-  auto group = make_named<drv::CDrvItemList>("%OutputFrmt%");
+  auto group = named<drv::CDrvItemList>("%OutputFrmt%");
   group->Description = "Output";
   group->ListParam0 = 7;
   group->ListParam2 = 1;
@@ -121,7 +114,7 @@ inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   group->ListParam4 = 0x12345678;
   group->ListAtEnd = 1;
 
-  auto dlg = make_named<drv::CDrvItemDlgVar>("%Speed%", "50");
+  auto dlg = named<drv::CDrvItemDlgVar>("%Speed%", "50");
   dlg->DlgText = "Speed";
   dlg->DlgFormat = "%d cm/s";
   dlg->AuxText = "dlg aux";
@@ -130,29 +123,29 @@ inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   dlg->Conditions = {"%A%>1", "", "%B%"};
   group->AddChild(dlg);
 
-  auto plain_dlg = make_named<drv::CDrvItemDlgVar>("%Plain%", "1");
+  auto plain_dlg = named<drv::CDrvItemDlgVar>("%Plain%", "1");
   group->AddChild(plain_dlg);
 
-  auto tool = make_named<drv::CDrvItemToolParmVar>("%IToolDepth%", "2");
+  auto tool = named<drv::CDrvItemToolParmVar>("%IToolDepth%", "2");
   tool->ToolParmText = "depth;1.0";
   tool->Linked = 1;
   tool->DictId = 5000;
   group->AddChild(tool);
 
-  auto mat = make_named<drv::CDrvItemMatDB>("%MatDB%", "materials.mdb");
+  auto mat = named<drv::CDrvItemMatDB>("%MatDB%", "materials.mdb");
   mat->AuxText = "mat aux";
   mat->Description = "Materials";
   group->AddChild(mat);
 
-  auto mat_numbered = make_named<drv::CDrvItemMatDB>("%MatDB2%", "other.mdb");
+  auto mat_numbered = named<drv::CDrvItemMatDB>("%MatDB2%", "other.mdb");
   mat_numbered->DictId = 6000;
   group->AddChild(mat_numbered);
 
   root.AddChild(group);
-  root.AddChild(make_named<drv::CDrvItemList>("%Empty%"));
+  root.AddChild(named<drv::CDrvItemList>("%Empty%"));
 
-  auto reserved = make_named<drv::CDrvItemList>("Dialogvariablen");
-  reserved->AddChild(make_named<drv::CDrvItemList>("Page 1"));
+  auto reserved = named<drv::CDrvItemList>("Dialogvariablen");
+  reserved->AddChild(named<drv::CDrvItemList>("Page 1"));
   root.AddChild(reserved);
   doc.RefreshGroupList();
 }

@@ -15,7 +15,7 @@
 
 namespace drv = kerfline::driver;
 using kerfline::test::bytes;
-using kerfline::test::make_named;
+using kerfline::test::named;
 using kerfline::test::new_class;
 using kerfline::test::sample_lookup;
 
@@ -91,7 +91,7 @@ TEST(DriverDocument, RoundTripsEveryClassByteForByte) {
 
 TEST(DriverDocument, ATextNumberedItemKeepsOnlyFourFields) {
   drv::CVm6Drv doc(sample_lookup());
-  auto name = make_named<drv::CDrvItem>("%DriverName%", "v");
+  auto name = named<drv::CDrvItem>("%DriverName%", "v");
   name->DictId = 9016;
   doc.Root().AddChild(name);
   const std::string expected = bytes({6}) + "VM6DRV" + bytes({1, 'v'}) + dword(0) + root_record(1) +
@@ -118,7 +118,7 @@ TEST_P(ExtendedHeaderRoundTrip, KeepsTheStoredBytesAndTheDword) {
   doc.Header = GetParam().header;
   doc.Title = GetParam().title;
   doc.Root().Name = "%Root%";
-  doc.Root().AddChild(make_named<drv::CDrvItem>("%A%", "1"));
+  doc.Root().AddChild(named<drv::CDrvItem>("%A%", "1"));
   const std::string written = doc.WriteToBytes();
   EXPECT_EQ(written.substr(0, 8), "\x07VM6DRV$");
 
@@ -199,7 +199,7 @@ TEST(DriverDocument, ReadsOlderSchemas) {
 
 TEST(DriverDocument, CutInstructionsTakeTheirDefinitionWhateverTheLink) {
   drv::CVm6Drv doc(sample_lookup());
-  auto cut = make_named<drv::CDrvItemCutInstr>("%Mine%", "(OC:100)");
+  auto cut = named<drv::CDrvItemCutInstr>("%Mine%", "(OC:100)");
   cut->DictId = 1006;
   cut->Linked = 1;
   cut->Type = 0;
@@ -219,7 +219,7 @@ TEST(DriverDocument, ACutInstructionWithoutTextNumberDoesNotReadBack) {
   // The plain record inside a cut instruction is read under schema 1 and so
   // misses the AuxText that the writer put there: the texts shift.
   drv::CVm6Drv doc(sample_lookup());
-  auto cut = make_named<drv::CDrvItemCutInstr>("%Local%", "(OC:1)");
+  auto cut = named<drv::CDrvItemCutInstr>("%Local%", "(OC:1)");
   cut->AuxText = "first";
   cut->CutInstrText = "second";
   doc.Root().AddChild(cut);
@@ -233,12 +233,12 @@ TEST(DriverDocument, ACutInstructionWithoutTextNumberDoesNotReadBack) {
 
 TEST(DriverDocument, FindItemSearchesRootThenGroupsInOrder) {
   drv::CVm6Drv doc(sample_lookup());
-  auto g1 = make_named<drv::CDrvItemList>("%G1%");
-  auto g2 = make_named<drv::CDrvItemList>("%G2%");
-  auto in_root = make_named<drv::CDrvItem>("%A%", "root");
-  auto in_g1 = make_named<drv::CDrvItem>("%A%", "g1");
-  auto b1 = make_named<drv::CDrvItem>("%B%", "g1");
-  auto b2 = make_named<drv::CDrvItem>("%B%", "g2");
+  auto g1 = named<drv::CDrvItemList>("%G1%");
+  auto g2 = named<drv::CDrvItemList>("%G2%");
+  auto in_root = named<drv::CDrvItem>("%A%", "root");
+  auto in_g1 = named<drv::CDrvItem>("%A%", "g1");
+  auto b1 = named<drv::CDrvItem>("%B%", "g1");
+  auto b2 = named<drv::CDrvItem>("%B%", "g2");
   g1->AddChild(in_g1);
   g1->AddChild(b1);
   g2->AddChild(b2);

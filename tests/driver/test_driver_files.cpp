@@ -10,7 +10,7 @@
 
 namespace drv = kerfline::driver;
 namespace fs = std::filesystem;
-using kerfline::test::make_named;
+using kerfline::test::named;
 using kerfline::test::sample_lookup;
 
 namespace {
@@ -26,11 +26,11 @@ std::string driver_bytes(Fill&& fill) {
 
 std::string base_driver() {
   return driver_bytes([](drv::CVm6Drv& doc) {
-    auto speed = make_named<drv::CDrvItem>("%Speed%", "50");
+    auto speed = named<drv::CDrvItem>("%Speed%", "50");
     speed->Description = "base speed";
-    auto group = make_named<drv::CDrvItemList>("%G%");
+    auto group = named<drv::CDrvItemList>("%G%");
     group->Value = "base group";
-    auto dlg = make_named<drv::CDrvItemDlgVar>("%Dlg%", "base dialog");
+    auto dlg = named<drv::CDrvItemDlgVar>("%Dlg%", "base dialog");
     group->AddChild(dlg);
     doc.Root().AddChild(speed);
     doc.Root().AddChild(group);
@@ -41,15 +41,15 @@ std::string base_driver() {
 std::string derived_driver(const std::string& base_name) {
   return driver_bytes([&](drv::CVm6Drv& doc) {
     doc.BaseDriverFlag = 1;
-    auto base = make_named<drv::CDrvItem>("%BaseDrv%", base_name);
+    auto base = named<drv::CDrvItem>("%BaseDrv%", base_name);
     base->Linked = 1;
-    auto speed = make_named<drv::CDrvItem>("%Speed%", "stale");
+    auto speed = named<drv::CDrvItem>("%Speed%", "stale");
     speed->Linked = 1;
-    auto group = make_named<drv::CDrvItemList>("%G%", "own group");
+    auto group = named<drv::CDrvItemList>("%G%", "own group");
     group->Linked = 1;
-    auto dlg = make_named<drv::CDrvItemDlgVar>("%Dlg%", "own dialog");
+    auto dlg = named<drv::CDrvItemDlgVar>("%Dlg%", "own dialog");
     dlg->Linked = 1;
-    auto local = make_named<drv::CDrvItem>("%Local%", "mine");
+    auto local = named<drv::CDrvItem>("%Local%", "mine");
     group->AddChild(dlg);
     doc.Root().AddChild(base);
     doc.Root().AddChild(speed);
@@ -97,7 +97,7 @@ TEST(LoadDriver, AFileThatCannotBeOpenedIsShownAndKeepsTheDocument) {
   kerfline::test::TempDir dir;
   const std::string path = (dir.path() / "missing.vmd").string();
   drv::CVm6Drv doc(sample_lookup());
-  doc.Root().AddChild(make_named<drv::CDrvItem>("%A%", "1"));
+  doc.Root().AddChild(named<drv::CDrvItem>("%A%", "1"));
   EXPECT_FALSE(doc.LoadDriver(path));
   EXPECT_EQ(doc.Path, path);
   EXPECT_NE(doc.Root().FindChild("%A%"), nullptr);

@@ -14,13 +14,13 @@
 #include "fixtures/table_names.hpp"
 
 namespace drv = kerfline::driver;
-using kerfline::test::make_named;
+using kerfline::test::named;
 
 namespace {
 
 TEST(ItemValue, FollowsLinksToTheFirstLocalItem) {
-  auto base = make_named<drv::CDrvItem>("%A%", "base");
-  auto middle = make_named<drv::CDrvItem>("%A%", "middle");
+  auto base = named<drv::CDrvItem>("%A%", "base");
+  auto middle = named<drv::CDrvItem>("%A%", "middle");
   middle->Linked = 1;
   middle->SetLinkTarget(base);
   drv::CDrvItem item;
@@ -35,7 +35,7 @@ TEST(ItemValue, FollowsLinksToTheFirstLocalItem) {
 }
 
 TEST(ItemValue, SettingALinkedValueTakesTheDescriptionAndUnlinks) {
-  auto target = make_named<drv::CDrvItem>("%A%", "base");
+  auto target = named<drv::CDrvItem>("%A%", "base");
   target->Description = "from the base";
   drv::CDrvItem item;
   item.Description = "mine";
@@ -71,7 +71,7 @@ TEST(ItemType, NamesAndCodes) {
 }
 
 TEST(ItemType, SettingTheTypeOfALinkedItemMakesItLocal) {
-  auto target = make_named<drv::CDrvItem>("%A%", "7");
+  auto target = named<drv::CDrvItem>("%A%", "7");
   target->Description = "base text";
   drv::CDrvItem item;
   item.Linked = 1;
@@ -158,8 +158,8 @@ TEST(DialogVariable, IntegerCheckCaptionComesFromTheSecondDictionaryOnly) {
 
 TEST(Group, FindByNameTrimsUnmappedChildren) {
   drv::CDrvItemList group;
-  auto abc = make_named<drv::CDrvItem>("abc   ");
-  group.AddChild(make_named<drv::CDrvItem>("ab"));
+  auto abc = named<drv::CDrvItem>("abc   ");
+  group.AddChild(named<drv::CDrvItem>("ab"));
   group.AddChild(abc);
   EXPECT_EQ(group.FindChild("abc"), abc.get());
   EXPECT_EQ(abc->Name, "abc");
@@ -168,9 +168,9 @@ TEST(Group, FindByNameTrimsUnmappedChildren) {
 
 TEST(Group, MapsLetTheLaterChildWin) {
   drv::CDrvItemList group;
-  auto first = make_named<drv::CDrvItem>("%A%");
+  auto first = named<drv::CDrvItem>("%A%");
   first->DictId = 9000;
-  auto second = make_named<drv::CDrvItem>("%A%");
+  auto second = named<drv::CDrvItem>("%A%");
   second->DictId = 9000;
   group.AddChild(first);
   group.AddChild(second);
@@ -178,7 +178,7 @@ TEST(Group, MapsLetTheLaterChildWin) {
   group.BuildMaps();
   EXPECT_EQ(group.FindChild("%A%"), second.get());
   EXPECT_EQ(group.FindChildByDictId(9000), second.get());
-  auto third = make_named<drv::CDrvItem>("%A%");
+  auto third = named<drv::CDrvItem>("%A%");
   group.AddChild(third);
   EXPECT_EQ(group.FindChild("%A%"), third.get()) << "a child added later joins the maps";
   group.RemoveChild(third.get());
@@ -188,7 +188,7 @@ TEST(Group, MapsLetTheLaterChildWin) {
 TEST(Group, PopulateAddsOnlyMissingCutInstructions) {
   const drv::TextDefinitions texts(kerfline::test::sample_lookup());
   drv::CDrvItemList group;
-  auto own = make_named<drv::CDrvItemCutInstr>("%CI_AltHPGL%", "(AT:PR)");
+  auto own = named<drv::CDrvItemCutInstr>("%CI_AltHPGL%", "(AT:PR)");
   group.AddChild(own);
   group.Populate(texts);
   group.Populate(texts);
@@ -251,10 +251,10 @@ TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
     group.Name = g.name;
     group.Description = g.description;
     group.DictId = g.dict_id;
-    auto page = make_named<drv::CDrvItemList>("Page");
-    group.AddChild(make_named<drv::CDrvItem>("%A%"));
+    auto page = named<drv::CDrvItemList>("Page");
+    group.AddChild(named<drv::CDrvItem>("%A%"));
     group.AddChild(page);
-    group.AddChild(make_named<drv::CDrvItemDlgVar>("%B%"));
+    group.AddChild(named<drv::CDrvItemDlgVar>("%B%"));
     drv::ArchiveWriter w;
     group.Serialize(w);
     EXPECT_EQ(group.GetChildren().size(), g.reserved ? 1u : 3u) << g.name << g.dict_id;

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -68,30 +65,6 @@ TEST(MalformedDriver, TrailingBytesAfterTheRootGroupAreIgnored) {
   drv::CVm6Drv doc(sample_lookup());
   ASSERT_TRUE(doc.ReadFromBytes(file + std::string("\x01\x00\x00\x00\xFF\xFF", 6))) << doc.LastError();
   EXPECT_TRUE(doc.WriteToBytes() == file);
-}
-
-// Writes the seed corpus of the driver-archive fuzz target next to the test
-// binaries (fuzz-corpus/driver_archive), and checks every seed loads.
-TEST(DriverFuzzCorpus, SeedsAreValidDriverFiles) {
-  std::vector<std::string> seeds = valid_files();
-  drv::CVm6Drv small(sample_lookup());
-  small.Root().AddChild(kerfline::test::make_named<drv::CDrvItem>("%A%", "1"));
-  seeds.push_back(small.WriteToBytes());
-  seeds.push_back(drv::CVm6Drv(sample_lookup()).WriteToBytes());
-
-  const char* binary_dir = std::getenv("KERFLINE_TEST_BINARY_DIR");
-  std::filesystem::path out;
-  if (binary_dir != nullptr) {
-    out = std::filesystem::path(binary_dir) / "fuzz-corpus" / "driver_archive";
-    std::filesystem::create_directories(out);
-  }
-  for (std::size_t i = 0; i < seeds.size(); ++i) {
-    drv::CVm6Drv doc(sample_lookup());
-    EXPECT_TRUE(doc.ReadFromBytes(seeds[i])) << i << ": " << doc.LastError();
-    if (!out.empty()) {
-      std::ofstream(out / ("seed" + std::to_string(i) + ".vmd"), std::ios::binary) << seeds[i];
-    }
-  }
 }
 
 }  // namespace

@@ -8,18 +8,11 @@
 
 #include "driver/drv_item_list.hpp"
 #include "driver/vm6drv.hpp"
+#include "fixtures/driver_items.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::test {
-
-template <typename T = driver::CDrvItem>
-std::shared_ptr<T> named(const std::string& name, const std::string& value = {}) {
-  auto item = std::make_shared<T>();
-  item->Name = name;
-  item->Value = value;
-  return item;
-}
 
 // Stores the document that `fill` sets up as `relative` below dir.
 template <typename Fill>

@@ -9,17 +9,18 @@
 #include "driver/drv_item_dlg_var.hpp"
 #include "driver/drv_item_list.hpp"
 #include "driver/vm6drv.hpp"
+#include "fixtures/driver_items.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::test {
 
 namespace drv = kerfline::driver;
 
-inline std::shared_ptr<drv::CDrvItem> item(const std::string& name, const std::string& value,
-                                           std::uint32_t type = drv::type_code::kString) {
-  auto it = std::make_shared<drv::CDrvItem>();
-  it->Name = name;
-  it->Value = value;
+// Items of the sample: typed, each described as "about <name>".
+template <typename T = drv::CDrvItem>
+std::shared_ptr<T> item(const std::string& name, const std::string& value,
+                        std::uint32_t type = drv::type_code::kString) {
+  auto it = named<T>(name, value);
   it->Type = type;
   it->Description = "about " + name;
   return it;
@@ -27,21 +28,16 @@ inline std::shared_ptr<drv::CDrvItem> item(const std::string& name, const std::s
 
 inline std::shared_ptr<drv::CDrvItemList> group(const std::string& name,
                                                 std::uint32_t type = drv::type_code::kString) {
-  auto g = std::make_shared<drv::CDrvItemList>();
-  g->Name = name;
+  auto g = named<drv::CDrvItemList>(name);
   g->Type = type;
   return g;
 }
 
 inline std::shared_ptr<drv::CDrvItemDlgVar> dialog_var(const std::string& name, const std::string& value,
                                                        std::uint32_t type, const std::string& text) {
-  auto d = std::make_shared<drv::CDrvItemDlgVar>();
-  d->Name = name;
-  d->Value = value;
-  d->Type = type;
+  auto d = item<drv::CDrvItemDlgVar>(name, value, type);
   d->DlgText = text;
   d->DlgFormat = "%.2f";
-  d->Description = "about " + name;
   return d;
 }
 

@@ -152,7 +152,6 @@ TEST_F(LanguageContext, IsRebuiltWhenTheSuiteDirectoryChanges) {
   EXPECT_EQ(std::string(help), expected);
   EXPECT_EQ(KerflineGetHelpFile(help, static_cast<uint32_t>(expected.size())),
             -static_cast<int32_t>(expected.size() + 1));
-  EXPECT_EQ(KerflineGetHelpFile(nullptr, 10), -2);
 }
 
 }  // namespace

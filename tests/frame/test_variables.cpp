@@ -243,12 +243,6 @@ TEST(GetVar, CodesOutsideTheTableFillNothing) {
 
 TEST(GetVar, BadRecords) {
   SampleDriver d;
-  EXPECT_EQ(GetVar(nullptr), -2);
-  EXPECT_EQ(GetDlgVar(nullptr), -2);
-  EXPECT_EQ(SetVar(nullptr), -2);
-  EXPECT_EQ(FreeVar(nullptr), -2);
-  EXPECT_EQ(FreeDlgVar(nullptr), -2);
-  EXPECT_EQ(GetVarAndDesc(nullptr, nullptr), -2);
 
   VMV6VAR empty = d.request("", KERFLINE_VARKIND_DRIVER);
   EXPECT_EQ(GetVar(&empty), -2);

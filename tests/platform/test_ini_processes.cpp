@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -17,13 +15,13 @@
 #include <thread>
 #include <vector>
 
+#include "fixtures/self_spawn.hpp"
 #include "ini_fixture.hpp"
 #include "platform/ini.hpp"
 
-extern char** environ;
-
 namespace ini = kerfline::platform::ini;
 using kerfline::test::IniFile;
+using kerfline::test::wait_status;
 
 namespace {
 
@@ -65,27 +63,9 @@ const int kChildStatus = [] {
 }();
 
 pid_t spawn_child(const std::string& role, const std::string& file, int arg, int fd = -1) {
-  std::vector<std::string> env_strings;
-  for (char** e = environ; *e != nullptr; ++e) env_strings.emplace_back(*e);
-  env_strings.push_back("KERFLINE_INI_CHILD=" + role);
-  env_strings.push_back("KERFLINE_INI_FILE=" + file);
-  env_strings.push_back("KERFLINE_INI_ARG=" + std::to_string(arg));
-  env_strings.push_back("KERFLINE_INI_FD=" + std::to_string(fd));
-  std::vector<char*> env;
-  for (std::string& s : env_strings) env.push_back(s.data());
-  env.push_back(nullptr);
-  char self[] = "/proc/self/exe";
-  char* argv[] = {self, nullptr};
-  pid_t pid = -1;
-  if (::posix_spawn(&pid, self, nullptr, nullptr, argv, env.data()) != 0) return -1;
-  return pid;
-}
-
-int wait_status(pid_t pid) {
-  int status = 0;
-  while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-  }
-  return status;
+  return kerfline::test::spawn_self({"KERFLINE_INI_CHILD=" + role, "KERFLINE_INI_FILE=" + file,
+                                     "KERFLINE_INI_ARG=" + std::to_string(arg),
+                                     "KERFLINE_INI_FD=" + std::to_string(fd)});
 }
 
 TEST(IniConcurrency, FourProcessesLoseNoKey) {

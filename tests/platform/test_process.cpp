@@ -8,11 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/self_spawn.hpp"
 #include "fixtures/table_names.hpp"
 #include "platform/process.hpp"
 
 namespace kerfline::platform {
 namespace {
+
+using test::no_child_left;
 
 struct SplitRow {
   const char* line;
@@ -42,11 +45,6 @@ INSTANTIATE_TEST_SUITE_P(
         SplitRow{R"("C:\Program Files\x.exe" -v)", {R"(C:\Program Files\x.exe)", "-v"}},
         SplitRow{R"(C:\dir\"x y".exe z)", {R"(C:\dir\x y.exe)", "z"}}, SplitRow{R"("" arg)", {"", "arg"}}),
     test::RowIndex{});
-
-bool no_child_left() {
-  int status = 0;
-  return ::waitpid(-1, &status, WNOHANG) < 0 && errno == ECHILD;
-}
 
 struct ExitRow {
   const char* line;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "script/builtins.hpp"
 #include "script_fixture.hpp"
 
 namespace kerfline::test {
@@ -19,6 +20,12 @@ struct CallRow {
 inline std::string evaluate_call(const std::string& call) {
   static ScriptBench bench;
   return bench.evaluator->evaluate(call, -1);
+}
+
+// Local time as UTC + 1 hour, whatever the machine's zone (for a TimeSource).
+inline bool local_plus_one_hour(std::uint64_t file_time, platform::CalendarTime& out) {
+  out = script::utc_calendar((platform::unix_from_file_time(file_time) + 3600) * 1000);
+  return true;
 }
 
 // Checks every row, naming the failing ones by their template.

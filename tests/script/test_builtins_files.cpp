@@ -13,12 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Local time is UTC + 1 hour, whatever the machine's zone.
-bool local_plus_one_hour(std::uint64_t file_time, platform::CalendarTime& out) {
-  out = script::utc_calendar((platform::unix_from_file_time(file_time) + 3600) * 1000);
-  return true;
-}
-
 class BuiltinFiles : public ::testing::Test {
  protected:
   void SetUp() override { script::set_time_source(&source_); }

@@ -1,4 +1,4 @@
-// The registry as the tables fill it: order, texts, shadowing, and the
+// The registry as the tables fill it: order, shadowing, and the
 // read-only view that hosts get through GetEvalFunc.
 #include <gtest/gtest.h>
 
@@ -46,98 +46,6 @@ TEST(BuiltinRegistry, ListsTheTablesInOrderWithOrAndAndNotShadowed) {
   // A user function cannot take a built-in's name.
   EXPECT_FALSE(add_user_function(registry, "left", "a", "T(a)"));
   EXPECT_EQ(registry.find("LEFT")->routine, registry.listing()[2]->routine);
-}
-
-struct TextRow {
-  const char* name;
-  int parameters;
-  const char* parameter_text;
-  const char* second;
-  const char* help;
-};
-
-// Every entry with a leading or trailing blank, a quote, a bar, a percent
-// sign or a bracket in its texts, and a few plain ones.
-const TextRow kTexts[] = {
-    {"Upper", 1, "Text", "", "Convert \"Text\" to upper case"},
-    {"Mid", 3, "Text, i, n", "", "First 'i' characters of \"Text\", starting at character 'n'"},
-    {"Repl", 3, "Text, t1, t2", "",
-     "Replace all occurances of \"t1\" in \"Text\" with \"t2\" (case insensitive)"},
-    {"Find", 2, "t1, t2", "",
-     "Find text \"t2\" in text \"t1\". Returns position of t2 in t1 (starting at 0), else -1."},
-    {"Eql", 2, "x, y", "", "If x = y, output \"1\" , else \"0\""},
-    {"NEql", 2, "x, y", "", "If x = y, output \"0\" , else \"1\""},
-    {"VarSet", 2, "\"Var\", Val", "",
-     "Create a variable, \"Var\", with value \"Val\". Variable name must be in quotes."},
-    {"Msg", 2, "\"Msg\", \"Title\"", "", "Shows Messagebox with Msg and Title"},
-    {"Tick", 0, "", "", "Current system tick ms"},
-    {"AddNChar", 3, "sz, c, n", "", "Adds char 'c' n times to sz"},
-    {"FExist", 1, "file", "", "If \"file\" exists output \"1\", else \"0\""},
-    {"OR", 2, "A, B", "", "OR A, B"},
-    {"BITNOT", 1, "A", "", "NOT A (DWORD)"},
-    {"FWrite", 3, "Path, Text, Flags", "", "Path, Text, [empty|Append]"},
-    {"DAdd", 2, "d1, d2", "res = d1 + d2", "double Addition"},
-    {"DRound", 2, "d1, n", "n Digits", "Round"},
-    {"DCeil", 1, "d1", " ceil(d1)", "ceil of d1"},
-    {"DFloor", 1, "d1", " floor", "floor of d1"},
-    {"DAbs", 1, "d1", " abs(d1)", "absolute"},
-    {"DMod", 2, "d1, d2", " fmode(d1, d2)", "Modulo mod(10,3) -> 1"},
-    {"DFract", 1, "d1", " fract(d1)", "DFract(12.01) -> 0.01"},
-    {"DInt", 1, "d1", " Int(d1)", "DInt(12.01) -> 12"},
-    {"DSin", 1, "d1", " sin(d1)", "Sinus"},
-    {"DCos", 1, "d1", " cos(d1)", "Cosinus"},
-    {"DTan", 1, "d1", " tan(d1)", "Tangens"},
-    {"DaSin", 1, "d1", " asin(d1)", "arcus sinus"},
-    {"DaCos", 1, "d1", " acos(d1)", "arcus cosinus"},
-    {"DaTan", 1, "x", " atan(d1)", "arcus tangens"},
-    {"DaTan2", 2, "y,x", " atan(y/x)", "arcus tangens (y/x)"},
-    {"DSinh", 1, "x", " sinh(d1)", "sinus hyperbolicus"},
-    {"DCosh", 1, "x", " cosh(d1)", "cosinus hyperbolicus"},
-    {"DTanh", 1, "x", " atanh(d1)", "tangens hyperbolicus"},
-    {"DSqrt", 1, "x", " sqrt(d1)", "squareroot"},
-    {"DPow", 2, "x,y", " pow(x,y)", "pow x hoch y"},
-    {"DLn", 1, "x", " ln(d1)", "logarithmus naturalis"},
-    {"DLog", 1, "x", " log(d1)", "logarithmus base 10"},
-    {"While", 2, "while(C, I) not implemented yet!!!", "", "while"},
-    {"FrmtTime", 2, "msecs,Frmt: !h ->(hour) !m ->(min) !s ->(seks) !Ms ->(millisec)",
-     "Timespan: !h (hour) !m (min) !s (seks) !Ms (millisec)", "FrmtTime"},
-    {"FrmtTime2", 2, "msecs,Frmt: %H ->(hour) %M ->(min) %S ->(secs) (s. Mfc CTime)",
-     "Time: %H ->(hour) %M ->(min) %S ->(secs) (s. Mfc CTime)", "FrmtTime2"},
-    {"FrmtTime3", 2, "msecs,Frmt: %H ->(hour) %M ->(min) %S ->(secs) (s. Mfc CTime)",
-     "Time: %H ->(hour) %M ->(min) %S ->(secs) (s. Mfc CTime)", "FrmtTime3"},
-    {"IAR", 9, "(Count,xAct,yAct,xCenter,yCenter,Arc Grad, Templ %x%,%y%, scaleX,scalY )",
-     "Interpolates AR with Lines", "IAR"},
-    {"ILineY", 5, "(xStart,yStart,xEnd,yEnd,Length)",
-     "Interpolates Line form xStart to xEnd, returns interpolated y", "ILineY"},
-    {"AddIsoLineNr", 6, "FilePath,  Format, FirstLine, StartVal, Inc, EndOfLineString", "",
-     "FilePath, Format, FirstLine, StartVal, Inc, EndOfLineString"},
-    {"AddIsoLineNrExt", 8, "FilePath, Pre,Post, Format, FirstLine, StartVal, Inc, EndOfLineString", "",
-     "FilePath, Pre,Post,Format, FirstLine, StartVal, Inc, EndOfLineString"},
-    {"ReadVar", 4, "Instr, Frmt, VarName, VarDef", "", "OH;, %[0-9]%, %PosX%, 0"},
-    {"ReadVarTerm", 4, "Instr, Frmt, Terminator char, VarDef", "", "OA;, %[0-9]%, ;, 0"},
-    {"ReadVarTM", 5, "Instr, Frmt, VarName, VarDef, TimeOut(sec)", "", "OH;, %[0-9]%, %PosX%, 0, 100"},
-    {"ReadReg", 2, "Key, DefVal", "", ""},
-    {"SendMail", 6, "(Doit,Addr,cc,Subject,Text,File)", "Sends an email ", "SendMail"},
-    {"ZundToolOffset", 1, "Reserved", " ZundToolOffset( )",
-     "Read act Tool Offset (Zuend, fills vars: ztoX,ztoY) ("},
-    {"ReadSocket", 3, "Send, Ret.-Frmt, Res", "", "Send, Ret.-Frmt, Res"},
-    {"WriteSocket", 2, "Send, Res. Var", "", "Send, Res. Var"},
-};
-
-TEST(BuiltinRegistry, KeepsTheBrowserTextsExactly) {
-  FunctionRegistry registry;
-  register_builtin_tables(registry);
-  for (const TextRow& row : kTexts) {
-    const FunctionRecord* found = nullptr;
-    for (const FunctionRecord* r : registry.listing()) {
-      if (r->name == row.name) found = r;
-    }
-    ASSERT_NE(found, nullptr) << row.name;
-    EXPECT_EQ(found->parameter_count, row.parameters) << row.name;
-    EXPECT_EQ(found->parameters, row.parameter_text) << row.name;
-    EXPECT_EQ(found->second_text, row.second) << row.name;
-    EXPECT_EQ(found->help, row.help) << row.name;
-  }
 }
 
 TEST(BuiltinRegistry, HostsReadTheProcessRegistry) {

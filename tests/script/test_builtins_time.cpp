@@ -9,10 +9,6 @@ namespace {
 std::uint64_t fixed_now() { return platform::file_time_from_unix(1795309323, 456000000); }
 std::uint32_t fixed_tick() { return 4000000000U; }
 std::uint64_t fixed_counter() { return 1; }
-bool local_plus_one_hour(std::uint64_t file_time, platform::CalendarTime& out) {
-  out = script::utc_calendar((platform::unix_from_file_time(file_time) + 3600) * 1000);
-  return true;
-}
 
 class BuiltinTime : public ::testing::Test {
  protected:

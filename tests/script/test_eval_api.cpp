@@ -142,9 +142,7 @@ TEST_F(EvalApi, SharedVariablesAndLookup) {
   // Visible only on channel 0; evaluations use channel -1.
   EXPECT_EQ(SetEvalVar("Hidden", "x", 0x1u), 1);
   EXPECT_EQ(get_var("Hidden"), "Hidden");
-  EXPECT_EQ(SetEvalVar(nullptr, "x", 1), -2);
   EXPECT_EQ(SetEvalVar("", "x", 1), -2);
-  EXPECT_EQ(GetEvalVar(nullptr), nullptr);
 }
 
 TEST_F(EvalApi, ScriptVariablesSurviveLaterEvaluationsAndInits) {
@@ -162,8 +160,6 @@ TEST(EvalApiUserFunctions, RegisteredBeforeAndAfterInit) {
   EXPECT_EQ(AddEvalUserFunc("Pair", "a, b", "Join(b, a)"), 1);
   EXPECT_EQ(AddEvalUserFunc("Left", "a", "a"), 0);
   EXPECT_EQ(AddEvalUserFunc("VarSet", "", "x"), 0);
-  EXPECT_EQ(AddEvalUserFunc(nullptr, "", "x"), -2);
-  EXPECT_EQ(AddEvalUserFunc("X", "", nullptr), -2);
   EXPECT_EQ(do_eval(R"(&Twice("x")/&Pair("1", "2"))"), "xx/21");
   const FunctionRecord* record = process_eval().registry().find("PAIR");
   ASSERT_NE(record, nullptr);

@@ -13,6 +13,7 @@
 #include "platform/ini.hpp"
 #include "platform/ini_document.hpp"
 #include "platform/paths.hpp"
+#include "platform/text_trim.hpp"
 
 namespace kerfline::platform::ini {
 namespace {
@@ -181,13 +182,11 @@ std::uint32_t copy_list(std::string_view list, char* buffer, std::uint32_t size,
 }
 
 // A default loses trailing blanks only, as on Windows: "d\t" stays "d\t".
-std::string_view trim_right(std::string_view text) {
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
-}
+std::string_view trim_default(std::string_view text) { return trim_right(text, " "); }
 
 std::uint32_t copy_default(const char* default_value, char* buffer, std::uint32_t size) {
-  return copy_string(default_value == nullptr ? std::string_view() : trim_right(default_value), buffer, size);
+  return copy_string(default_value == nullptr ? std::string_view() : trim_default(default_value), buffer,
+                     size);
 }
 
 std::vector<std::string> to_strings(const std::vector<std::string_view>& views) {
@@ -268,7 +267,7 @@ bool write_section(const char* section, const char* data, const std::string& fil
 std::string read_string(std::string_view section, std::string_view key, std::string_view default_value,
                         const std::string& file) {
   if (auto value = find_string(section, key, file)) return std::move(*value);
-  return std::string(trim_right(default_value));
+  return std::string(trim_default(default_value));
 }
 
 std::optional<std::string> find_string(std::string_view section, std::string_view key,

@@ -6,6 +6,7 @@
 
 #include "platform/ini.hpp"
 #include "platform/paths.hpp"
+#include "platform/text_trim.hpp"
 #include "platform/win32/win32_support.hpp"
 
 namespace kerfline::platform::ini {
@@ -45,10 +46,7 @@ std::vector<std::string> split_list(const std::string& list) {
   return out;
 }
 
-std::string trim_right(std::string_view text) {
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return std::string(text);
-}
+std::string trim_default(std::string_view text) { return std::string(trim_right(text, " \t")); }
 
 }  // namespace
 
@@ -101,7 +99,7 @@ bool write_section(const char* section, const char* data, const std::string& fil
 std::string read_string(std::string_view section, std::string_view key, std::string_view default_value,
                         const std::string& file) {
   if (auto value = find_string(section, key, file)) return std::move(*value);
-  return trim_right(default_value);
+  return trim_default(default_value);
 }
 
 std::optional<std::string> find_string(std::string_view section, std::string_view key,

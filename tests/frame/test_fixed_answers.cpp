@@ -1,0 +1,78 @@
+// Exports whose answer is fixed: every export that takes a record or a
+// buffer, called with null where the host must pass one (the documented
+// refusal, and no crash), and the entries that do nothing but answer.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+
+#include "fixtures/table_names.hpp"
+#include "kerfline/kerfline.h"
+#include "platform/library_memory.hpp"
+
+namespace {
+
+struct AnswerRow {
+  const char* call;
+  std::function<std::intptr_t()> run;  // a pointer result as its address
+  std::intptr_t expected;
+};
+
+void PrintTo(const AnswerRow& r, std::ostream* os) { *os << r.call; }
+
+std::intptr_t as_number(std::int32_t v) { return v; }
+std::intptr_t as_number(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
+#define CALL(call, expected)                        \
+  AnswerRow {                                       \
+#    call, [] { return as_number(call); }, expected \
+  }
+
+class FixedAnswer : public ::testing::TestWithParam<AnswerRow> {};
+
+TEST_P(FixedAnswer, IsTheDocumentedOne) {
+  EXPECT_EQ(GetParam().run(), GetParam().expected) << GetParam().call;
+}
+
+VMV6DRV closed{};
+char buffer[8] = "abc";
+
+INSTANTIATE_TEST_SUITE_P(
+    Exports, FixedAnswer,
+    ::testing::Values(
+        CALL(InitDrv(nullptr), -2), CALL(InitDrvS(nullptr), -2), CALL(InitDrvQuick(nullptr), -2),
+        CALL(FreeDrv(nullptr), -2), CALL(StoreDrv(nullptr), -2), CALL(SetDllMode(nullptr), -2),
+        CALL(GetVar(nullptr), -2), CALL(GetDlgVar(nullptr), -2), CALL(SetVar(nullptr), -2),
+        CALL(FreeVar(nullptr), -2), CALL(FreeDlgVar(nullptr), -2), CALL(GetVarAndDesc(nullptr, nullptr), -2),
+        CALL(CountTools(nullptr), -2), CALL(CountTools(&closed), -2), CALL(GetNextTool(nullptr, nullptr), -2),
+        CALL(FreeTool(nullptr), -2), CALL(FreeMaterial(nullptr), -2), CALL(CountMaterial(&closed), -2),
+        CALL(DeleteMaterial(&closed, "Vinyl"), -2), CALL(GetVarVals(nullptr, nullptr, nullptr), -2),
+        CALL(FreeDlgVars(nullptr), -2), CALL(GetDlgVars(nullptr, 1, nullptr, nullptr), -2),
+        CALL(GetDlgVarData(nullptr, nullptr), -2), CALL(FreeDlgDefaultEx(nullptr), -2),
+        CALL(GetFirstVar(nullptr, "Sonderbefehle:"), -2), CALL(HasVideoVar(nullptr, "%Cam%"), -2),
+        CALL(SetJoyStickVarNoOverride(nullptr, "%Fast%", "9"), -2),
+        CALL(GetDrvFlags(nullptr, nullptr, nullptr), -2), CALL(GetFlags(nullptr, nullptr, nullptr), -2),
+        CALL(GetFlags("", nullptr, nullptr), -2), CALL(GetDrvName(nullptr, buffer, 8), 0),
+        CALL(FreeVarDesc(nullptr), 0), CALL(QuickFree(nullptr), 1), CALL(LoadEvalVars(nullptr, 1), -2),
+        CALL(KerflineGetHelpFile(nullptr, 10), -2), CALL(InitCutData(nullptr), 0),
+        CALL(FreeCutData(nullptr), 0), CALL(AddVariable(nullptr, nullptr), 0),
+        CALL(AddLayer(nullptr, nullptr), 0), CALL(TranslateString(nullptr, 10), 0),
+        CALL(ReplaceString(nullptr, "a", "x"), 0), CALL(ReplaceString(buffer, nullptr, "x"), 0),
+        CALL(ReplaceString(buffer, "a", nullptr), 0), CALL(SetEvalVar(nullptr, "x", 1), -2),
+        CALL(AddEvalUserFunc(nullptr, "", "x"), -2), CALL(AddEvalUserFunc("X", "", nullptr), -2),
+        CALL(TranslateDrvString(nullptr, std::malloc), 0), CALL(GetEvalVar(nullptr), 0),
+        CALL(ReplaceStringsFromDriver(nullptr, "x", nullptr), 0), CALL(AddObjects(), 1), CALL(Log(), 1),
+        CALL(ReadFromDevice(), 1), CALL(SerializeCutData(), 1), CALL(DoDeviceSetupDlgTest(), 1),
+        CALL(WriteDeviceFlags(), 1), CALL(IsRemoteAvailable(), 1), CALL(QuickRead(), 0),
+        CALL(ReadDeviceValsEx(), 0),
+        CALL(QuickFree(kerfline::platform::library_strdup("Contour")), 1)),  // ASan reports a leak otherwise
+    kerfline::test::RowIndex());
+
+TEST(NullArgument, LeavesTheBufferAlone) {
+  for (const auto& r :
+       {CALL(ReplaceString(buffer, nullptr, "x"), 0), CALL(ReplaceString(buffer, "a", nullptr), 0)})
+    EXPECT_EQ(r.run(), 0);
+  EXPECT_STREQ(buffer, "abc");
+}
+
+}  // namespace
