@@ -21,6 +21,7 @@ struct EvalOptions {
   std::vector<std::string> vars;
   std::string expression;
   std::string file;
+  std::string device;
 };
 
 bool read_template(const EvalOptions& o, std::string& text) {
@@ -62,6 +63,7 @@ int run_eval(const EvalOptions& o) {
     }
     SetEvalVar(assignment.substr(0, eq).c_str(), assignment.substr(eq + 1).c_str(), 0xFFFFFFFFu);
   }
+  if (!o.device.empty()) SetEvalDevice(drv ? drv->record() : nullptr, o.device.c_str());
 
   char* out = DoEval(text.c_str());
   if (out == nullptr) {
@@ -88,6 +90,7 @@ void register_eval(CLI::App& app, CommandList& commands) {
   auto o = std::make_shared<EvalOptions>();
   CLI::App* sub = app.add_subcommand("eval", "Evaluate a template as DoEval does");
   sub->add_option("--driver", o->driver, "Load this driver's variables first")->check(CLI::ExistingFile);
+  sub->add_option("--device", o->device, "Device (plotman.ini section) the dialogue functions talk to");
   sub->add_option("--var", o->vars, "Set a shared variable NAME=VALUE (repeatable)");
   auto* expr = sub->add_option("-e,--expression", o->expression, "The template text");
   auto* file = sub->add_option("file", o->file, "Template file, or - for standard input");
