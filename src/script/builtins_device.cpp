@@ -287,7 +287,9 @@ std::string read_pps(ArgStack& args, const FunctionRecord&, Evaluator&) {
 }
 
 std::string read_reg(ArgStack& args, const FunctionRecord&, Evaluator&) {
-  const auto [key, fallback] = pop_args<2>(args);
+  auto [key, fallback] = pop_args<2>(args);
+  // A template writes a backslash as four; a slash is accepted instead.
+  std::replace(key.begin(), key.end(), '/', '\\');
   return platform::read_registry_value(key).value_or(fallback);
 }
 
