@@ -181,15 +181,6 @@ std::string socket_query(Evaluator& e, const char* function, const std::string& 
 
 // --- Mail ----------------------------------------------------------------
 
-void collect_finished_mails(DeviceSession& s) {
-  std::erase_if(s.mails, [](DeviceSession::Mail& m) {
-    if (!m.child.has_ended()) return false;
-    std::error_code ignored;
-    std::filesystem::remove(m.message_file, ignored);
-    return true;
-  });
-}
-
 std::string mail_message(const std::array<std::string, 6>& a) {
   std::string m = "To: " + a[1] + "\r\n";
   if (!a[2].empty()) m += "Cc: " + a[2] + "\r\n";
@@ -297,7 +288,7 @@ std::string send_mail(ArgStack& args, const FunctionRecord&, Evaluator& e) {
   const std::array<std::string, 6> a = pop_args<6>(args);
   if (!is_true(a[0])) return "0";
   DeviceSession& session = e.session();
-  collect_finished_mails(session);
+  session.collect_finished_mails();
   const std::string program = platform::ini::read_string("Mail", "Program", "", "plotman.ini");
   if (program.empty() || a[1].empty()) {
     e.trace("SendMail: no mail program configured ([Mail] Program= in plotman.ini) or no address");

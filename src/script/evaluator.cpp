@@ -209,12 +209,16 @@ WaitResult Evaluator::wait(std::uint32_t ms, int event) {
 void DeviceSession::reset() {
   for (platform::ByteStream& s : sockets) s.close();
   current_socket = 0;
-  for (Mail& mail : mails) {
-    mail.child.terminate();
+  collect_finished_mails();
+}
+
+void DeviceSession::collect_finished_mails() {
+  std::erase_if(mails, [](Mail& m) {
+    if (!m.child.has_ended()) return false;
     std::error_code ignored;
-    std::filesystem::remove(mail.message_file, ignored);
-  }
-  mails.clear();
+    std::filesystem::remove(m.message_file, ignored);
+    return true;
+  });
 }
 
 void Evaluator::trace(std::string_view line) const {

@@ -51,7 +51,8 @@ class DeviceDialogue {
 };
 
 // What the device functions keep per evaluator: TCP client sockets with small
-// numbers and mail programs still running. Closed or ended with the session.
+// numbers, and mail programs that may still run (ended only when the
+// evaluator goes, at unload).
 struct DeviceSession {
   static constexpr int kMaxSockets = 8;
   std::array<platform::ByteStream, kMaxSockets> sockets;  // number n is sockets[n - 1]
@@ -61,7 +62,9 @@ struct DeviceSession {
     std::string message_file;
   };
   std::vector<Mail> mails;
+  // Closes the sockets; forgets mail programs that have ended.
   void reset();
+  void collect_finished_mails();
 };
 
 class Evaluator {
@@ -171,7 +174,7 @@ class Evaluator {
   [[nodiscard]] DeviceDialogue* device() const { return root().device_.get(); }
   void set_device(std::shared_ptr<DeviceDialogue> device) { root().device_ = std::move(device); }
   DeviceSession& session() { return root().session_; }
-  // Closes the sockets and ends mail programs still running.
+  // A new session (InitEval): the sockets are closed.
   void reset_session() { session().reset(); }
   // One line to the log target (a line end is added).
   void trace(std::string_view line) const;
