@@ -91,7 +91,8 @@ KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char
   try {
     std::string text;
     if (instruction == nullptr) return answer != nullptr ? (answer->nStatus = -2) : -2;
-    if (read_string(drv, device, instruction, '\0', answer, text) != 1) return answer->nStatus;
+    const int32_t status = read_string(drv, device, instruction, '\0', answer, text);
+    if (status != 1) return status;
     const char* p = answer->szAnswer;
     while (*p != '\0' && answer->nCount < static_cast<int32_t>(kerfline::device::kMaxValues)) {
       char* end = nullptr;
@@ -121,8 +122,8 @@ KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLI
     const std::string format = driver_value(drv, "%ReadFormat%", "%[!%s!]%,%[!%IMatWidth%!]%");
     std::string text;
     const char t = terminate.empty() ? '\0' : terminate.front();
-    if (read_string(drv, device, instruction, t, answer, text) != 1)
-      return answer != nullptr ? answer->nStatus : -2;
+    const int32_t status = read_string(drv, device, instruction, t, answer, text);
+    if (status != 1) return status;
     if (t != '\0') text = text.substr(0, text.find(t));
     const auto m = kerfline::script::match_answer(format, text);
     answer->nStatus = -1;
