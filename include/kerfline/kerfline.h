@@ -1660,7 +1660,62 @@ KERFLINE_API int32_t LumaProbeExit(void);
  * Script engine bridge
  *
  * Script sections handed to an embedded scripting engine.
+ *
+ * Driver texts may hold expressions in the script language of the platform:
+ * VBScript through the Script Control component on Windows, Lua 5.4
+ * elsewhere (an expression is evaluated as "return <expression>"; see
+ * docs/script-bridge.md for writing expressions that work in both). A host
+ * handle belongs to the thread that created it; every call for it must come
+ * from that thread.
+ *
+ * Failures are shown in a message box (OK, error icon) through the host's
+ * message-box hook:
+ *   InitVBEval, title "VBCutter (VBInitGlobals):", text
+ *     "Line: <line>\r\n<description>\r\n[<faulty source line>]\n"
+ *   DoVBEval, title "VBCutter:", text
+ *     "Line: <line> [Code: <number>]\r\n<description>\r\n[<faulty source line>]\n"
+ * The number is the engine's error number (on Windows the VBScript error
+ * number; with Lua the Lua status: 2 run-time error, 3 syntax error, 4 out
+ * of memory).
+ *
+ * Lua limits, because driver files come from anywhere: only the base,
+ * string, table, math and utf8 libraries are there, without dofile,
+ * loadfile, load, print, require, string.dump, and collectgarbage takes only
+ * "count" and "collect" (no os, io, package or debug library, no bytecode).
+ * One call (the global code, or one expression) ends with "instruction
+ * limit reached" after 10,000,000 virtual-machine instructions, and one
+ * engine never holds more than 16 MiB ("not enough memory").
  * ====================================================================== */
+
+/* A script host: one engine with its global code. Opaque. */
+typedef struct KERFLINE_SCRIPT_HOST KERFLINE_SCRIPT_HOST;
+
+/*
+ * Starts an engine, runs globalCode in it (its functions and variables are
+ * then visible to every expression; null is no code) and stores the new
+ * host in *host. Returns 1; 0 when the engine could not be started or the
+ * global code failed (the box above was shown, *host is null and nothing is
+ * left to free); -2 when host is null.
+ */
+KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalCode);
+
+/*
+ * The value of the expression as text, in a block from the C run-time
+ * allocator (release it with FreeVBResult or free()). Null when the
+ * evaluation failed (the box above was shown) or host or expression is
+ * null. Numbers use the point as decimal separator with Lua; truth values
+ * are "True" and "False".
+ */
+KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression);
+
+/* Frees a block from DoVBEval (null is allowed). Always 1. */
+KERFLINE_API int32_t FreeVBResult(char* result);
+
+/*
+ * Ends the engine of *host, frees the host and stores null in *host. A null
+ * host pointer or a null *host does nothing. Always 1.
+ */
+KERFLINE_API int32_t FreeVBEval(KERFLINE_SCRIPT_HOST** host);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -1,0 +1,55 @@
+// The script-engine exports: a host handle wraps one bridge.
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "kerfline/kerfline.h"
+#include "script/vb_bridge.hpp"
+
+struct KERFLINE_SCRIPT_HOST {
+  std::unique_ptr<kerfline::script::VbBridge> bridge;
+};
+
+extern "C" {
+
+KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalCode) {
+  if (host == nullptr) return KERFLINE_BAD_ARGUMENT;
+  *host = nullptr;
+  try {
+    auto bridge = kerfline::script::VbBridge::start(globalCode != nullptr ? globalCode : "");
+    if (bridge == nullptr) return 0;
+    *host = new KERFLINE_SCRIPT_HOST{std::move(bridge)};
+    return 1;
+  } catch (...) {
+    return 0;
+  }
+}
+
+KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression) {
+  if (host == nullptr || expression == nullptr) return nullptr;
+  try {
+    const std::optional<std::string> value = host->bridge->eval(expression);
+    if (!value) return nullptr;
+    auto* block = static_cast<char*>(std::malloc(value->size() + 1));
+    if (block != nullptr) std::memcpy(block, value->c_str(), value->size() + 1);
+    return block;
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+KERFLINE_API int32_t FreeVBResult(char* result) {
+  std::free(result);
+  return 1;
+}
+
+KERFLINE_API int32_t FreeVBEval(KERFLINE_SCRIPT_HOST** host) {
+  if (host == nullptr) return 1;
+  delete *host;
+  *host = nullptr;
+  return 1;
+}
+
+}  // extern "C"
