@@ -1398,7 +1398,9 @@ KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char
  * at the first %ReadTerminate% character (default ";") or line end, and reads
  * it with %ReadFormat% (default "%[!%s!]%,%[!%IMatWidth%!]%": fields separated
  * by commas, the field named %IMatWidth% is the width; "%s" skips a field).
- * <VBStart>...<VBEnd> sections of %Read% are evaluated first.
+ * <VBStart>...<VBEnd> sections in these three texts are replaced by their
+ * values first (InitVBEval's engine, the driver's %VBGlobalCode% as global
+ * code); a section that fails empties its text.
  * dValues[0] gets the width, nCount 1. Returns nStatus.
  */
 KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLINE_DEVICE_ANSWER* answer);

@@ -114,12 +114,15 @@ KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char
 KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLINE_DEVICE_ANSWER* answer) {
   using kerfline::device::driver_value;
   try {
-    std::string instruction = driver_value(drv, "%Read%", "OH;");
-#ifdef KERFLINE_HAVE_VB_SECTIONS
-    instruction = kerfline::script::expand_vb_sections(instruction, "");
-#endif
-    const std::string terminate = driver_value(drv, "%ReadTerminate%", ";");
-    const std::string format = driver_value(drv, "%ReadFormat%", "%[!%s!]%,%[!%IMatWidth%!]%");
+    // Sections are expanded with one engine per text, the driver's
+    // %VBGlobalCode% as its global code.
+    const std::string globals = driver_value(drv, "%VBGlobalCode%", "");
+    auto expanded = [&](const char* name, const char* fallback) {
+      return kerfline::script::expand_vb_sections(driver_value(drv, name, fallback), globals);
+    };
+    const std::string instruction = expanded("%Read%", "OH;");
+    const std::string terminate = expanded("%ReadTerminate%", ";");
+    const std::string format = expanded("%ReadFormat%", "%[!%s!]%,%[!%IMatWidth%!]%");
     std::string text;
     const char t = terminate.empty() ? '\0' : terminate.front();
     const int32_t status = read_string(drv, device, instruction, t, answer, text);

@@ -162,8 +162,9 @@ TEST(Readers, GiveTheSimulatedMediaWidth) {
     const std::string where = sim.ready_line();
     env.devices["Dev"] = tcp ? kerfline::device::PortSettings{5, "", "", "", "127.0.0.1", std::stoi(where)}
                              : kerfline::device::PortSettings{2, where, "", "", "", 0};
-    DriverVars vars(
-        {{"%TCPIPApi%", tcp ? "1" : "0"}, {"%ReadFormat%", "%[!%s!]%,%[!%s!]%,%[!%IMatWidth%!]%"}});
+    DriverVars vars({{"%TCPIPApi%", tcp ? "1" : "0"},
+                     {"%Read%", "<VBStart>'O' .. 'H;'<VBEnd>"},
+                     {"%ReadFormat%", "%[!%s!]%,%[!%s!]%,%[!%IMatWidth%!]%"}});
     KERFLINE_DEVICE_ANSWER a{};
     EXPECT_EQ(GetWidthFromDevice(vars.drv(), "Dev", &a), 1) << tcp;
     EXPECT_EQ(a.dValues[0], 30000.0);
