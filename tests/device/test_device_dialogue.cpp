@@ -11,6 +11,7 @@
 #include "../sim/sim_process.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "port_fixture.hpp"
+#include "script/answer_format.hpp"
 
 using kerfline::test::DeviceEnv;
 using kerfline::test::DriverVars;
@@ -80,6 +81,35 @@ TEST_P(Dialogue, AsksTheDeviceAndReadsTheAnswer) {
   EXPECT_EQ(pty.stop().substr(0, row.sent.size()), row.sent);
 }
 INSTANTIATE_TEST_SUITE_P(Rows, Dialogue, ::testing::ValuesIn(kDialogue));
+
+struct FormatRow {
+  const char* format;
+  const char* answer;
+  bool matched;
+  const char* value;
+  const char* last_field;  // value of the last named field, "" none
+};
+class Format : public ::testing::TestWithParam<FormatRow> {};
+
+const FormatRow kFormats[] = {
+    {"%[0-9]%", " 42,7\r", true, "42", ""},
+    {"%[0-9]%", "x42\r", false, "", ""},
+    {"X=%[-0-9.]%;", "X=-1.5;", true, "-1.5", ""},
+    {"X=%[0-9]%", "Y=1", false, "", ""},
+    {"%[^;]%;%[!B!]%", "ab c;de\r", true, "ab c", "de"},
+    {"%[!%s!]%,%[!W!]%", "1,,2", true, "", ""},
+    {"%[!A!]%/%[!B!]%", "3/4", true, "3", "4"},
+    {"", "Ready\r\n", true, "Ready", ""},
+};
+
+TEST_P(Format, ReadsTheAnswer) {
+  const FormatRow& row = GetParam();
+  const auto m = kerfline::script::match_answer(row.format, row.answer);
+  EXPECT_EQ(m.matched, row.matched);
+  EXPECT_EQ(m.value, row.value);
+  EXPECT_EQ(m.fields.empty() ? "" : m.fields.back().second, row.last_field);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, Format, ::testing::ValuesIn(kFormats));
 
 // A silent device or a refused connection ends within the stated time.
 struct FaultRow {
