@@ -181,6 +181,9 @@ TEST(Sockets, TalkToTheSimulatorOverLoopback) {
   EXPECT_EQ(eval(text), "1/24000/1/KERFLINE-SIM/1/0/");
   EXPECT_EQ(var("W"), "24000");
   EXPECT_EQ(var("N"), "3");
+  // A new session (InitEval) closes the sockets of the last one.
+  EXPECT_EQ(eval("&CreateSocket(\"127.0.0.1\", " + port + ")"), "1");
+  EXPECT_EQ(eval(R"(&WriteSocket("OI;", ""))"), "0");
 }
 
 // The readers against the simulator: through the port and over TCP/IP.
