@@ -16,15 +16,15 @@ bool is_field_end(char c) { return c == ',' || c == ';' || c == '\r' || c == '\n
 // first or last is itself.
 class CharSet {
  public:
-  explicit CharSet(std::string_view spec) {
-    if (!spec.empty() && spec.front() == '^') {
+  explicit CharSet(std::string_view slot) {
+    if (!slot.empty() && slot.front() == '^') {
       negated_ = true;
-      spec.remove_prefix(1);
+      slot.remove_prefix(1);
     }
-    for (std::size_t i = 0; i < spec.size(); ++i) {
-      const auto lo = static_cast<unsigned char>(spec[i]);
-      if (i + 2 < spec.size() && spec[i + 1] == '-') {
-        const auto hi = static_cast<unsigned char>(spec[i + 2]);
+    for (std::size_t i = 0; i < slot.size(); ++i) {
+      const auto lo = static_cast<unsigned char>(slot[i]);
+      if (i + 2 < slot.size() && slot[i + 1] == '-') {
+        const auto hi = static_cast<unsigned char>(slot[i + 2]);
         for (unsigned c = lo; c <= hi; ++c) in_[c] = true;
         i += 2;
       } else {
@@ -63,17 +63,17 @@ AnswerMatch match_answer(std::string_view format, std::string_view answer) {
     at += literal.size();
     if (close == std::string_view::npos) break;
     any_slot = true;
-    const std::string_view spec = format.substr(open + kOpen.size(), close - open - kOpen.size());
+    const std::string_view slot = format.substr(open + kOpen.size(), close - open - kOpen.size());
     f = close + kClose.size();
-    if (spec.size() >= 2 && spec.front() == '!' && spec.back() == '!') {
+    if (slot.size() >= 2 && slot.front() == '!' && slot.back() == '!') {
       const char next = f < format.size() && format.compare(f, kOpen.size(), kOpen) != 0 ? format[f] : '\0';
       std::size_t end = at;
       while (end < answer.size() && !is_field_end(answer[end]) && answer[end] != next) ++end;
-      const std::string_view name = spec.substr(1, spec.size() - 2);
+      const std::string_view name = slot.substr(1, slot.size() - 2);
       if (name != "%s") m.fields.emplace_back(std::string(name), std::string(answer.substr(at, end - at)));
       at = end;
     } else {
-      const CharSet set(spec);
+      const CharSet set(slot);
       std::size_t end = at;
       while (end < answer.size() && set.contains(answer[end])) ++end;
       if (end == at) return m;
