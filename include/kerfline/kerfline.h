@@ -1355,6 +1355,65 @@ KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const c
  * device through the link its driver and settings decide.
  * ====================================================================== */
 
+/*
+ * What a reader got back (208 bytes, 8-byte aligned; offsets 0, 4, 8, 72).
+ * nStatus: 1 the device answered (and, for ReadDeviceVals and
+ *   GetWidthFromDevice, the answer held the values); 0 no answer (nothing
+ *   could be opened, the device stayed silent for about 2 s); -1 the answer
+ *   did not read as asked (szAnswer holds it); -2 a null argument.
+ * nCount: numbers in dValues.
+ * dValues: ReadDeviceVals: the numbers of the answer in order (at most 8);
+ *   GetWidthFromDevice: dValues[0] is the media width in the device's units.
+ * szAnswer: the answer without its line end, zero-terminated, cut to 135
+ *   characters.
+ */
+typedef struct KERFLINE_DEVICE_ANSWER {
+  int32_t nStatus;
+  int32_t nCount;
+  double dValues[8];
+  char szAnswer[136];
+} KERFLINE_DEVICE_ANSWER;
+
+/*
+ * Sends the instruction to the device and fills *answer with what came back
+ * (one answer, at most 128 bytes through a port, 4096 over the TCP/IP link).
+ * The link is decided from the driver's variables and the device's settings:
+ * the port or USB pipe query, a vendor USB library, or (%TCPIPApi% = "1") a
+ * TCP connection to the device's "IP_ADDR" and "IP_PORT" (5 s to connect,
+ * 2 s for the answer). With Ctrl and Shift held the user types the answer
+ * instead. Returns nStatus.
+ */
+KERFLINE_API int32_t ReadDeviceString(VMV6DRV* drv, const char* device, const char* instruction,
+                                      KERFLINE_DEVICE_ANSWER* answer);
+
+/*
+ * ReadDeviceString, then the decimal numbers of the answer (separated by
+ * commas, semicolons or blanks) into dValues. nStatus -1 when the answer
+ * holds no number.
+ */
+KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char* instruction,
+                                    KERFLINE_DEVICE_ANSWER* answer);
+
+/*
+ * The media width: sends the driver's %Read% (default "OH;"), cuts the answer
+ * at the first %ReadTerminate% character (default ";") or line end, and reads
+ * it with %ReadFormat% (default "%[!%s!]%,%[!%IMatWidth%!]%": fields separated
+ * by commas, the field named %IMatWidth% is the width; "%s" skips a field).
+ * <VBStart>...<VBEnd> sections in these three texts are replaced by their
+ * values first (InitVBEval's engine, the driver's %VBGlobalCode% as global
+ * code); a section that fails empties its text.
+ * dValues[0] gets the width, nCount 1. Returns nStatus.
+ */
+KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLINE_DEVICE_ANSWER* answer);
+
+/*
+ * Names the driver and device that the evaluator's device functions
+ * (ReadVar, WaitCmd and the rest) talk to; a null or empty device forgets
+ * it. The driver record must stay valid while it is named. Returns 1, or 0
+ * when there is no evaluator yet (call InitEval first).
+ */
+KERFLINE_API int32_t SetEvalDevice(VMV6DRV* drv, const char* device);
+
 /* ======================================================================
  * Device list
  *

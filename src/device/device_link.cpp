@@ -33,6 +33,8 @@ PortSettings default_settings(const std::string& device) {
   s.write_to = record.GetWriteTo() != nullptr ? record.GetWriteTo() : "";
   s.usb_device_name = record.GetUSBDeviceName() != nullptr ? record.GetUSBDeviceName() : "";
   s.usb_device_path = s.usb_device_name;
+  s.ip_address = record.GetTCPIPAddress() != nullptr ? record.GetTCPIPAddress() : "";
+  s.ip_port = record.GetTCPIPPort();
   return s;
 }
 

@@ -48,6 +48,8 @@ struct PortSettings {
   std::string write_to;         // "DevOut"
   std::string usb_device_name;  // friendly name the device was set up with
   std::string usb_device_path;  // its last known path
+  std::string ip_address;       // "IP_ADDR", for the TCP/IP link
+  std::int32_t ip_port = 0;     // "IP_PORT"
 };
 using SettingsReader = std::function<PortSettings(const std::string& device)>;
 // Replaces where settings come from (null: the settings record of the INI

@@ -33,6 +33,8 @@ int32_t init_eval(uint32_t mode, uint32_t log_target, void* owner, bool async) {
     if (log_target != 0) evaluator.log_target = log_target;
     evaluator.owner = owner;
     evaluator.enable();
+    // A new session: sockets of the previous one are closed.
+    evaluator.reset_session();
     if (async || kerfline::script::is_async_io()) evaluator.async_io.store(1);
   } catch (...) {
     // Never fails: an evaluator that could not be built leaves the others no-ops.

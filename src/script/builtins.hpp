@@ -194,9 +194,24 @@ KERFLINE_ROUTINE(frmt_time2);
 KERFLINE_ROUTINE(frmt_time3);
 // host and device
 KERFLINE_ROUTINE(msg);
-// Pops its arguments and returns the empty text: the device-dialogue,
-// socket, registry, mail and job functions until the device layer.
-KERFLINE_ROUTINE(device_pending);
+KERFLINE_ROUTINE(read_var_ret);
+KERFLINE_ROUTINE(read_var);
+KERFLINE_ROUTINE(read_var_term);
+KERFLINE_ROUTINE(read_var_t);
+KERFLINE_ROUTINE(read_var_tm);
+KERFLINE_ROUTINE(wait_cmd);
+KERFLINE_ROUTINE(wrt_pps);
+KERFLINE_ROUTINE(read_pps);
+KERFLINE_ROUTINE(read_reg);
+KERFLINE_ROUTINE(send_mail);
+KERFLINE_ROUTINE(zund_tool_offset);
+KERFLINE_ROUTINE(read_socket);
+KERFLINE_ROUTINE(query_socket);
+KERFLINE_ROUTINE(write_socket);
+KERFLINE_ROUTINE(create_socket);
+KERFLINE_ROUTINE(close_socket);
+KERFLINE_ROUTINE(msg_ext);
+KERFLINE_ROUTINE(term_job);
 #undef KERFLINE_ROUTINE
 }  // namespace builtin
 

@@ -1,9 +1,12 @@
 #include "script/evaluator.hpp"
 
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "platform/codepage.hpp"
 #include "platform/host_hooks.hpp"
+#include "platform/serial_port.hpp"
 #include "script/expression_parser.hpp"
 #include "script/limits.hpp"
 #include "script/postfix.hpp"
@@ -201,6 +204,29 @@ WaitResult Evaluator::wait(std::uint32_t ms, int event) {
   const bool woken = target.wait_for(std::chrono::milliseconds(ms), [this] { return escaped(); });
   if (escaped()) return WaitResult::kEscaped;
   return woken ? WaitResult::kSignalled : WaitResult::kTimedOut;
+}
+
+void DeviceSession::reset() {
+  for (platform::ByteStream& s : sockets) s.close();
+  current_socket = 0;
+  collect_finished_mails();
+}
+
+void DeviceSession::collect_finished_mails() {
+  std::erase_if(mails, [](Mail& m) {
+    if (!m.child.has_ended()) return false;
+    std::error_code ignored;
+    std::filesystem::remove(m.message_file, ignored);
+    return true;
+  });
+}
+
+void Evaluator::trace(std::string_view line) const {
+  const Evaluator& r = root();
+  if (r.log_target == 0) return;
+  std::string text(line);
+  text += "\r\n";
+  platform::port::write(static_cast<platform::port::Handle>(r.log_target), text.data(), text.size());
 }
 
 void Evaluator::signal(int event) { root().events_[event == 1 ? 1 : 0].signal(); }

@@ -7,9 +7,14 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/byte_stream.hpp"
+#include "platform/process.hpp"
 
 #include "script/function_registry.hpp"
 #include "script/tokenizer.hpp"
@@ -19,6 +24,48 @@
 namespace kerfline::script {
 
 enum class WaitResult { kTimedOut, kSignalled, kEscaped };
+
+class Evaluator;
+
+// One exchange with the device an evaluation talks to.
+struct DialogueRequest {
+  std::string instruction;
+  std::uint32_t timeout_ms = 2000;
+  // The answer is complete once this character arrives; '\0': at a CR or LF.
+  char terminator = '\0';
+  // Let the host handle its messages while the answer is awaited.
+  bool pump_messages = false;
+};
+
+// The device the host named for the evaluations (SetEvalDevice). The device
+// module provides it; the script functions only see this interface.
+class DeviceDialogue {
+ public:
+  virtual ~DeviceDialogue() = default;
+  // Sends the instruction, returns the answer (its line end or terminator
+  // kept). Nothing when the device could not be reached, said nothing in time
+  // or the evaluation was escaped. Waits end within 50 ms of an escape.
+  virtual std::optional<std::string> query(Evaluator& e, const DialogueRequest& request) = 0;
+  // "device NAME" for the trace.
+  [[nodiscard]] virtual std::string name() const = 0;
+};
+
+// What the device functions keep per evaluator: TCP client sockets with small
+// numbers, and mail programs that may still run (ended only when the
+// evaluator goes, at unload).
+struct DeviceSession {
+  static constexpr int kMaxSockets = 8;
+  std::array<platform::ByteStream, kMaxSockets> sockets;  // number n is sockets[n - 1]
+  int current_socket = 0;                                 // the latest created, 0 none
+  struct Mail {
+    platform::ChildProcess child;
+    std::string message_file;
+  };
+  std::vector<Mail> mails;
+  // Closes the sockets; forgets mail programs that have ended.
+  void reset();
+  void collect_finished_mails();
+};
 
 class Evaluator {
  public:
@@ -117,9 +164,20 @@ class Evaluator {
 
   // Settings kept for the device-dialogue functions.
   std::uint32_t mode = 0;
+  // Where the device functions write their trace: a handle (a file
+  // descriptor on POSIX) open for writing that the host owns; 0 none.
   std::uint32_t log_target = 0;
   void* owner = nullptr;
   std::atomic<std::int32_t> async_io{0};
+
+  // The device the host named (null: none), shared with imported texts.
+  [[nodiscard]] DeviceDialogue* device() const { return root().device_.get(); }
+  void set_device(std::shared_ptr<DeviceDialogue> device) { root().device_ = std::move(device); }
+  DeviceSession& session() { return root().session_; }
+  // A new session (InitEval): the sockets are closed.
+  void reset_session() { session().reset(); }
+  // One line to the log target (a line end is added).
+  void trace(std::string_view line) const;
 
  private:
   friend class NestingGuard;
@@ -150,6 +208,8 @@ class Evaluator {
   std::atomic<bool> budget_spent_{false};
   std::string last_error_;
   bool show_error_box_ = true;
+  std::shared_ptr<DeviceDialogue> device_;
+  DeviceSession session_;
 };
 
 // Marks an evaluation on the root evaluator. The outermost one resets the

@@ -72,7 +72,7 @@ TEST(BuiltinNumbers, WrongArgumentCountsAreReported) {
       {R"(&AddIsoLineNrExt("a"))",
        "[incorrect number of parameters: Operator AddIsoLineNrExt expects 8 parameters]"},
       {R"(&ReadVar(1, 2, 3))", "[incorrect number of parameters: Operator ReadVar expects 4 parameters]"},
-      {R"(&ReadVar(1, 2, 3, 4))", ""},
+      {R"(&ReadVar(1, 2, "", 4))", "4"},  // no device: the default
       {R"(&TermJob(0)x)", "x"},
   });
 }

@@ -23,6 +23,7 @@ struct EvalOptions {
   std::string expression;
   std::string file;
   std::string output;
+  std::string device;
   bool newline = false;
   bool raw = false;
   bool json = false;
@@ -65,6 +66,7 @@ int run_eval(const EvalOptions& o) {
     LoadEvalVars(drv->record(), 0xFFFFFFFFu);
   }
   if (!set_variables(o.vars)) return kExitUsage;
+  if (!o.device.empty()) SetEvalDevice(drv ? drv->record() : nullptr, o.device.c_str());
 
   std::string result;
   if (char* out = DoEval(text->c_str()); out != nullptr) {
@@ -99,6 +101,7 @@ void register_eval(CLI::App& app, CommandList& commands) {
   sub->add_option("--driver", o->driver, "Load this driver's variables first");
   sub->add_option("--var", o->vars, "Set a shared variable NAME=VALUE (repeat the option for more)")
       ->allow_extra_args(false);
+  sub->add_option("--device", o->device, "Device (plotman.ini section) the dialogue functions talk to");
   auto* expr = sub->add_option("-e,--expression", o->expression, "The template text");
   auto* file =
       sub->add_option("file", o->file, "Template file (UTF-8, or as stored with --raw), - for stdin");
