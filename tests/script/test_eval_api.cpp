@@ -213,7 +213,6 @@ struct AsyncRow {
   std::string ini;  // plotman.ini contents; empty: no file
   int expected;
 };
-
 class AsyncIoSwitch : public ::testing::TestWithParam<AsyncRow> {};
 
 TEST_P(AsyncIoSwitch, OnlyExactlyOne) {
