@@ -38,17 +38,28 @@ static_assert(sizeof(VMV6DRV) == (kPtr == 8 ? 280 : 268));
 
 namespace {
 // The value union holds a pointer, a double or three words; the number
-// follows it. On 64-bit builds every offset is fixed.
-static_assert(sizeof(VMV6VALUE) == (kPtr == 8 ? 16 : 12));
+// follows it. A double inside a record is aligned to 8 on 64-bit builds and
+// on 32-bit Windows, to 4 on 32-bit System V (Linux i386).
+struct ValueLayout {
+  std::size_t value_size, value_at, number_at, size, dialog_number_at, dialog_size;
+};
+#if defined(_WIN32)
+constexpr bool kWideDouble = true;
+#else
+constexpr bool kWideDouble = kPtr == 8;
+#endif
+constexpr ValueLayout kValue = kPtr == 8     ? ValueLayout{16, 88, 104, 112, 120, 128}
+                               : kWideDouble ? ValueLayout{16, 80, 96, 104, 104, 112}
+                                             : ValueLayout{12, 80, 92, 100, 100, 108};
+static_assert(sizeof(VMV6VALUE) == kValue.value_size);
 static_assert(offsetof(VMV6VAR, szName) == 0);
 static_assert(offsetof(VMV6VAR, pDrv) == 64);
 static_assert(offsetof(VMV6VAR, nValueType) == 64 + kPtr);
 static_assert(offsetof(VMV6VAR, nKind) == 68 + kPtr);
 static_assert(offsetof(VMV6VAR, pOwner) == 72 + kPtr);
-static_assert(kPtr != 8 || offsetof(VMV6VAR, uValue) == 88);
-static_assert(kPtr != 8 || offsetof(VMV6VAR, dNumber) == 104);
-static_assert(kPtr != 8 || sizeof(VMV6VAR) == 112);
-static_assert(offsetof(VMV6VAR, dNumber) >= offsetof(VMV6VAR, uValue) + 12);
+static_assert(offsetof(VMV6VAR, uValue) == kValue.value_at);
+static_assert(offsetof(VMV6VAR, dNumber) == kValue.number_at);
+static_assert(sizeof(VMV6VAR) == kValue.size);
 
 // The dialog record shares every field up to the value.
 static_assert(offsetof(VMV6DLGVAR, pDrv) == offsetof(VMV6VAR, pDrv));
@@ -58,8 +69,8 @@ static_assert(offsetof(VMV6DLGVAR, pOwner) == offsetof(VMV6VAR, pOwner));
 static_assert(offsetof(VMV6DLGVAR, uValue) == offsetof(VMV6VAR, uValue));
 static_assert(offsetof(VMV6DLGVAR, pszDlgText) == offsetof(VMV6VAR, uValue) + sizeof(VMV6VALUE));
 static_assert(offsetof(VMV6DLGVAR, pszDlgFormat) == offsetof(VMV6DLGVAR, pszDlgText) + kPtr);
-static_assert(kPtr != 8 || offsetof(VMV6DLGVAR, dNumber) == 120);
-static_assert(kPtr != 8 || sizeof(VMV6DLGVAR) == 128);
+static_assert(offsetof(VMV6DLGVAR, dNumber) == kValue.dialog_number_at);
+static_assert(sizeof(VMV6DLGVAR) == kValue.dialog_size);
 
 // Tool and material records begin with the reference the owner lookups read.
 static_assert(offsetof(DRVTOOL, pItem) == 0);

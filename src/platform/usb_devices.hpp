@@ -7,6 +7,12 @@
 // Every path is taken below the system root: "/" unless the environment
 // variable KERFLINE_SYSTEM_ROOT names another (tests build a fake tree).
 // Attribute files are read bounded; a broken entry is skipped, never fatal.
+//
+// On Windows the list comes from SetupAPI: present USB printer-class
+// interfaces (path: the interface's device path; name from the IEEE-1284 id,
+// else as Device Manager shows it; node: the device instance id) and present
+// serial ports on a USB bus (path \\.\COMn; node COMn). There is no other
+// root there: enumerate(root) lists the system's devices.
 #pragma once
 
 #include <string>

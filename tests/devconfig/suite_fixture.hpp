@@ -27,7 +27,7 @@ class SuiteDir : public ::testing::Test {
   // Replaces "{HOME}" in a text by the suite directory.
   [[nodiscard]] std::string expand(std::string text) const {
     for (auto at = text.find("{HOME}"); at != std::string::npos; at = text.find("{HOME}")) {
-      text.replace(at, 6, home());
+      text = platform::native_separators(text.replace(at, 6, home()));
     }
     return text;
   }

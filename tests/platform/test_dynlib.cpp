@@ -43,7 +43,7 @@ TEST_F(DynamicLibraryTest, LoadsByWindowsNameFromTheSuiteDirectory) {
 TEST_F(DynamicLibraryTest, LoadsAPlugInBesideTheLibraryFirst) {
   auto lib = kp::DynamicLibrary::open("BesidePlug.dll");
   ASSERT_TRUE(lib.ok()) << lib.error().message;
-  EXPECT_EQ(lib->path(), kp::join_path(kp::library_dir(), "libbesideplug.so"));
+  EXPECT_EQ(lib->path(), kp::join_path(kp::library_dir(), KERFLINE_TEST_BESIDE_FILE));
   ASSERT_NE(lib->function<int(int)>("TestPlugAnswer"), nullptr);
   EXPECT_EQ(lib->function<int(int)>("TestPlugAnswer")(1), 3);
 }
@@ -86,11 +86,11 @@ class InstalledPluginTest : public ::testing::Test {
     return std::filesystem::path(kp::library_dir()) / "kerfline";
   }
   static std::filesystem::path plugin_file() {
-    return std::filesystem::path(KERFLINE_TEST_PLUGIN_DIR) / "libtestplug.so";
+    return std::filesystem::path(KERFLINE_TEST_PLUGIN_DIR) / KERFLINE_TEST_PLUGIN_FILE;
   }
   static void put(const std::filesystem::path& dir) {
     std::filesystem::create_directories(dir);
-    std::filesystem::copy_file(plugin_file(), dir / "libtestplug.so");
+    std::filesystem::copy_file(plugin_file(), dir / KERFLINE_TEST_PLUGIN_FILE);
   }
   TempDir suite;
 };
@@ -110,7 +110,7 @@ TEST_F(InstalledPluginTest, SuiteCopyWinsOverTheInstalledOne) {
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.in_suite ? "suite " : "") + (c.installed ? "installed" : ""));
     std::filesystem::remove_all(installed_root());
-    std::filesystem::remove(suite.path() / "libtestplug.so");
+    std::filesystem::remove(suite.path() / KERFLINE_TEST_PLUGIN_FILE);
     if (c.in_suite) put(suite.path());
     if (c.installed) put(installed_root() / "plugins");
     EXPECT_EQ(kp::plugin_dir().empty(), !c.installed);
@@ -123,7 +123,7 @@ TEST_F(InstalledPluginTest, SuiteCopyWinsOverTheInstalledOne) {
     ASSERT_TRUE(lib.ok()) << lib.error().message;
     const std::filesystem::path dir =
         std::string(c.found_in) == "suite" ? suite.path() : installed_root() / "plugins";
-    EXPECT_EQ(lib->path(), kp::join_path(dir.string(), "libtestplug.so"));
+    EXPECT_EQ(lib->path(), kp::join_path(dir.string(), KERFLINE_TEST_PLUGIN_FILE));
     ASSERT_NE(lib->function<int(int)>("TestPlugAnswer"), nullptr);
     EXPECT_EQ(lib->function<int(int)>("TestPlugAnswer")(20), 41);
   }

@@ -34,12 +34,12 @@ class ScannerSuite {
     platform::set_home_dir(dir_.str());
     const char* variant = plugin == Plugin::full ? "full" : plugin == Plugin::some ? "some" : "zero";
     if (plugin == Plugin::broken) {
-      dir_.write("lumaprobe.so", "not a shared library");
+      dir_.write(KERFLINE_TEST_LUMAPROBE_FILE, "not a shared library");
     } else if (plugin != Plugin::none) {
-      const fs::path built =
-          fs::path(KERFLINE_TEST_LUMAPROBE_DIR) / (std::string("lumaprobe_") + variant) / "lumaprobe.so";
-      fs::copy_file(built, dir_.path() / "lumaprobe.so");
-      auto lib = platform::DynamicLibrary::open((dir_.path() / "lumaprobe.so").string());
+      const fs::path built = fs::path(KERFLINE_TEST_LUMAPROBE_DIR) / (std::string("lumaprobe_") + variant) /
+                             KERFLINE_TEST_LUMAPROBE_FILE;
+      fs::copy_file(built, dir_.path() / KERFLINE_TEST_LUMAPROBE_FILE);
+      auto lib = platform::DynamicLibrary::open((dir_.path() / KERFLINE_TEST_LUMAPROBE_FILE).string());
       EXPECT_TRUE(lib) << lib.error().message;
       if (lib) probe_.emplace(std::move(lib.value()));
     }

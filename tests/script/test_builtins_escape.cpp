@@ -28,7 +28,7 @@ TEST(BuiltinEscape, EscapeEndsWaitForRemoved) {
     EscapeEval();
   });
   const auto start = std::chrono::steady_clock::now();
-  const std::string templ = "[&FWrite(\"" + file.string() + "\", \"x\", \"WaitForRemoved\")]";
+  const std::string templ = "[&FWrite(\"" + file.generic_string() + "\", \"x\", \"WaitForRemoved\")]";
   char* block = DoEval(templ.c_str());
   const auto elapsed = std::chrono::steady_clock::now() - start;
   done.store(true);

@@ -18,7 +18,7 @@ class BuiltinFiles : public ::testing::Test {
   void SetUp() override { script::set_time_source(&source_); }
   void TearDown() override { script::set_time_source(nullptr); }
 
-  std::string path(const std::string& leaf) const { return (dir_.path() / leaf).string(); }
+  std::string path(const std::string& leaf) const { return (dir_.path() / leaf).generic_string(); }
   std::string quoted(const std::string& leaf) const { return "\"" + path(leaf) + "\""; }
 
   TempDir dir_;
@@ -62,13 +62,13 @@ TEST_F(BuiltinFiles, WriteReplaceAndAppend) {
       {"&FWrite(" + quoted("sub") + ", \"x\", \"\")", "<!-- Can't open file: " + path("sub") + " -->"},
   });
   EXPECT_EQ(dir_.read("out.txt"), "two+3");
-  EXPECT_FALSE(fs::exists(dir_.path() / "OUT.txt"));
+  EXPECT_EQ(fs::exists(dir_.path() / "OUT.txt"), platform::path_separator() == '\\');  // Windows ignores case
 }
 
 TEST_F(BuiltinFiles, WindowsSeparatorsInPaths) {
   dir_.write("Res/Head.txt", "abc");
   // Four backslashes in a literal are one backslash in the value.
-  const std::string windows_path = dir_.path().string() + "\\\\\\\\res\\\\\\\\head.TXT";
+  const std::string windows_path = dir_.path().generic_string() + "\\\\\\\\res\\\\\\\\head.TXT";
   EXPECT_EQ(evaluate_call("&Size(\"" + windows_path + "\")"), "3");
 }
 
@@ -94,7 +94,7 @@ TEST_F(BuiltinFiles, ImportEvaluatesTheFile) {
 
 TEST_F(BuiltinFiles, AppDirIsTheSuiteDirectory) {
   platform::set_home_dir(dir_.str());
-  EXPECT_EQ(evaluate_call("&AppDir()"), dir_.str());
+  EXPECT_EQ(evaluate_call("&AppDir()"), platform::native_separators(dir_.str()));
   platform::set_home_dir("");
 }
 
@@ -130,7 +130,7 @@ TEST_F(BuiltinFiles, IsoLineNumbersNeverWriteThroughAPlantedLink) {
   dir_.write("prog.nc", "G0\n");
   std::error_code ec;
   fs::create_symlink(path("victim.txt"), path("prog.nc.kerfline~"), ec);
-  ASSERT_FALSE(ec) << ec.message();
+  if (ec) GTEST_SKIP() << "no symbolic links here: " << ec.message();
   EXPECT_EQ(evaluate_call("&AddIsoLineNr(" + quoted("prog.nc") + R"(, "N%d ", 1, 1, 1, ""))"), "");
   EXPECT_EQ(dir_.read("prog.nc"), "N1 G0\r\n");
   EXPECT_EQ(dir_.read("victim.txt"), "untouched");

@@ -209,7 +209,6 @@ struct AsyncRow {
   std::string ini;  // plotman.ini contents; empty: no file
   int expected;
 };
-
 class AsyncIoSwitch : public ::testing::TestWithParam<AsyncRow> {};
 
 TEST_P(AsyncIoSwitch, OnlyExactlyOne) {
@@ -217,6 +216,7 @@ TEST_P(AsyncIoSwitch, OnlyExactlyOne) {
   if (!GetParam().ini.empty()) dir.write("plotman.ini", GetParam().ini);
   platform::set_home_dir(dir.str());
   EXPECT_EQ(IsAsyncIO(), GetParam().expected);
+  process_eval().ensure_evaluator().async_io.store(0);  // an earlier row in this process may have set it
   InitEval(0, 0, nullptr);
   EXPECT_EQ(process_eval().evaluator()->async_io.load(), GetParam().expected);
   platform::set_home_dir("");

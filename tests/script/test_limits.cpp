@@ -57,7 +57,7 @@ TEST(CallNesting, IsBoundedWithoutTouchingTheStack) {
 
 TEST(ImportChain, SelfImportEndsWithTheLimitTextInPlaceOfTheValue) {
   kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "self.txt").string();
+  const std::string path = (dir.path() / "self.txt").generic_string();
   dir.write("self.txt", "<&Import(\"" + path + "\")>");
   kerfline::test::ScriptBench bench;
   const std::string out = bench.evaluator->evaluate("&Import(\"" + path + "\")", -1);
@@ -69,7 +69,7 @@ TEST(ImportChain, SelfImportEndsWithTheLimitTextInPlaceOfTheValue) {
 
 TEST(ImportChain, ImportedTextSeesTheCallersVariablesButKeepsItsOwn) {
   kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "vars.txt").string();
+  const std::string path = (dir.path() / "vars.txt").generic_string();
   dir.write("vars.txt", R"(&T(a)&VarSet("b", "inner")&T(b))");
   kerfline::test::ScriptBench bench;
   bench.evaluator->own_variables().set("o", "own", 0xFFFFFFFFu);
@@ -79,7 +79,7 @@ TEST(ImportChain, ImportedTextSeesTheCallersVariablesButKeepsItsOwn) {
 
 TEST(ImportChain, AnErrorInsideStaysInPlaceOfTheValue) {
   kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "bad.txt").string();
+  const std::string path = (dir.path() / "bad.txt").generic_string();
   dir.write("bad.txt", R"(&Left("A"))");
   kerfline::test::ScriptBench bench;
   EXPECT_EQ(bench.evaluator->evaluate("x&Import(\"" + path + "\")y", -1),
@@ -89,7 +89,7 @@ TEST(ImportChain, AnErrorInsideStaysInPlaceOfTheValue) {
 
 TEST(ImportChain, AnUnreadableFileGivesItsMessage) {
   kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "missing.txt").string();
+  const std::string path = (dir.path() / "missing.txt").generic_string();
   kerfline::test::ScriptBench bench;
   EXPECT_EQ(bench.evaluator->evaluate("&Import(\"" + path + "\")", -1), "Unable to read the file: " + path);
 }

@@ -13,6 +13,7 @@
 
 int main(int argc, char** argv) {
   CLI::App app{"kerfline - drivers, templates and devices of the Kerfline cutter library", "kerfline"};
+  app.allow_windows_style_options(false);  // "/abs/path" is a path, not an option
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("kerfline ") + KerflineGetVersion());
 

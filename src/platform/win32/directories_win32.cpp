@@ -66,8 +66,8 @@ Result<bool> make_directory(const std::string& path) {
 }
 
 Result<bool> create_empty_file(const std::string& path) {
-  UniqueHandle file(::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
-                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  win32::UniqueHandle file(::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                         FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   if (file.valid()) return true;
   const DWORD err = ::GetLastError();
   const DWORD attributes = ::GetFileAttributesA(path.c_str());
@@ -110,8 +110,8 @@ Result<std::vector<std::string>> list_directory(const std::string& path) {
 }
 
 Result<std::string> read_first_line(const std::string& path, std::size_t max_bytes) {
-  UniqueHandle file(::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  win32::UniqueHandle file(::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file.valid()) return os_error(static_cast<int>(::GetLastError()), "open " + path);
   std::string text(max_bytes, '\0');
   DWORD got = 0;

@@ -19,8 +19,15 @@ Result<DynamicLibrary> DynamicLibrary::open(std::string_view windows_name) {
   if (windows_name.find_first_of("\\/") != std::string_view::npos) {
     attempts.push_back(native_separators(windows_name));
   } else {
-    // The suite directory first, then the system's own search order.
-    attempts.push_back(join_path(home_dir(), windows_name));
+    // Beside this library first (its plug-ins), then the suite directory, the
+    // installed plug-ins, and last the system's own search order.
+    const std::string beside = library_dir();
+    const std::string dir = home_dir();
+    if (!beside.empty() && beside != dir) attempts.push_back(join_path(beside, windows_name));
+    attempts.push_back(join_path(dir, windows_name));
+    if (const std::string plugins = plugin_dir(); !plugins.empty()) {
+      attempts.push_back(join_path(plugins, windows_name));
+    }
     attempts.emplace_back(windows_name);
   }
   // A missing vendor library must not make Windows ask the user for a disk.

@@ -104,6 +104,12 @@ Result<std::optional<FileContents>> read_whole(const std::string& path, std::uin
 }
 
 Result<FileIdentity> replace_atomically(const std::string& path, std::string_view bytes) {
+  // Windows refuses to replace a directory; Wine puts the file in its place
+  // and the directory's contents are gone. Refuse before anything is written.
+  const DWORD existing = GetFileAttributesA(path.c_str());
+  if (existing != INVALID_FILE_ATTRIBUTES && (existing & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    return os_error(ERROR_ACCESS_DENIED, "replace directory " + path);
+  }
   static std::atomic<unsigned> counter{0};
   const std::string temp = path + ".~" + std::to_string(GetCurrentProcessId()) + "-" +
                            std::to_string(counter.fetch_add(1)) + ".tmp";

@@ -8,22 +8,46 @@ namespace kerfline::platform {
 
 char path_separator() { return '\\'; }
 
-// The host executable's directory (GetModuleFileName of the process, not of
-// this DLL: the suite's files live beside the program).
-std::string executable_dir() {
+namespace {
+
+// The directory of a loaded module's file, ending in the separator; empty when
+// the name cannot be had. Long paths are at most 32767 characters.
+std::string module_dir(HMODULE module) {
   std::vector<char> buf(MAX_PATH);
   for (;;) {
-    const DWORD n = GetModuleFileNameA(nullptr, buf.data(), static_cast<DWORD>(buf.size()));
-    if (n == 0) return ".\\";
+    const DWORD n = GetModuleFileNameA(module, buf.data(), static_cast<DWORD>(buf.size()));
+    if (n == 0) return {};
     if (n < buf.size()) {
       std::string path(buf.data(), n);
       const std::size_t sep = path.find_last_of("\\/");
-      if (sep == std::string::npos) return ".\\";
+      if (sep == std::string::npos) return {};
       return path.substr(0, sep + 1);
     }
-    if (buf.size() >= 32768) return ".\\";
+    if (buf.size() >= 32768) return {};
     buf.resize(buf.size() * 2);
   }
+}
+
+}  // namespace
+
+// The host executable's directory (GetModuleFileName of the process, not of
+// this DLL: the suite's files live beside the program).
+std::string executable_dir() {
+  std::string dir = module_dir(nullptr);
+  return dir.empty() ? ".\\" : dir;
+}
+
+// The module that holds this function: kerfline.dll, or the program when the
+// library is linked in statically. No reference is taken, so nothing to free.
+std::string library_dir() {
+  HMODULE self = nullptr;
+  if (GetModuleHandleExA(
+          GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+          reinterpret_cast<LPCSTR>(&library_dir), &self) == 0) {
+    return executable_dir();
+  }
+  std::string dir = module_dir(self);
+  return dir.empty() ? executable_dir() : dir;
 }
 
 bool path_exists(const std::string& path) {
