@@ -102,14 +102,15 @@ void CVm6Drv::MergeBaseDriver() {
     for (const auto& child : group.GetChildren()) {
       if (!seen.insert(child.get()).second) continue;
       const ArchiveClass& cls = child->GetClass();
-      if (&cls == &CDrvItemList::kClass)
+      if (&cls == &CDrvItemList::kClass) {
         groups.push_back(child);
-      else if (&cls == &CDrvItemDlgVar::kClass)
+      } else if (&cls == &CDrvItemDlgVar::kClass) {
         dialog_vars.push_back(child);
-      else if (&cls == &CDrvItemToolParmVar::kClass)
+      } else if (&cls == &CDrvItemToolParmVar::kClass) {
         tool_vars.push_back(child);
-      else if (&cls == &CDrvItem::kClass)
+      } else if (&cls == &CDrvItem::kClass) {
         plain.push_back(child);
+      }
     }
   };
   sort(base_driver_->Root());

@@ -73,7 +73,8 @@ KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points) noex
     m.init = m.library->function<DelaunayInitFn>("DelaunayInit");
     m.locate = m.library->function<DelaunayLocateFn>("DelaunayLocate");
     m.free = m.library->function<DelaunayFreeFn>("DelaunayFree");
-    if (m.init == nullptr) return KERFLINE_BAD_ARGUMENT;  // stays loaded until FreeDelaunay
+    constexpr int32_t kNoInitEntry = -2;
+    if (m.init == nullptr) return kNoInitEntry;  // stays loaded until FreeDelaunay
 
     if (count > 0) {
       if (static_cast<std::size_t>(count) > std::numeric_limits<std::size_t>::max() / sizeof(MESHPOINT)) {
