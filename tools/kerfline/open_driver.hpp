@@ -3,8 +3,11 @@
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 
+#include "driver/vm6drv.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::cli {
@@ -22,7 +25,9 @@ class OpenDriver {
     record_.nAppMode = 0;
     const int32_t result = InitDrv(&record_);
     if (result != 1) {
-      std::fprintf(stderr, "kerfline: cannot open driver %s (result %d)\n", path.c_str(), result);
+      const std::string why = result == KERFLINE_FILE_UNREADABLE ? unreadable_because(path) : std::string();
+      std::fprintf(stderr, "kerfline: cannot open driver %s (result %d)%s%s\n", path.c_str(), result,
+                   why.empty() ? "" : ": ", why.c_str());
       return;
     }
     open_ = true;
@@ -37,6 +42,16 @@ class OpenDriver {
   VMV6DRV* record() { return &record_; }
 
  private:
+  // Why the file's bytes are no driver (the C interface only says -4); empty
+  // when they could not even be read, which InitDrv has reported already.
+  static std::string unreadable_because(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    driver::CVm6Drv doc;
+    if (!in.good() && !in.eof()) return {};
+    return doc.ReadFromBytes(bytes) ? std::string() : doc.LastError();
+  }
+
   VMV6DRV record_{};
   bool open_ = false;
 };
