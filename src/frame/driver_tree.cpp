@@ -118,7 +118,7 @@ void* make_owner_ref(const driver::CVm6Drv& doc, const std::shared_ptr<CDrvItemL
   table.last = number;
   // An integer carried in the record's pointer field; it is only ever looked
   // up in the table.
-  return reinterpret_cast<void*>(number);  // NOLINT(performance-no-int-to-ptr)
+  return reinterpret_cast<void*>(number);
 }
 
 void release_owner_ref(void* ref) {

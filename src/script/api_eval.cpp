@@ -84,7 +84,6 @@ KERFLINE_API char* DoEval(const char* text) noexcept {
   if (text == nullptr) {
     const bool busy = (e != nullptr && e->device_read_waiting()) || state.busy.load() != 0;
     // The busy answer is the documented marker 1, not an address.
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return busy ? reinterpret_cast<char*>(static_cast<uintptr_t>(1)) : nullptr;
   }
   if (e == nullptr) return nullptr;
