@@ -92,7 +92,7 @@ void register_eval(CLI::App& app, CommandList& commands) {
   auto* expr = sub->add_option("-e,--expression", o->expression, "The template text");
   auto* file = sub->add_option("file", o->file, "Template file, or - for standard input");
   expr->excludes(file);
-  sub->callback([sub, expr, file] {
+  sub->callback([expr, file] {
     if (expr->count() == 0 && file->count() == 0) throw CLI::RequiredError("-e TEMPLATE, FILE or -");
   });
   (void)sub;

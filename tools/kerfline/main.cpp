@@ -3,12 +3,15 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
 
 #include "commands.hpp"
 #include "kerfline/kerfline.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int run(int argc, char** argv) {
   CLI::App app{"kerfline - drivers, templates and devices of the Kerfline cutter library"};
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("kerfline ") + KerflineGetVersion());
@@ -36,4 +39,18 @@ int main(int argc, char** argv) {
   }
   if (!home.empty()) KerflineSetHomeDir(home.c_str());
   return commands.run_selected();
+}
+
+}  // namespace
+
+// A command that fails by exception ends with a message, not with abort().
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "kerfline: %s\n", e.what());
+  } catch (...) {
+    std::fprintf(stderr, "kerfline: unexpected failure\n");
+  }
+  return EXIT_FAILURE;
 }
