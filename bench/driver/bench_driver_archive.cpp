@@ -120,4 +120,51 @@ void StoreDriver(benchmark::State& state) {
 }
 BENCHMARK(StoreDriver);
 
+// A driver and its base driver with the same n items in groups of 100, every
+// item of the driver linked to the base's: loading the driver loads the base
+// and merges the two. The fitted complexity shows the merge stays linear.
+void LoadWithBaseDriver(benchmark::State& state) {
+  const auto n = static_cast<int>(state.range(0));
+  const fs::path dir = fs::temp_directory_path() / "kerfline-bench-base";
+  fs::create_directories(dir);
+  const auto write = [&](const std::string& file, bool derived) {
+    drv::CVm6Drv doc(no_texts);
+    for (int g = 0; g < n / 100; ++g) {
+      auto group = std::make_shared<drv::CDrvItemList>();
+      group->Name = "%Group" + std::to_string(g) + "%";
+      group->Linked = derived ? 1 : 0;
+      for (int i = 0; i < 100; ++i) {
+        auto item = std::make_shared<drv::CDrvItem>();
+        item->Name = "%Var" + std::to_string(g) + "_" + std::to_string(i) + "%";
+        item->Value = "PU %x%,%y%;";
+        item->Linked = derived ? 1 : 0;
+        group->AddChild(item);
+      }
+      doc.Root().AddChild(group);
+    }
+    if (derived) {
+      auto base = std::make_shared<drv::CDrvItem>();
+      base->Name = drv::CVm6Drv::kBaseDriverItem;
+      base->Value = "base.vmd";
+      doc.Root().AddChild(base);
+      doc.BaseDriverFlag = 1;
+    }
+    doc.RefreshGroupList();
+    std::ofstream(dir / file, std::ios::binary) << doc.WriteToBytes();
+  };
+  write("base.vmd", false);
+  write("driver.vmd", true);
+  for (auto _ : state) {
+    drv::CVm6Drv doc(no_texts);
+    if (!doc.LoadDriver((dir / "driver.vmd").string()) || doc.BaseDriver() == nullptr) {
+      state.SkipWithError("load with base failed");
+    }
+    benchmark::DoNotOptimize(doc.Root().GetChildren().data());
+  }
+  state.SetComplexityN(n);
+  std::error_code ec;
+  fs::remove_all(dir, ec);
+}
+BENCHMARK(LoadWithBaseDriver)->RangeMultiplier(4)->Range(1000, 64000)->Complexity(benchmark::oN);
+
 }  // namespace

@@ -66,7 +66,7 @@ extern "C" {
  * ====================================================================== */
 
 /* The library's version as "major.minor.patch"; a static text. */
-KERFLINE_API const char* KerflineGetVersion(void);
+KERFLINE_API const char* KerflineGetVersion(void) KERFLINE_NOEXCEPT;
 
 /*
  * Sets the suite directory: the directory that holds "plotman.ini", "Res",
@@ -144,7 +144,7 @@ typedef struct KERFLINE_HOST_HOOKS {
  * A null pointer restores every default. Returns 1, or -2 when cbSize is
  * smaller than the record up to and including pContext.
  */
-KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
+KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Start-up, language and translation
@@ -159,7 +159,7 @@ KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks);
  * cannot be loaded; -3 out of memory. After a failure the next call loads
  * whichever table is still missing.
  */
-KERFLINE_API int32_t InitKerflineDll(void);
+KERFLINE_API int32_t InitKerflineDll(void) KERFLINE_NOEXCEPT;
 
 /*
  * Starts the translation service with the translation file
@@ -171,7 +171,7 @@ KERFLINE_API int32_t InitKerflineDll(void);
  * number when the service started (and the calling thread was registered
  * with it), else 0.
  */
-KERFLINE_API int32_t InitKerflineDll2(void);
+KERFLINE_API int32_t InitKerflineDll2(void) KERFLINE_NOEXCEPT;
 
 /*
  * Translates a driver text in place. text: zero-terminated, in a buffer of
@@ -179,7 +179,7 @@ KERFLINE_API int32_t InitKerflineDll2(void);
  * (with its zero); else 0 and the text is unchanged (also for a null text or
  * a text not terminated within size).
  */
-KERFLINE_API int32_t TranslateString(char* text, uint32_t size);
+KERFLINE_API int32_t TranslateString(char* text, uint32_t size) KERFLINE_NOEXCEPT;
 
 /* Allocator of the caller: returns a block of the given size, or null. */
 typedef void* (*KERFLINE_ALLOC_FN)(size_t size);
@@ -191,7 +191,7 @@ typedef void* (*KERFLINE_ALLOC_FN)(size_t size);
  * Returns null when there is no translation, for a null argument, or when
  * alloc returns null; the host then shows its own text.
  */
-KERFLINE_API char* TranslateDrvString(const char* text, KERFLINE_ALLOC_FN alloc);
+KERFLINE_API char* TranslateDrvString(const char* text, KERFLINE_ALLOC_FN alloc) KERFLINE_NOEXCEPT;
 
 /* Translation flags: a kind of text is translated only while its bit is set
    (initially all bits are set). */
@@ -201,16 +201,16 @@ KERFLINE_API char* TranslateDrvString(const char* text, KERFLINE_ALLOC_FN alloc)
 #define KERFLINE_TRANSLATE_EXT_DLGVAR 0x8u /* GetExtDlgVarData, GetDlgDefaultEx */
 
 /* Sets the bits in the translation flags; returns bits. */
-KERFLINE_API uint32_t AddTranslationFlag(uint32_t bits);
+KERFLINE_API uint32_t AddTranslationFlag(uint32_t bits) KERFLINE_NOEXCEPT;
 
 /* Clears the bits in the translation flags; returns ~bits. */
-KERFLINE_API uint32_t RemoveTranslationFlag(uint32_t bits);
+KERFLINE_API uint32_t RemoveTranslationFlag(uint32_t bits) KERFLINE_NOEXCEPT;
 
 /* Replaces the translation flags by mask; returns the previous flags. */
-KERFLINE_API uint32_t SetTranslationFlag(uint32_t mask);
+KERFLINE_API uint32_t SetTranslationFlag(uint32_t mask) KERFLINE_NOEXCEPT;
 
 /* The current translation flags. */
-KERFLINE_API uint32_t GetTranslationFlag(void);
+KERFLINE_API uint32_t GetTranslationFlag(void) KERFLINE_NOEXCEPT;
 
 /*
  * Replaces every occurrence of find in buffer by replacement, left to right
@@ -219,7 +219,7 @@ KERFLINE_API uint32_t GetTranslationFlag(void);
  * Returns the number of replacements; 0 when an argument is null or find is
  * empty (buffer untouched).
  */
-KERFLINE_API int32_t ReplaceString(char* buffer, const char* find, const char* replacement);
+KERFLINE_API int32_t ReplaceString(char* buffer, const char* find, const char* replacement) KERFLINE_NOEXCEPT;
 
 /*
  * Copies the suite's help file path (the language directory + "plotman.hlp")
@@ -227,7 +227,7 @@ KERFLINE_API int32_t ReplaceString(char* buffer, const char* find, const char* r
  * nothing is written and the result is the negative of the size needed; -2
  * for a null buffer; -3 out of memory.
  */
-KERFLINE_API int32_t KerflineGetHelpFile(char* buf, uint32_t size);
+KERFLINE_API int32_t KerflineGetHelpFile(char* buf, uint32_t size) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Driver handle
@@ -254,26 +254,26 @@ typedef struct VMV6DRV {
  * On -3 and -4 every field of the record is set to 0. Call FreeDrv before
  * opening a record again: a second open loses the first document.
  */
-KERFLINE_API int32_t InitDrv(VMV6DRV* drv);
+KERFLINE_API int32_t InitDrv(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /*
  * As InitDrv, for calls made from inside the library. On failure the record
  * is left exactly as it was before the call.
  */
-KERFLINE_API int32_t InitDrvS(VMV6DRV* drv);
+KERFLINE_API int32_t InitDrvS(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /*
  * Gives the record a new, empty document without reading the file (the file
  * name is not looked at). 1; -2 null record; -3 out of memory.
  */
-KERFLINE_API int32_t InitDrvQuick(VMV6DRV* drv);
+KERFLINE_API int32_t InitDrvQuick(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /*
  * Releases the record's document and sets pDrv to null; the file name stays.
  * 1; -2 null record, empty file name or no document (the document, if any,
  * then stays open).
  */
-KERFLINE_API int32_t FreeDrv(VMV6DRV* drv);
+KERFLINE_API int32_t FreeDrv(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /*
  * Writes the document to drv->szFileName (through a temporary file, so a
@@ -281,11 +281,11 @@ KERFLINE_API int32_t FreeDrv(VMV6DRV* drv);
  * that is shown in a message box "Kerfline error:". -2 null record, empty
  * file name or no document.
  */
-KERFLINE_API int32_t StoreDrv(VMV6DRV* drv);
+KERFLINE_API int32_t StoreDrv(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /* Puts the open document into library mode (there is no way back).
    1; -2 null record or no document. */
-KERFLINE_API int32_t SetDllMode(VMV6DRV* drv);
+KERFLINE_API int32_t SetDllMode(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /*
  * The name of the driver file at path: for a file whose path holds ".vdv" or
@@ -297,7 +297,7 @@ KERFLINE_API int32_t SetDllMode(VMV6DRV* drv);
  * -(length + 1) (a buffer of exactly length + 1 bytes is too small). 0 for a
  * null path or when memory is short.
  */
-KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size);
+KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size) KERFLINE_NOEXCEPT;
 
 /* Name of the driver item that holds the driver's class (GetDrvClass2): a
    plain item, anywhere in the driver's groups, whose value is the class. */
@@ -322,14 +322,14 @@ KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size);
  * 1 read; 0 the file could not be opened or read; -2 null or empty path, or
  * null flags.
  */
-KERFLINE_API int32_t GetFlags(const char* path, const char* toolName, uint32_t* flags);
+KERFLINE_API int32_t GetFlags(const char* path, const char* toolName, uint32_t* flags) KERFLINE_NOEXCEPT;
 
 /*
  * As GetFlags on the record's open document, except that *flags is NOT set
  * to 0 first: the bits found are added to what it holds. 1; 0 the record has
  * no document; -2 null record or null flags.
  */
-KERFLINE_API int32_t GetDrvFlags(VMV6DRV* drv, const char* toolName, uint32_t* flags);
+KERFLINE_API int32_t GetDrvFlags(VMV6DRV* drv, const char* toolName, uint32_t* flags) KERFLINE_NOEXCEPT;
 
 /*
  * The driver's class: the value of the item KERFLINE_DRIVER_CLASS_ITEM.
@@ -337,14 +337,14 @@ KERFLINE_API int32_t GetDrvFlags(VMV6DRV* drv, const char* toolName, uint32_t* f
  * is below size. 0 when the driver has no such item; -2 null record or no
  * document.
  */
-KERFLINE_API int32_t GetDrvClass2(VMV6DRV* drv, char* buffer, uint32_t size);
+KERFLINE_API int32_t GetDrvClass2(VMV6DRV* drv, char* buffer, uint32_t size) KERFLINE_NOEXCEPT;
 
 /*
  * As GetDrvClass2 on the driver file at path, opened for the call. When the
  * driver cannot be opened the result is 1 and nothing is copied: a host
  * cannot tell that from a one-character class, so it must check the buffer.
  */
-KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size);
+KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size) KERFLINE_NOEXCEPT;
 
 /*
  * Copies the standard text with number id (a variable name such as
@@ -352,7 +352,7 @@ KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size);
  * is passed). Mode 1 writes every "%I" of the name as "%". Unknown numbers
  * give the empty text. 1; a null buffer copies nothing and gives 1.
  */
-KERFLINE_API int32_t GetVarName(uint32_t id, int32_t mode, char* buffer);
+KERFLINE_API int32_t GetVarName(uint32_t id, int32_t mode, char* buffer) KERFLINE_NOEXCEPT;
 
 /* The name and description of a standard variable. Both texts come from the
    C run-time allocator: release them with FreeVarDesc (or free()). */
@@ -367,11 +367,11 @@ typedef struct VARDESC {
  * desc held before is not released. 1; 0 null record; -3 out of memory (both
  * fields then null).
  */
-KERFLINE_API int32_t GetVarDesc(uint32_t id, int32_t mode, VARDESC* desc);
+KERFLINE_API int32_t GetVarDesc(uint32_t id, int32_t mode, VARDESC* desc) KERFLINE_NOEXCEPT;
 
 /* Releases both texts with free() and sets the fields to null.
    1; 0 null record. */
-KERFLINE_API int32_t FreeVarDesc(VARDESC* desc);
+KERFLINE_API int32_t FreeVarDesc(VARDESC* desc) KERFLINE_NOEXCEPT;
 
 /*
  * The text with driver texts replaced, as a new block from the C run-time
@@ -385,28 +385,28 @@ KERFLINE_API int32_t FreeVarDesc(VARDESC* desc);
  * number of replacements. Null for a null record, no document, a null text
  * or short memory (*count is then 0).
  */
-KERFLINE_API char* ReplaceStringsFromDriver(VMV6DRV* drv, const char* text, int32_t* count);
+KERFLINE_API char* ReplaceStringsFromDriver(VMV6DRV* drv, const char* text, int32_t* count) KERFLINE_NOEXCEPT;
 
 /*
  * Releases a block that the library allocated and handed out for release
  * with QuickFree. A null block is accepted. Always 1.
  */
-KERFLINE_API int32_t QuickFree(void* block);
+KERFLINE_API int32_t QuickFree(void* block) KERFLINE_NOEXCEPT;
 
 /*
  * Fixed entries: hosts call these, and this library has nothing to do for
  * them. They ignore whatever arguments a caller passes (C calling
  * convention) and always return the value given.
  */
-KERFLINE_API int32_t AddObjects(void);           /* 1 */
-KERFLINE_API int32_t Log(void);                  /* 1 */
-KERFLINE_API int32_t ReadFromDevice(void);       /* 1 */
-KERFLINE_API int32_t SerializeCutData(void);     /* 1 */
-KERFLINE_API int32_t DoDeviceSetupDlgTest(void); /* 1 */
-KERFLINE_API int32_t WriteDeviceFlags(void);     /* 1 */
-KERFLINE_API int32_t IsRemoteAvailable(void);    /* 1 */
-KERFLINE_API int32_t QuickRead(void);            /* 0 */
-KERFLINE_API int32_t ReadDeviceValsEx(void);     /* 0 */
+KERFLINE_API int32_t AddObjects(void) KERFLINE_NOEXCEPT;           /* 1 */
+KERFLINE_API int32_t Log(void) KERFLINE_NOEXCEPT;                  /* 1 */
+KERFLINE_API int32_t ReadFromDevice(void) KERFLINE_NOEXCEPT;       /* 1 */
+KERFLINE_API int32_t SerializeCutData(void) KERFLINE_NOEXCEPT;     /* 1 */
+KERFLINE_API int32_t DoDeviceSetupDlgTest(void) KERFLINE_NOEXCEPT; /* 1 */
+KERFLINE_API int32_t WriteDeviceFlags(void) KERFLINE_NOEXCEPT;     /* 1 */
+KERFLINE_API int32_t IsRemoteAvailable(void) KERFLINE_NOEXCEPT;    /* 1 */
+KERFLINE_API int32_t QuickRead(void) KERFLINE_NOEXCEPT;            /* 0 */
+KERFLINE_API int32_t ReadDeviceValsEx(void) KERFLINE_NOEXCEPT;     /* 0 */
 
 /* ======================================================================
  * Variables, tools and materials
@@ -521,11 +521,11 @@ typedef struct DRVMATERIAL {
  * not supported; -2 null record, no driver, empty name or a name with no
  * terminating zero in its 64 bytes.
  */
-KERFLINE_API int32_t GetVar(VMV6VAR* var);
+KERFLINE_API int32_t GetVar(VMV6VAR* var) KERFLINE_NOEXCEPT;
 
 /* Releases the text value (value type 4) and nulls the pointer. 1; -2 for a
    null record or a null value pointer. */
-KERFLINE_API int32_t FreeVar(VMV6VAR* var);
+KERFLINE_API int32_t FreeVar(VMV6VAR* var) KERFLINE_NOEXCEPT;
 
 /*
  * Reads a dialog variable: as GetVar without the variant name, for kinds 2
@@ -535,11 +535,11 @@ KERFLINE_API int32_t FreeVar(VMV6VAR* var);
  * translated while translation flag 0x4 is set. -2 as GetVar and for kinds 5
  * and 6 without owner. Call FreeDlgVar after each success.
  */
-KERFLINE_API int32_t GetDlgVar(VMV6DLGVAR* var);
+KERFLINE_API int32_t GetDlgVar(VMV6DLGVAR* var) KERFLINE_NOEXCEPT;
 
 /* Releases the text value (value type 4) and both dialog texts, nulling each
    pointer. 1; -2 for a null record. */
-KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var);
+KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var) KERFLINE_NOEXCEPT;
 
 /*
  * Sets a variable's value from var->uValue, found by the lookup rules of
@@ -551,7 +551,7 @@ KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var);
  * 1 set; 0 refused or value type not settable; -5 not found; -2 as GetVar
  * or a null text for type 4.
  */
-KERFLINE_API int32_t SetVar(VMV6VAR* var);
+KERFLINE_API int32_t SetVar(VMV6VAR* var) KERFLINE_NOEXCEPT;
 
 /*
  * Walk the items of a group: "Werkzeugparameter" and "Layervariablen" are
@@ -563,31 +563,31 @@ KERFLINE_API int32_t SetVar(VMV6VAR* var);
  * FreeVar). Groups inside the group, items whose name does not fit the 64 bytes and repeated names are
  * skipped. 1 found; 0 no more items; -5 group not found; -2 null record, no driver or null group name.
  */
-KERFLINE_API int32_t GetFirstVar(VMV6VAR* var, const char* group);
-KERFLINE_API int32_t GetNextVar(VMV6VAR* var, const char* group);
+KERFLINE_API int32_t GetFirstVar(VMV6VAR* var, const char* group) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t GetNextVar(VMV6VAR* var, const char* group) KERFLINE_NOEXCEPT;
 
 /*
  * As GetVar, and on success *description receives the item's description
  * as a library text, released with QuickFree (null when description is
  * null: then only the value is read).
  */
-KERFLINE_API int32_t GetVarAndDesc(VMV6VAR* var, char** description);
+KERFLINE_API int32_t GetVarAndDesc(VMV6VAR* var, char** description) KERFLINE_NOEXCEPT;
 
 /* Whether the driver's "%VideoSettings%" (or "%JoyStickSettings%") list
    holds an item of that name: 1 yes, 0 no, -2 no driver or null name. */
-KERFLINE_API int32_t HasVideoVar(VMV6DRV* drv, const char* name);
-KERFLINE_API int32_t HasJoystickVar(VMV6DRV* drv, const char* name);
+KERFLINE_API int32_t HasVideoVar(VMV6DRV* drv, const char* name) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t HasJoystickVar(VMV6DRV* drv, const char* name) KERFLINE_NOEXCEPT;
 
 /* Sets the item of that name in "%VideoSettings%" (or "%JoyStickSettings%")
    to the text, adding the item (type String) and the list when missing.
    1; 0 refused by a dialog variable's input check; -2 no driver, null or
    empty name, or null value. */
-KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* value);
-KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value);
+KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* value) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value) KERFLINE_NOEXCEPT;
 
 /* Number of tools of the driver (0 without "Werkzeugvariablen"); -2 no
    driver. */
-KERFLINE_API int32_t CountTools(VMV6DRV* drv);
+KERFLINE_API int32_t CountTools(VMV6DRV* drv) KERFLINE_NOEXCEPT;
 
 /*
  * Fill the record with the first tool, or with the tool after the one the
@@ -596,17 +596,17 @@ KERFLINE_API int32_t CountTools(VMV6DRV* drv);
  * null record; -3 out of memory. The record passed to GetFirstTool is taken
  * as empty (not released). Call FreeTool when done.
  */
-KERFLINE_API int32_t GetFirstTool(VMV6DRV* drv, DRVTOOL* tool);
-KERFLINE_API int32_t GetNextTool(VMV6DRV* drv, DRVTOOL* tool);
+KERFLINE_API int32_t GetFirstTool(VMV6DRV* drv, DRVTOOL* tool) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t GetNextTool(VMV6DRV* drv, DRVTOOL* tool) KERFLINE_NOEXCEPT;
 
 /* Releases the record's texts and reference and zeroes it. 1; -2 for null. */
-KERFLINE_API int32_t FreeTool(DRVTOOL* tool);
+KERFLINE_API int32_t FreeTool(DRVTOOL* tool) KERFLINE_NOEXCEPT;
 
 /* As CountTools, GetFirstTool, GetNextTool and FreeTool for materials. */
-KERFLINE_API int32_t CountMaterial(VMV6DRV* drv);
-KERFLINE_API int32_t GetFirstMaterial(VMV6DRV* drv, DRVMATERIAL* material);
-KERFLINE_API int32_t GetNextMaterial(VMV6DRV* drv, DRVMATERIAL* material);
-KERFLINE_API int32_t FreeMaterial(DRVMATERIAL* material);
+KERFLINE_API int32_t CountMaterial(VMV6DRV* drv) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t GetFirstMaterial(VMV6DRV* drv, DRVMATERIAL* material) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t GetNextMaterial(VMV6DRV* drv, DRVMATERIAL* material) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t FreeMaterial(DRVMATERIAL* material) KERFLINE_NOEXCEPT;
 
 /*
  * Adds a material of that name with the standard material variables at
@@ -616,13 +616,13 @@ KERFLINE_API int32_t FreeMaterial(DRVMATERIAL* material);
  * 1 added; 0 a material of that name exists; -2 no driver, null or empty
  * name; -3 out of memory.
  */
-KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* material);
+KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* material) KERFLINE_NOEXCEPT;
 
 /* Removes the material of that name (its stored name, not a translation)
    and resets the document's pending state. Records still referring to it
    find nothing afterwards. 1 removed; 0 not found; -2 no driver or null
    name. */
-KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name);
+KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name) KERFLINE_NOEXCEPT;
 
 /*
  * Dialog variables for a host's settings dialog (see docs/dialog-variables.md).
@@ -664,7 +664,7 @@ typedef struct DLGVAREXT {
  * KERFLINE_DLGSTATE_BAD_RANGE, so a host can show them but must not build a
  * range from them.
  */
-KERFLINE_API int32_t GetDlgVarExtParms(VMV6DLGVAR* var, DLGVAREXT* ext);
+KERFLINE_API int32_t GetDlgVarExtParms(VMV6DLGVAR* var, DLGVAREXT* ext) KERFLINE_NOEXCEPT;
 
 /* One dialog variable as a settings dialog shows it; fixed fields, nothing to release. */
 typedef struct DLGVARDATA {
@@ -680,7 +680,7 @@ typedef struct DLGVARDATA {
 
 /* Fills *data (texts cut to their fields, always terminated, with
    KERFLINE_DLGSTATE_CUT set). 1; codes as above. */
-KERFLINE_API int32_t GetDlgVarData(VMV6DLGVAR* var, DLGVARDATA* data);
+KERFLINE_API int32_t GetDlgVarData(VMV6DLGVAR* var, DLGVARDATA* data) KERFLINE_NOEXCEPT;
 
 /* GetDlgVarData with the extended parameters and the default. */
 typedef struct EXTDLGVARDATA {
@@ -693,7 +693,7 @@ typedef struct EXTDLGVARDATA {
 
 /* Fills *data. 1; codes as above (broken extended parameters are reported in
    nState, not by the result). */
-KERFLINE_API int32_t GetExtDlgVarData(VMV6DLGVAR* var, EXTDLGVARDATA* data);
+KERFLINE_API int32_t GetExtDlgVarData(VMV6DLGVAR* var, EXTDLGVARDATA* data) KERFLINE_NOEXCEPT;
 
 /* Where a default comes from (DLGVARDEFAULT.nSource). */
 #define KERFLINE_DEFAULT_STANDARD 1 /* the standard texts, by the item's text number */
@@ -711,15 +711,15 @@ typedef struct DLGVARDEFAULT {
    text number, else the base driver's value. 1 found; 0 the variable has no
    default (record zeroed, nothing to release). Call FreeDlgDefaultEx after
    a success. */
-KERFLINE_API int32_t GetDlgDefaultEx(VMV6DLGVAR* var, DLGVARDEFAULT* def);
+KERFLINE_API int32_t GetDlgDefaultEx(VMV6DLGVAR* var, DLGVARDEFAULT* def) KERFLINE_NOEXCEPT;
 
 /* Releases both texts and zeroes the record; a second call finds nothing to
    release. 1; -2 for a null record. */
-KERFLINE_API int32_t FreeDlgDefaultEx(DLGVARDEFAULT* def);
+KERFLINE_API int32_t FreeDlgDefaultEx(DLGVARDEFAULT* def) KERFLINE_NOEXCEPT;
 
 /* 1 when the dialog variable carries KERFLINE_DLGVAR_RELATIVE, 0 when not or
    when it has no extended parameters; -2/-5 as above. */
-KERFLINE_API int32_t IsRelativeFlag(VMV6DLGVAR* var);
+KERFLINE_API int32_t IsRelativeFlag(VMV6DLGVAR* var) KERFLINE_NOEXCEPT;
 
 /* One entry of a dialog-variable list. Texts and the condition array are
    library memory released by FreeDlgVars. */
@@ -752,11 +752,11 @@ typedef struct DLGVARLIST {
  * memory; -5 owner or sub-list not found, or another kind. The list is
  * written only on success; call FreeDlgVars after it.
  */
-KERFLINE_API int32_t GetDlgVars(VMV6DRV* drv, int32_t kind, void* owner, DLGVARLIST* list);
+KERFLINE_API int32_t GetDlgVars(VMV6DRV* drv, int32_t kind, void* owner, DLGVARLIST* list) KERFLINE_NOEXCEPT;
 
 /* Releases every text and array of the list and zeroes it, so a second call
    releases nothing. 1; -2 for a null list. */
-KERFLINE_API int32_t FreeDlgVars(DLGVARLIST* list);
+KERFLINE_API int32_t FreeDlgVars(DLGVARLIST* list) KERFLINE_NOEXCEPT;
 
 /*
  * Copies the value text of the variable found as GetVar finds it (variant
@@ -765,7 +765,7 @@ KERFLINE_API int32_t FreeDlgVars(DLGVARLIST* list);
  * when size > 0; -2/-5 as GetVar, and -2 for a null buffer with size > 0 or a
  * negative size.
  */
-KERFLINE_API int32_t GetVarVal(VMV6VAR* var, char* buffer, int32_t size, int32_t* length);
+KERFLINE_API int32_t GetVarVal(VMV6VAR* var, char* buffer, int32_t size, int32_t* length) KERFLINE_NOEXCEPT;
 
 /* One value a dialog offers. */
 typedef struct VARVAL {
@@ -784,17 +784,19 @@ typedef struct VARVAL {
  * KERFLINE_VARVALS_MAX values: an empty block); -2 as above and for broken
  * extended parameters (nothing allocated); -3, -5 as above.
  */
-KERFLINE_API int32_t GetVarVals(VMV6DLGVAR* var, VARVAL** values, int32_t* count);
+KERFLINE_API int32_t GetVarVals(VMV6DLGVAR* var, VARVAL** values, int32_t* count) KERFLINE_NOEXCEPT;
 
 /* Releases a block from GetVarVals; null is accepted. The same body as
    FreeCutDeviceList: the block goes back to the library's allocator
    (platform::library_free). */
-KERFLINE_API void FreeVarVals(void* values);
+KERFLINE_API void FreeVarVals(void* values) KERFLINE_NOEXCEPT;
 
 /* As SetVideoVar and SetJoyStickVar, but an item that exists keeps its
    value. 1 added; 0 present (left as it is); -2 as those calls. */
-KERFLINE_API int32_t SetVideoVarNoOverride(VMV6DRV* drv, const char* name, const char* value);
-KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name, const char* value);
+KERFLINE_API int32_t SetVideoVarNoOverride(VMV6DRV* drv, const char* name,
+                                           const char* value) KERFLINE_NOEXCEPT;
+KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name,
+                                              const char* value) KERFLINE_NOEXCEPT;
 
 /* Why CheckMatVarVal refused a value. */
 #define KERFLINE_CHECK_TYPE 1   /* not a number, integer or date as the item's type asks */
@@ -811,7 +813,7 @@ KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name, co
  * shown. 1 acceptable; 0 refused, with *reason (when not null) set to a
  * KERFLINE_CHECK_* code; -2 as GetVar or a null value; -5 not found.
  */
-KERFLINE_API int32_t CheckMatVarVal(VMV6VAR* var, const char* value, int32_t* reason);
+KERFLINE_API int32_t CheckMatVarVal(VMV6VAR* var, const char* value, int32_t* reason) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Cut data
@@ -842,7 +844,7 @@ typedef struct CUTDATA {
 } CUTDATA;
 
 /* Sets every field of the record to 0. 1; 0 for a null record. */
-KERFLINE_API int32_t InitCutData(CUTDATA* data);
+KERFLINE_API int32_t InitCutData(CUTDATA* data) KERFLINE_NOEXCEPT;
 
 /*
  * Appends a copy of a variable (both texts copied; a null text is taken as
@@ -852,17 +854,17 @@ KERFLINE_API int32_t InitCutData(CUTDATA* data);
  * record is left with no layers), as hosts of this interface have always
  * seen it.
  */
-KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable);
+KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) KERFLINE_NOEXCEPT;
 
 /* Appends a copy of a layer. 1; 0 for a null record or layer; -3 out of memory. */
-KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer);
+KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer) KERFLINE_NOEXCEPT;
 
 /*
  * Releases the arrays and the variable texts. The counts and pointers are
  * left as they were: call InitCutData before using the record again.
  * 1; 0 for a null record.
  */
-KERFLINE_API int32_t FreeCutData(CUTDATA* data);
+KERFLINE_API int32_t FreeCutData(CUTDATA* data) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Evaluation
@@ -904,31 +906,31 @@ KERFLINE_API int32_t FreeCutData(CUTDATA* data);
  * clears the escape flag, and switches asynchronous I/O on when IsAsyncIO()
  * says so. Returns 1.
  */
-KERFLINE_API int32_t InitEval(uint32_t mode, uint32_t logTarget, void* owner);
+KERFLINE_API int32_t InitEval(uint32_t mode, uint32_t logTarget, void* owner) KERFLINE_NOEXCEPT;
 
 /* InitEval, then switches asynchronous I/O on. Returns 1. */
-KERFLINE_API int32_t InitEvalAsync(uint32_t mode, uint32_t logTarget, void* owner);
+KERFLINE_API int32_t InitEvalAsync(uint32_t mode, uint32_t logTarget, void* owner) KERFLINE_NOEXCEPT;
 
 /*
  * 1 when the integer key "AsyncIO" of section "CutterSettings" in
  * "plotman.ini" in the suite directory is exactly 1, else 0 (also when the
  * file or key is missing).
  */
-KERFLINE_API int32_t IsAsyncIO(void);
+KERFLINE_API int32_t IsAsyncIO(void) KERFLINE_NOEXCEPT;
 
 /* Keeps logTarget as the device trace target when the evaluator exists and
    logTarget is non-zero. Returns 1. */
-KERFLINE_API int32_t SetEvalLogFile(uint32_t logTarget);
+KERFLINE_API int32_t SetEvalLogFile(uint32_t logTarget) KERFLINE_NOEXCEPT;
 
 /*
  * Any thread: sets the escape flag of the evaluator and wakes every device
  * function waiting in it, so that a waiting DoEval returns at once.
  * Returns 1 (also without an evaluator).
  */
-KERFLINE_API int32_t EscapeEval(void);
+KERFLINE_API int32_t EscapeEval(void) KERFLINE_NOEXCEPT;
 
 /* Clears the escape flag. Returns 1. */
-KERFLINE_API int32_t EnableEval(void);
+KERFLINE_API int32_t EnableEval(void) KERFLINE_NOEXCEPT;
 
 /*
  * With a text: evaluates the template for output (conditional blocks,
@@ -945,7 +947,7 @@ KERFLINE_API int32_t EnableEval(void);
  * device read of the evaluator waits or another DoEval runs, else NULL; this
  * value is not a block and must not be released.
  */
-KERFLINE_API char* DoEval(const char* text);
+KERFLINE_API char* DoEval(const char* text) KERFLINE_NOEXCEPT;
 
 /*
  * The value of a variable (shared variables visible on channel -1, then the
@@ -953,15 +955,15 @@ KERFLINE_API char* DoEval(const char* text);
  * name when none has it, as a new block for FreeEval/FreeEvalVar. NULL when
  * there is no evaluator, name is NULL or the text is empty.
  */
-KERFLINE_API char* GetEvalVar(const char* name);
+KERFLINE_API char* GetEvalVar(const char* name) KERFLINE_NOEXCEPT;
 
 /* Releases a block returned by DoEval or GetEvalVar; NULL is ignored.
    FreeEval and FreeEvalVar are the same function. */
-KERFLINE_API void FreeEval(char* block);
-KERFLINE_API void FreeEvalVar(char* block);
+KERFLINE_API void FreeEval(char* block) KERFLINE_NOEXCEPT;
+KERFLINE_API void FreeEvalVar(char* block) KERFLINE_NOEXCEPT;
 
 /* Does nothing; the evaluator lives until the library is unloaded. Returns 1. */
-KERFLINE_API int32_t ExitEval(void);
+KERFLINE_API int32_t ExitEval(void) KERFLINE_NOEXCEPT;
 
 /*
  * Sets a shared variable that every template can read by name (without
@@ -970,7 +972,7 @@ KERFLINE_API int32_t ExitEval(void);
  * -1, i.e. bit 31). A NULL value removes the variable. Returns 1, -2 for a
  * NULL or empty name, -3 when memory ran out.
  */
-KERFLINE_API int32_t SetEvalVar(const char* name, const char* value, uint32_t mask);
+KERFLINE_API int32_t SetEvalVar(const char* name, const char* value, uint32_t mask) KERFLINE_NOEXCEPT;
 
 /*
  * Adds a user function, called in templates as &name(a, b): params is the
@@ -981,7 +983,8 @@ KERFLINE_API int32_t SetEvalVar(const char* name, const char* value, uint32_t ma
  * when the name is taken, -2 for a NULL or empty name or a NULL body, -3 when
  * memory ran out. Not to be called while an evaluation runs.
  */
-KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params, const char* body);
+KERFLINE_API int32_t AddEvalUserFunc(const char* name, const char* params,
+                                     const char* body) KERFLINE_NOEXCEPT;
 
 /*
  * Makes every named variable of an open driver a shared variable (as
@@ -1023,7 +1026,7 @@ typedef struct EVALFUNC {
 } EVALFUNC;
 
 /* The number of entries in the list (0 before the first InitEval). */
-KERFLINE_API int32_t GetEvalFuncCount(void);
+KERFLINE_API int32_t GetEvalFuncCount(void) KERFLINE_NOEXCEPT;
 
 /*
  * Fills *info with entry `index` (0-based, in the order described above).
@@ -1032,7 +1035,7 @@ KERFLINE_API int32_t GetEvalFuncCount(void);
  * ran out. Like AddEvalUserFunc, not to be
  * called while another thread adds user functions.
  */
-KERFLINE_API int32_t GetEvalFunc(int32_t index, EVALFUNC* info);
+KERFLINE_API int32_t GetEvalFunc(int32_t index, EVALFUNC* info) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Shared data block
@@ -1117,7 +1120,7 @@ typedef struct SHAREDBLOB {
  * same time lose none; every other field is read and written without a
  * lock. A requester writes its data before it sets the flags announcing it.
  */
-KERFLINE_API int32_t SharedDataMan(int32_t nOperation, uintptr_t nArgument);
+KERFLINE_API int32_t SharedDataMan(int32_t nOperation, uintptr_t nArgument) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Mark data sets and mesh correction
@@ -1180,53 +1183,53 @@ typedef struct PROBEDATA {
  */
 
 /* Zeroes every field of the set (without freeing anything). Returns 1. */
-KERFLINE_API int32_t ProbeDataInit(PROBEDATA* set);
+KERFLINE_API int32_t ProbeDataInit(PROBEDATA* set) KERFLINE_NOEXCEPT;
 
 /* Frees every job's mark array, then the job array; the set is left with no
    jobs. Returns 1. */
-KERFLINE_API int32_t ProbeDataFree(PROBEDATA* set);
+KERFLINE_API int32_t ProbeDataFree(PROBEDATA* set) KERFLINE_NOEXCEPT;
 
 /* Appends a copy of the job entry to the set. The set takes over the entry's
    mark array (freed by ProbeDataFree). Nothing is changed when the array
    cannot grow. */
-KERFLINE_API void ProbeDataAdd(PROBEDATA* set, const PROBEJOB* job);
+KERFLINE_API void ProbeDataAdd(PROBEDATA* set, const PROBEJOB* job) KERFLINE_NOEXCEPT;
 
 /* Copies job `index` to *job (the mark array is shared, not copied). Returns
    1, or 0 (nothing written) when index is negative or not below the count. */
-KERFLINE_API int32_t ProbeDataGetAt(const PROBEDATA* set, int32_t index, PROBEJOB* job);
+KERFLINE_API int32_t ProbeDataGetAt(const PROBEDATA* set, int32_t index, PROBEJOB* job) KERFLINE_NOEXCEPT;
 
 /* Re-initialises dst without freeing what it held and gives it src's flags.
    No job is copied: the result is an empty set with the source's flags.
    Returns 1. */
-KERFLINE_API int32_t ProbeDataCopy(PROBEDATA* dst, const PROBEDATA* src);
+KERFLINE_API int32_t ProbeDataCopy(PROBEDATA* dst, const PROBEDATA* src) KERFLINE_NOEXCEPT;
 
 /* Appends a copy of the mark to the job's mark array (realloc). Nothing is
    changed when the array cannot grow. */
-KERFLINE_API void ProbeDataAddPos(PROBEJOB* job, const PROBEPOS* pos);
+KERFLINE_API void ProbeDataAddPos(PROBEJOB* job, const PROBEPOS* pos) KERFLINE_NOEXCEPT;
 
 /* Copies mark `index` to *pos. Returns 1, or 0 (nothing written) when index
    is negative or not below the mark count. */
-KERFLINE_API int32_t ProbeDataGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos);
+KERFLINE_API int32_t ProbeDataGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos) KERFLINE_NOEXCEPT;
 
 /* Overwrites mark `index` with *pos. Returns 1, or 0 when index is negative
    or not below the mark count. */
-KERFLINE_API int32_t ProbeDataSetPosAt(PROBEJOB* job, int32_t index, const PROBEPOS* pos);
+KERFLINE_API int32_t ProbeDataSetPosAt(PROBEJOB* job, int32_t index, const PROBEPOS* pos) KERFLINE_NOEXCEPT;
 
 /* As ProbeDataGetPosAt, then mirrors the copy: y = height - y. */
 KERFLINE_API int32_t ProbeDataXeneTecGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos,
-                                              double height);
+                                              double height) KERFLINE_NOEXCEPT;
 
 /* Mirrors every mark of every job: y = height - y. Returns 1. */
-KERFLINE_API int32_t ProbeDataTransformXene(PROBEDATA* set, double height);
+KERFLINE_API int32_t ProbeDataTransformXene(PROBEDATA* set, double height) KERFLINE_NOEXCEPT;
 
 /* Moves every mark of the job by (dx, dy). Returns 1. */
-KERFLINE_API int32_t ProbeDataOffsetJob(PROBEJOB* job, double dx, double dy);
+KERFLINE_API int32_t ProbeDataOffsetJob(PROBEJOB* job, double dx, double dy) KERFLINE_NOEXCEPT;
 
 /* Moves only the measured marks (the first half) by (dx, dy). Returns 1. */
-KERFLINE_API int32_t ProbeDataOffsetJobMarks(PROBEJOB* job, double dx, double dy);
+KERFLINE_API int32_t ProbeDataOffsetJobMarks(PROBEJOB* job, double dx, double dy) KERFLINE_NOEXCEPT;
 
 /* Formats the set as debugging text and discards it. Returns 1. */
-KERFLINE_API int32_t ProbeDataTrace(const PROBEDATA* set);
+KERFLINE_API int32_t ProbeDataTrace(const PROBEDATA* set) KERFLINE_NOEXCEPT;
 
 /*
  * Appends the marks of every job as HPGL circles to a plot file. mode != 0:
@@ -1238,7 +1241,8 @@ KERFLINE_API int32_t ProbeDataTrace(const PROBEDATA* set);
  * the file could not be created or opened (mode 0 before any call with a
  * mode != 0 included).
  */
-KERFLINE_API int32_t ProbeDataTrace2PLT(const PROBEDATA* set, const char* dir, int32_t mode);
+KERFLINE_API int32_t ProbeDataTrace2PLT(const PROBEDATA* set, const char* dir,
+                                        int32_t mode) KERFLINE_NOEXCEPT;
 
 /*
  * Writes an HPGL circle of diameter `size` around (x, y) (in mark units, 0.4
@@ -1247,13 +1251,13 @@ KERFLINE_API int32_t ProbeDataTrace2PLT(const PROBEDATA* set, const char* dir, i
  * bytes hold them for coordinates and sizes below 1e9 in magnitude). Returns
  * the length of the text, or -2 for a null buffer.
  */
-KERFLINE_API int32_t FrmtHpglCircle(double x, double y, double size, char* buffer);
+KERFLINE_API int32_t FrmtHpglCircle(double x, double y, double size, char* buffer) KERFLINE_NOEXCEPT;
 
 /* Cell of a row-major grid: row = index / columns, column = index % columns,
    result 1; -1 (nothing written) when index < 0 or index >= rows * columns;
    -2 for a null output pointer. */
 KERFLINE_API int32_t GetCellFromArray(int32_t index, int32_t rows, int32_t columns, int32_t* row,
-                                      int32_t* column);
+                                      int32_t* column) KERFLINE_NOEXCEPT;
 
 /* A point of the mesh functions: x then y. */
 typedef struct MESHPOINT {
@@ -1271,7 +1275,7 @@ typedef struct MESHPOINT {
  * result: 1 triangulated, 0 the positions span no triangle. A null `points`
  * or a negative count is taken as no positions.
  */
-KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points);
+KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points) KERFLINE_NOEXCEPT;
 
 /*
  * Finds the mesh triangle that contains *query (for a point outside the mesh,
@@ -1281,13 +1285,13 @@ KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points);
  * Returns 1; 0 (nothing written) when no plug-in with "DelaunayLocate" is
  * loaded; -2 for a null pointer.
  */
-KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out);
+KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out) KERFLINE_NOEXCEPT;
 
 /* Releases the mesh, the copy of the positions and the plug-in. */
-KERFLINE_API void FreeDelaunay(void);
+KERFLINE_API void FreeDelaunay(void) KERFLINE_NOEXCEPT;
 
 /* Euclidean distance of a and b; -2.0 for a null pointer. */
-KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b);
+KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b) KERFLINE_NOEXCEPT;
 
 /*
  * Distance of p from the line through a and b (by Heron's formula; a base of
@@ -1296,7 +1300,8 @@ KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b);
  * behind a gets a foot ahead of a. Returns -2.0 (nothing written) for a null
  * pointer.
  */
-KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p, MESHPOINT* foot);
+KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p,
+                                MESHPOINT* foot) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Port access
@@ -1324,7 +1329,8 @@ KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const ME
  * preset them to KERFLINE_INVALID_DEVICE_HANDLE. Open failures may show the
  * retry prompts through the message-box hook. Always returns 1.
  */
-KERFLINE_API int32_t ConnectToDevice(VMV6DRV* drv, const char* device, void** readHandle, void** writeHandle);
+KERFLINE_API int32_t ConnectToDevice(VMV6DRV* drv, const char* device, void** readHandle,
+                                     void** writeHandle) KERFLINE_NOEXCEPT;
 
 /*
  * Writes length bytes to *handle, writing the rest again after a short
@@ -1332,13 +1338,13 @@ KERFLINE_API int32_t ConnectToDevice(VMV6DRV* drv, const char* device, void** re
  * ends it). Nothing is written for length 0, a null or an invalid handle.
  * Returns 1.
  */
-KERFLINE_API int32_t WriteToDevice(void** handle, const void* bytes, uint32_t length);
+KERFLINE_API int32_t WriteToDevice(void** handle, const void* bytes, uint32_t length) KERFLINE_NOEXCEPT;
 
 /*
  * Closes *readHandle and, when it differs, *writeHandle (null and invalid
  * handles are skipped). The variables are not changed. Returns 1.
  */
-KERFLINE_API int32_t CloseDevice(void** readHandle, void** writeHandle);
+KERFLINE_API int32_t CloseDevice(void** readHandle, void** writeHandle) KERFLINE_NOEXCEPT;
 
 /*
  * Opens the device, writes the zero-terminated text (without its zero) in
@@ -1346,7 +1352,7 @@ KERFLINE_API int32_t CloseDevice(void** readHandle, void** writeHandle);
  * the open failed or the write did (a port type with nothing to open
  * writes nothing and gives 0).
  */
-KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const char* text);
+KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const char* text) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Device readers
@@ -1442,11 +1448,11 @@ typedef struct CUTDEVICEINFO {
  * port "Remote Plotmanager"; type 6 takes its driver from the suite's
  * "cutter/" directory. Never null while memory lasts, even for 0 devices.
  */
-KERFLINE_API CUTDEVICE* GetCutDeviceList(int32_t* count);
+KERFLINE_API CUTDEVICE* GetCutDeviceList(int32_t* count) KERFLINE_NOEXCEPT;
 
 /* Releases an array from GetCutDeviceList; null is accepted. The same
    release as FreeVarVals (one body). */
-KERFLINE_API void FreeCutDeviceList(CUTDEVICE* list);
+KERFLINE_API void FreeCutDeviceList(CUTDEVICE* list) KERFLINE_NOEXCEPT;
 
 /*
  * Changes the device list; every change posts "Umsg_StartDeviceDlg" (0, 0)
@@ -1464,21 +1470,21 @@ KERFLINE_API void FreeCutDeviceList(CUTDEVICE* list);
  * 1 when done; 0 for a name that cannot be an INI key (a control character,
  * '=', or leading '[' or ';'), which changes nothing.
  */
-KERFLINE_API int32_t WriteCutDevice(const CUTDEVICE* device);
+KERFLINE_API int32_t WriteCutDevice(const CUTDEVICE* device) KERFLINE_NOEXCEPT;
 
 /* 1 and the type in info->nDeviceType for device types 2, 3, 5 and 6
    ("DevType", default 2); else 0 (type stored as 0). info may be null. */
-KERFLINE_API int32_t GetCutDeviceInfo(const char* name, CUTDEVICEINFO* info);
+KERFLINE_API int32_t GetCutDeviceInfo(const char* name, CUTDEVICEINFO* info) KERFLINE_NOEXCEPT;
 
 /* The device's "DevPortType" (default 2). */
-KERFLINE_API int32_t GetCutDevicePortType(const char* name);
+KERFLINE_API int32_t GetCutDevicePortType(const char* name) KERFLINE_NOEXCEPT;
 
 /*
  * Copies the device's spool directory ("DevIn") into buffer: 1 when copied,
  * 0 when it is empty, -(length) when size is not greater than its length
  * (a buffer exactly as long as the path is too small).
  */
-KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t size);
+KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t size) KERFLINE_NOEXCEPT;
 
 /*
  * The machine's serial and parallel ports joined by separator, as a new
@@ -1487,15 +1493,15 @@ KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t si
  * /sys/class/printer (lp*) and /sys/class/usbmisc (lp*, as /dev/usb/lp*);
  * the environment variable KERFLINE_SYSFS_ROOT replaces "/sys".
  */
-KERFLINE_API char* GetLocaleDevices(char separator);
+KERFLINE_API char* GetLocaleDevices(char separator) KERFLINE_NOEXCEPT;
 
 /* 1 when a device listed in iniFile's "DeviceNames" has "DevIn" equal to
    path (both upper-cased by Windows-1252 rules), else 0. */
-KERFLINE_API int32_t IsInputPathUsed(const char* iniFile, const char* path);
+KERFLINE_API int32_t IsInputPathUsed(const char* iniFile, const char* path) KERFLINE_NOEXCEPT;
 
 /* CBaseDeviceSettings::IsSetupAllowed for the name; a null iniFile means the
    suite's "plotman.ini". */
-KERFLINE_API int32_t CanDoSetup(const char* iniFile, const char* name);
+KERFLINE_API int32_t CanDoSetup(const char* iniFile, const char* name) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Plot-manager coupling, child processes and topic logs
@@ -1507,7 +1513,7 @@ KERFLINE_API int32_t CanDoSetup(const char* iniFile, const char* name);
  * full path (MAX_PATH on Windows, 4096 bytes on POSIX); a longer directory is
  * cut to fit 4096 bytes. A null buffer is left alone. Always 0.
  */
-KERFLINE_API int32_t GetPlotManPath(char* buffer);
+KERFLINE_API int32_t GetPlotManPath(char* buffer) KERFLINE_NOEXCEPT;
 
 /*
  * The number of active jobs in the spool of the named device (section
@@ -1515,14 +1521,14 @@ KERFLINE_API int32_t GetPlotManPath(char* buffer);
  * index does not exist. While a registration run has set its device, that
  * device is asked instead of the argument. A null name counts as none.
  */
-KERFLINE_API int32_t IsJobRunning(const char* deviceName);
+KERFLINE_API int32_t IsJobRunning(const char* deviceName) KERFLINE_NOEXCEPT;
 
 /*
  * With flag 0 tells the plot manager to stop: the message
  * "Umsg_StopPlotman" is posted (wParam 0, lParam 0) through the host's
  * broadcast hook. Any other flag does nothing. Always 1.
  */
-KERFLINE_API int32_t CancelPlotman(int32_t flag);
+KERFLINE_API int32_t CancelPlotman(int32_t flag) KERFLINE_NOEXCEPT;
 
 /*
  * Starts the program that the command line names and waits for it to end.
@@ -1551,14 +1557,14 @@ KERFLINE_API int32_t CancelPlotman(int32_t flag);
  * not exist or cannot run; the hooks are then not called) or a modal wait
  * was refused.
  */
-KERFLINE_API int32_t SpawnExe(char* commandLine, int32_t showCommand, void* mode);
+KERFLINE_API int32_t SpawnExe(char* commandLine, int32_t showCommand, void* mode) KERFLINE_NOEXCEPT;
 
 /*
  * Ends every SpawnExe wait running at the time of the call, in any thread
  * (it may be called from another thread or from the pump hook). A later
  * SpawnExe is not affected. Returns the number of waits it ended.
  */
-KERFLINE_API int32_t KerflineCancelSpawnExe(void);
+KERFLINE_API int32_t KerflineCancelSpawnExe(void) KERFLINE_NOEXCEPT;
 
 /*
  * Topic logs: the file "lf_" + topic + ".log" beside "plotman.ini", written
@@ -1569,7 +1575,7 @@ KERFLINE_API int32_t KerflineCancelSpawnExe(void);
  * nothing, so a log never lands outside the suite directory; a file that
  * cannot be opened is skipped. A null text appends nothing. Always 1.
  */
-KERFLINE_API int32_t LogFileMan(const char* topic, int32_t action, const char* text);
+KERFLINE_API int32_t LogFileMan(const char* topic, int32_t action, const char* text) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Scanner application bridge
@@ -1600,7 +1606,7 @@ typedef struct DIGITIZERPOS {
  * its result; 1 when the plug-in lacks the entry; -4 when it cannot be
  * loaded.
  */
-KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value);
+KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value) KERFLINE_NOEXCEPT;
 
 /*
  * Loads the plug-in (again) and calls "ProbeInit"(data). Returns its result;
@@ -1608,10 +1614,10 @@ KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value);
  * device has active jobs (nothing is loaded) or the plug-in cannot be
  * loaded.
  */
-KERFLINE_API int32_t LumaProbeInit(void* data);
+KERFLINE_API int32_t LumaProbeInit(void* data) KERFLINE_NOEXCEPT;
 
 /* "ProbeDoCommand"(a, b, c); 0 when no plug-in is loaded or it lacks the entry. */
-KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c);
+KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c) KERFLINE_NOEXCEPT;
 
 /*
  * Reads the digitiser's positions: asks "ProbeGetDigitizerPos"(0, NULL) for
@@ -1624,17 +1630,17 @@ KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c);
  * loaded, 0 when it lacks the entry, -3 when the array cannot be allocated
  * (more than 1048576 positions count as that; *count is then 0), -2 for a null pointer.
  */
-KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions);
+KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions) KERFLINE_NOEXCEPT;
 
 /* Releases an array from LumaProbeGetDigitizerPos and sets *positions to NULL. Returns 1. */
-KERFLINE_API int32_t LumaProbeFreeDigitizerPos(DIGITIZERPOS** positions);
+KERFLINE_API int32_t LumaProbeFreeDigitizerPos(DIGITIZERPOS** positions) KERFLINE_NOEXCEPT;
 
 /*
  * Calls "ProbeFreeDigitizer" (when present) and unloads the plug-in.
  * Returns the entry's result, 1 when it is missing, -4 when no plug-in is
  * loaded.
  */
-KERFLINE_API int32_t LumaProbeFreeDigitizer(void);
+KERFLINE_API int32_t LumaProbeFreeDigitizer(void) KERFLINE_NOEXCEPT;
 
 /*
  * "ProbeRead"(data). While the run's device has active jobs the call waits,
@@ -1642,22 +1648,22 @@ KERFLINE_API int32_t LumaProbeFreeDigitizer(void);
  * such a wait it pumps for another 100 ms before reading. 0 when no plug-in
  * is loaded or it lacks the entry.
  */
-KERFLINE_API int32_t LumaProbeRead(void* data);
+KERFLINE_API int32_t LumaProbeRead(void* data) KERFLINE_NOEXCEPT;
 
 /* "Process"(); 0 when no plug-in is loaded or it lacks the entry. */
-KERFLINE_API int32_t LumaProbeProcess(void);
+KERFLINE_API int32_t LumaProbeProcess(void) KERFLINE_NOEXCEPT;
 
 /*
  * "HandleUI"(window, a, b, c); the window handle is passed on untouched. 0
  * when no plug-in is loaded or it lacks the entry.
  */
-KERFLINE_API int32_t LumaProbeHandleUI(void* window, int32_t a, int32_t b, int32_t c);
+KERFLINE_API int32_t LumaProbeHandleUI(void* window, int32_t a, int32_t b, int32_t c) KERFLINE_NOEXCEPT;
 
 /*
  * Calls "ProbeExit" (when present) and unloads the plug-in. Returns 1; 0
  * when no plug-in is loaded.
  */
-KERFLINE_API int32_t LumaProbeExit(void);
+KERFLINE_API int32_t LumaProbeExit(void) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Script engine bridge

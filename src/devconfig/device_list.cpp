@@ -11,6 +11,7 @@
 #include "devconfig/spool_paths.hpp"
 #include "kerfline/device_settings.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/clock.hpp"
 #include "platform/codepage.hpp"
 #include "platform/host_hooks.hpp"
@@ -72,9 +73,12 @@ std::int32_t listening_query() {
 
 }  // namespace
 
-KERFLINE_API CUTDEVICE* GetCutDeviceList(int32_t* count) {
+using kerfline::platform::guarded_as;
+using kerfline::platform::guarded_pointer;
+
+KERFLINE_API CUTDEVICE* GetCutDeviceList(int32_t* count) noexcept {
   if (count != nullptr) *count = 0;
-  try {
+  return guarded_pointer([&]() -> CUTDEVICE* {
     const std::vector<ListedDevice> devices = list_devices(device_list_file());
     auto* out = static_cast<CUTDEVICE*>(
         kerfline::platform::library_alloc(sizeof(CUTDEVICE) * std::max<std::size_t>(devices.size(), 1)));
@@ -83,15 +87,13 @@ KERFLINE_API CUTDEVICE* GetCutDeviceList(int32_t* count) {
     if (devices.empty()) std::memset(out, 0, sizeof(CUTDEVICE));
     if (count != nullptr) *count = static_cast<int32_t>(devices.size());
     return out;
-  } catch (...) {
-    return nullptr;
-  }
+  });
 }
 
-KERFLINE_API void FreeCutDeviceList(CUTDEVICE* list) { kerfline::platform::library_free(list); }
+KERFLINE_API void FreeCutDeviceList(CUTDEVICE* list) noexcept { kerfline::platform::library_free(list); }
 
-KERFLINE_API int32_t WriteCutDevice(const CUTDEVICE* device) {
-  try {
+KERFLINE_API int32_t WriteCutDevice(const CUTDEVICE* device) noexcept {
+  return guarded_as(0, [&] {
     if (device == nullptr) return listening_query();
     const std::string name = field_text(device->szName, sizeof(device->szName));
     const std::string port = field_text(device->szPort, sizeof(device->szPort));
@@ -106,13 +108,12 @@ KERFLINE_API int32_t WriteCutDevice(const CUTDEVICE* device) {
     }
     announce_device_change();
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t GetCutDeviceInfo(const char* name, CUTDEVICEINFO* info) {
-  const int32_t type = CBaseDeviceSettings::GetDeviceType(name, device_list_file_c());
+KERFLINE_API int32_t GetCutDeviceInfo(const char* name, CUTDEVICEINFO* info) noexcept {
+  const int32_t type =
+      guarded_as(0, [name] { return CBaseDeviceSettings::GetDeviceType(name, device_list_file_c()); });
   const bool known = type == DEVTYPE_CUTTER || type == DEVTYPE_FIXED_SPOOL || type == DEVTYPE_REMOTE ||
                      type == DEVTYPE_TCPIP_CLIENT;
   if (info != nullptr) {
@@ -122,12 +123,12 @@ KERFLINE_API int32_t GetCutDeviceInfo(const char* name, CUTDEVICEINFO* info) {
   return known ? 1 : 0;
 }
 
-KERFLINE_API int32_t GetCutDevicePortType(const char* name) {
-  return CBaseDeviceSettings::GetPortType(name, device_list_file_c());
+KERFLINE_API int32_t GetCutDevicePortType(const char* name) noexcept {
+  return guarded_as(0, [name] { return CBaseDeviceSettings::GetPortType(name, device_list_file_c()); });
 }
 
-KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t size) {
-  try {
+KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t size) noexcept {
+  return guarded_as(0, [&] {
     const std::string path = ini::read_string(name != nullptr ? name : "", "DevIn", "", device_list_file());
     if (buffer == nullptr || size <= 0) return path.empty() ? 0 : -static_cast<int32_t>(path.size());
     if (path.empty()) {
@@ -137,13 +138,11 @@ KERFLINE_API int32_t GetCutDevicePath(const char* name, char* buffer, int32_t si
     if (path.size() >= static_cast<std::size_t>(size)) return -static_cast<int32_t>(path.size());
     std::memcpy(buffer, path.c_str(), path.size() + 1);
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API char* GetLocaleDevices(char separator) {
-  try {
+KERFLINE_API char* GetLocaleDevices(char separator) noexcept {
+  return guarded_pointer([&]() -> char* {
     const std::vector<std::string> ports = kerfline::platform::local_ports();
     if (ports.empty()) return nullptr;
     std::string joined;
@@ -152,14 +151,12 @@ KERFLINE_API char* GetLocaleDevices(char separator) {
       joined += p;
     }
     return kerfline::platform::library_strdup(joined);
-  } catch (...) {
-    return nullptr;
-  }
+  });
 }
 
-KERFLINE_API int32_t IsInputPathUsed(const char* iniFile, const char* path) {
+KERFLINE_API int32_t IsInputPathUsed(const char* iniFile, const char* path) noexcept {
   if (path == nullptr) return 0;
-  try {
+  return guarded_as(0, [&] {
     namespace cp = kerfline::platform::cp1252;
     const std::string file = iniFile != nullptr ? std::string(iniFile) : device_list_file();
     const std::string wanted = cp::to_upper(path);
@@ -167,12 +164,11 @@ KERFLINE_API int32_t IsInputPathUsed(const char* iniFile, const char* path) {
       if (cp::to_upper(ini::read_string(name, "DevIn", "", file)) == wanted) return 1;
     }
     return 0;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t CanDoSetup(const char* iniFile, const char* name) {
-  if (iniFile != nullptr) return CBaseDeviceSettings::IsSetupAllowed(name, iniFile);
-  return CBaseDeviceSettings::IsSetupAllowed(name, device_list_file_c());
+KERFLINE_API int32_t CanDoSetup(const char* iniFile, const char* name) noexcept {
+  return guarded_as(0, [iniFile, name] {
+    return CBaseDeviceSettings::IsSetupAllowed(name, iniFile != nullptr ? iniFile : device_list_file_c());
+  });
 }

@@ -57,6 +57,7 @@ std::string port_of(const std::string& name, const std::string& file) {
 
 void copy_cut(char* field, std::size_t width, const std::string& text) {
   const std::size_t n = std::min(text.size(), width - 1);
+  // NOLINTNEXTLINE(bugprone-not-null-terminated-result): the memset below ends the field with zeros
   std::memcpy(field, text.data(), n);
   std::memset(field + n, 0, width - n);
 }

@@ -111,7 +111,7 @@ CTcpIpClientDeviceSettings::~CTcpIpClientDeviceSettings() { delete m_pTcpIp; }
 void CTcpIpClientDeviceSettings::ReadFromIni(const char* szIniFile) {
   // The driver keys belong to the server's side here, so the driver class
   // is skipped.
-  CBaseDeviceSettings::ReadFromIni(szIniFile);
+  CBaseDeviceSettings::ReadFromIni(szIniFile);  // NOLINT(bugprone-parent-virtual-call)
   if (m_pTcpIp == nullptr || m_pBase == nullptr) return;
   guarded([&] {
     using kerfline::devconfig::read_text;
@@ -130,7 +130,8 @@ void CTcpIpClientDeviceSettings::ReadFromIni(const char* szIniFile) {
 }
 
 void CTcpIpClientDeviceSettings::WriteToIni(const char* szIniFile) {
-  CBaseDeviceSettings::WriteToIni(szIniFile);
+  // As in ReadFromIni: the driver keys are the server's.
+  CBaseDeviceSettings::WriteToIni(szIniFile);  // NOLINT(bugprone-parent-virtual-call)
   if (m_pTcpIp == nullptr || m_pBase == nullptr) return;
   guarded([&] {
     using kerfline::devconfig::int_text;

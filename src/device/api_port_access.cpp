@@ -1,6 +1,7 @@
 // The exported port-access functions. Handles cross the boundary as void*:
 // the HANDLE on Windows, the descriptor on POSIX; nothing is thrown out.
 #include "device/port_access.hpp"
+#include "platform/c_boundary.hpp"
 #include "platform/host_hooks.hpp"
 
 namespace {
@@ -20,8 +21,8 @@ constexpr int kStalledWrites = 3;
 extern "C" {
 
 KERFLINE_API int32_t ConnectToDevice(VMV6DRV* drv, const char* device, void** readHandle,
-                                     void** writeHandle) {
-  try {
+                                     void** writeHandle) noexcept {
+  kerfline::platform::guarded_void([drv, device, readHandle, writeHandle] {
     Handle read = readHandle != nullptr ? from_void(*readHandle) : port::kInvalidHandle;
     Handle write = writeHandle != nullptr ? from_void(*writeHandle) : port::kInvalidHandle;
     std::int32_t error = 1;
@@ -30,12 +31,11 @@ KERFLINE_API int32_t ConnectToDevice(VMV6DRV* drv, const char* device, void** re
     kerfline::device::OpenDevicePort(drv, device, &error, &read, &write);
     if (readHandle != nullptr) *readHandle = to_void(read);
     if (writeHandle != nullptr) *writeHandle = to_void(write);
-  } catch (...) {
-  }
+  });
   return 1;
 }
 
-KERFLINE_API int32_t WriteToDevice(void** handle, const void* bytes, uint32_t length) {
+KERFLINE_API int32_t WriteToDevice(void** handle, const void* bytes, uint32_t length) noexcept {
   if (handle == nullptr || bytes == nullptr || length == 0) return 1;
   const Handle h = from_void(*handle);
   if (!port::is_open_handle(h)) return 1;
@@ -50,15 +50,15 @@ KERFLINE_API int32_t WriteToDevice(void** handle, const void* bytes, uint32_t le
   return 1;
 }
 
-KERFLINE_API int32_t CloseDevice(void** readHandle, void** writeHandle) {
+KERFLINE_API int32_t CloseDevice(void** readHandle, void** writeHandle) noexcept {
   Handle read = readHandle != nullptr ? from_void(*readHandle) : port::kInvalidHandle;
   Handle write = writeHandle != nullptr ? from_void(*writeHandle) : port::kInvalidHandle;
   kerfline::device::close_pair(read, write);
   return 1;
 }
 
-KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const char* text) {
-  try {
+KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const char* text) noexcept {
+  return kerfline::platform::guarded_as(0, [drv, device, text] {
     using namespace kerfline::device;
     kerfline::platform::host::WaitCursor cursor;
     std::string usb_name;
@@ -83,9 +83,7 @@ KERFLINE_API int32_t DeviceWriteString(VMV6DRV* drv, const char* device, const c
     const port::IoResult r = port::write(write, bytes.data(), bytes.size());
     close_pair(read, write);
     return r.ok ? 1 : 0;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
 }  // extern "C"

@@ -1,17 +1,17 @@
 // The export through which processes share the data block.
 #include "device/shared_block.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 
 extern "C" {
 
-KERFLINE_API int32_t SharedDataMan(int32_t nOperation, uintptr_t nArgument) {
+KERFLINE_API int32_t SharedDataMan(int32_t nOperation, uintptr_t nArgument) noexcept {
   if (nOperation < 1 || nOperation > 55) return 0;
-  try {
+  // Only setting the block up can fail, and only for want of memory.
+  return kerfline::platform::guarded(KERFLINE_OUT_OF_MEMORY, [nOperation, nArgument] {
     return kerfline::device::run_shared_operation(kerfline::device::process_shared_block(), nOperation,
                                                   nArgument);
-  } catch (...) {
-    return -3;  // the block could not even be set up (out of memory)
-  }
+  });
 }
 
 }  // extern "C"

@@ -1,5 +1,6 @@
 // One question to the device and its answer, with the "readplt.log" a user
 // asks for by holding Ctrl and Shift.
+#include <cstdarg>
 #include <cstdio>
 #include <memory>
 
@@ -39,9 +40,14 @@ class QueryLog {
     printf("Instruction: %s\r\n", instruction.c_str());
   }
 
-  template <typename... Args>
-  void printf(const char* format, Args... args) {
-    if (file_) std::fprintf(file_.get(), format, args...);  // NOLINT
+  // Every call passes a literal format, which the attribute has the
+  // compiler check against the arguments.
+  __attribute__((format(printf, 2, 3))) void printf(const char* format, ...) {
+    if (!file_) return;
+    va_list args;
+    va_start(args, format);
+    std::vfprintf(file_.get(), format, args);
+    va_end(args);
   }
 
   void write_record(const port::IoResult& r) {

@@ -9,7 +9,6 @@ namespace kerfline::device {
 namespace {
 
 constexpr std::int32_t kDone = 1;
-constexpr std::int32_t kBadArgument = -2;
 constexpr std::int32_t kUnknown = 0;
 
 template <typename T>
@@ -31,7 +30,7 @@ std::atomic_ref<std::uint32_t> flags(SharedBlock& block) {
 template <typename T>
 std::int32_t set_value(T& field, std::uintptr_t argument) {
   const T* in = pointer<const T>(argument);
-  if (in == nullptr) return kBadArgument;
+  if (in == nullptr) return KERFLINE_BAD_ARGUMENT;
   field = *in;
   return kDone;
 }
@@ -39,14 +38,14 @@ std::int32_t set_value(T& field, std::uintptr_t argument) {
 template <typename T>
 std::int32_t get_value(const T& field, std::uintptr_t argument) {
   T* out = pointer<T>(argument);
-  if (out == nullptr) return kBadArgument;
+  if (out == nullptr) return KERFLINE_BAD_ARGUMENT;
   *out = field;
   return kDone;
 }
 
 std::int32_t put_blob(SharedBlock& block, std::uintptr_t argument) {
   const auto* blob = pointer<const SHAREDBLOB>(argument);
-  if (blob == nullptr || (blob->pData == nullptr && blob->nSize != 0)) return kBadArgument;
+  if (blob == nullptr || (blob->pData == nullptr && blob->nSize != 0)) return KERFLINE_BAD_ARGUMENT;
   const auto kept = static_cast<std::uint32_t>(std::min<std::size_t>(blob->nSize, kSharedBlobSize));
   if (kept != 0) std::memcpy(block.blob, blob->pData, kept);
   block.blob_size = kept;
@@ -55,7 +54,7 @@ std::int32_t put_blob(SharedBlock& block, std::uintptr_t argument) {
 
 std::int32_t take_blob(SharedBlock& block, std::uintptr_t argument) {
   auto* blob = pointer<SHAREDBLOB>(argument);
-  if (blob == nullptr || (blob->pData == nullptr && blob->nSize != 0)) return kBadArgument;
+  if (blob == nullptr || (blob->pData == nullptr && blob->nSize != 0)) return KERFLINE_BAD_ARGUMENT;
   const std::size_t count = std::min<std::size_t>(blob->nSize, kSharedBlobSize);
   if (count != 0) std::memcpy(blob->pData, block.blob, count);
   // Another process may have stored a size we would never write.
@@ -65,7 +64,7 @@ std::int32_t take_blob(SharedBlock& block, std::uintptr_t argument) {
 
 std::int32_t put_text(SharedBlock& block, std::uintptr_t argument) {
   const char* text = pointer<const char>(argument);
-  if (text == nullptr) return kBadArgument;
+  if (text == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::size_t length = bounded_length(text, sizeof block.text - 1);
   std::memcpy(block.text, text, length);
   block.text[length] = '\0';
@@ -74,7 +73,7 @@ std::int32_t put_text(SharedBlock& block, std::uintptr_t argument) {
 
 std::int32_t take_text(SharedBlock& block, std::uintptr_t argument) {
   char* out = pointer<char>(argument);
-  if (out == nullptr) return kBadArgument;
+  if (out == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::size_t length = bounded_length(block.text, sizeof block.text - 1);
   std::memcpy(out, block.text, length);
   out[length] = '\0';

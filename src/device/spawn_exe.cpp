@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/host_hooks.hpp"
 #include "platform/process.hpp"
 
@@ -82,15 +83,14 @@ std::int32_t spawn_and_wait(const char* command_line, std::int32_t show_command,
 
 extern "C" {
 
-KERFLINE_API int32_t SpawnExe(char* commandLine, int32_t showCommand, void* mode) {
-  try {
+KERFLINE_API int32_t SpawnExe(char* commandLine, int32_t showCommand, void* mode) noexcept {
+  // Only running out of memory before the child started can throw.
+  return kerfline::platform::guarded_as(0, [commandLine, showCommand, mode] {
     return kerfline::device::spawn_and_wait(commandLine, showCommand, mode == nullptr);
-  } catch (...) {
-    return 0;  // out of memory before the child started
-  }
+  });
 }
 
-KERFLINE_API int32_t KerflineCancelSpawnExe(void) {
+KERFLINE_API int32_t KerflineCancelSpawnExe(void) noexcept {
   const int32_t running = kerfline::device::g_waits_running.load();
   kerfline::device::g_cancel_requests.fetch_add(1);
   return running;

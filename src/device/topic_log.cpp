@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/ini.hpp"
 #include "platform/paths.hpp"
 
@@ -90,13 +91,12 @@ void write_topic_log(std::string_view topic, int action, std::string_view text) 
 
 extern "C" {
 
-KERFLINE_API int32_t LogFileMan(const char* topic, int32_t action, const char* text) {
+KERFLINE_API int32_t LogFileMan(const char* topic, int32_t action, const char* text) noexcept {
   if (topic == nullptr) return 1;
-  try {
+  // Log writing is not checked.
+  kerfline::platform::guarded_void([topic, action, text] {
     kerfline::device::write_topic_log(topic, action, text != nullptr ? text : "");
-  } catch (...) {
-    // Log writing is not checked.
-  }
+  });
   return 1;
 }
 

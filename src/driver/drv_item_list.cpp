@@ -53,8 +53,24 @@ void CDrvItemList::MapChild(CDrvItem* child) {
 }
 
 void CDrvItemList::AddChild(std::shared_ptr<CDrvItem> child) {
-  if (maps_built_) MapChild(child.get());
   children_.push_back(std::move(child));
+  if (!maps_built_) return;
+  try {
+    MapChild(children_.back().get());
+  } catch (...) {
+    // Out of memory half way through the maps: the child goes again and the
+    // maps are rebuilt from the children, so none names a child the list
+    // does not hold. Should that fail too, the maps are dropped.
+    children_.pop_back();
+    try {
+      BuildMaps();
+    } catch (...) {
+      by_name_.clear();
+      by_id_.clear();
+      maps_built_ = false;
+    }
+    throw;
+  }
 }
 
 bool CDrvItemList::RemoveChild(const CDrvItem* child) {

@@ -1,5 +1,6 @@
 #include "driver/vm6drv.hpp"
 
+#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -10,27 +11,59 @@
 
 namespace kerfline::driver {
 
-CVm6Drv::CVm6Drv(TextLookup lookup)
-    : lookup_(std::move(lookup)), texts_(lookup_), root_(std::make_shared<CDrvItemList>()) {}
+namespace {
 
-CVm6Drv::~CVm6Drv() = default;
+struct LiveDocuments {
+  std::mutex lock;
+  std::unordered_set<const CVm6Drv*> live;
+};
+
+LiveDocuments& live_documents() {
+  static auto* table = new LiveDocuments;  // never destroyed: documents may outlive static destruction
+  return *table;
+}
+
+}  // namespace
+
+CVm6Drv::CVm6Drv(TextLookup lookup)
+    : lookup_(std::move(lookup)), texts_(lookup_), root_(std::make_shared<CDrvItemList>()) {
+  LiveDocuments& table = live_documents();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  table.live.insert(this);
+}
+
+CVm6Drv::~CVm6Drv() {
+  LiveDocuments& table = live_documents();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  table.live.erase(this);
+}
+
+CVm6Drv* CVm6Drv::Live(const void* address) {
+  if (address == nullptr) return nullptr;
+  LiveDocuments& table = live_documents();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  const auto found = table.live.find(static_cast<const CVm6Drv*>(address));
+  return found != table.live.end() ? const_cast<CVm6Drv*>(*found) : nullptr;
+}
 
 void CVm6Drv::RefreshGroupList() {
   // Tree order, parents before children; a group that two parents share
-  // (a back-reference in the file) is listed once.
-  groups_.clear();
+  // (a back-reference in the file) is listed once. Built aside, so that
+  // running out of memory leaves the old list.
+  std::vector<std::weak_ptr<CDrvItemList>> groups;
   std::unordered_set<const CDrvItem*> seen{root_.get()};
   std::vector<std::shared_ptr<CDrvItemList>> stack{root_};
   while (!stack.empty()) {
     const auto group = stack.back();
     stack.pop_back();
-    if (group != root_) groups_.push_back(group);
+    if (group != root_) groups.push_back(group);
     const auto& children = group->GetChildren();
     for (auto it = children.rbegin(); it != children.rend(); ++it) {
       auto sub = std::dynamic_pointer_cast<CDrvItemList>(*it);
       if (sub && seen.insert(sub.get()).second) stack.push_back(std::move(sub));
     }
   }
+  groups_.swap(groups);
 }
 
 std::vector<std::shared_ptr<CDrvItemList>> CVm6Drv::Groups() const {
@@ -69,14 +102,15 @@ void CVm6Drv::MergeBaseDriver() {
     for (const auto& child : group.GetChildren()) {
       if (!seen.insert(child.get()).second) continue;
       const ArchiveClass& cls = child->GetClass();
-      if (&cls == &CDrvItemList::kClass)
+      if (&cls == &CDrvItemList::kClass) {
         groups.push_back(child);
-      else if (&cls == &CDrvItemDlgVar::kClass)
+      } else if (&cls == &CDrvItemDlgVar::kClass) {
         dialog_vars.push_back(child);
-      else if (&cls == &CDrvItemToolParmVar::kClass)
+      } else if (&cls == &CDrvItemToolParmVar::kClass) {
         tool_vars.push_back(child);
-      else if (&cls == &CDrvItem::kClass)
+      } else if (&cls == &CDrvItem::kClass) {
         plain.push_back(child);
+      }
     }
   };
   sort(base_driver_->Root());

@@ -31,6 +31,12 @@ class CVm6Drv {
   CVm6Drv(const CVm6Drv&) = delete;
   CVm6Drv& operator=(const CVm6Drv&) = delete;
 
+  // The document at `address` while it lives, else null. Every document is
+  // listed from construction to destruction, so a host record naming a
+  // freed or foreign object is refused without reading through it. (A new
+  // document built at a freed one's address is taken for it.)
+  static CVm6Drv* Live(const void* address);
+
   // Opens the file, looks at its header tag and reads it with the current
   // reader (a "VM6DRV"/"VM6DRV$" tag) or refuses it as a legacy file. A file
   // that cannot be opened is reported in a message box. On failure the

@@ -11,7 +11,7 @@ using kerfline::platform::guarded;
 
 extern "C" {
 
-KERFLINE_API const char* KerflineGetVersion(void) { return KERFLINE_VERSION_TEXT; }
+KERFLINE_API const char* KerflineGetVersion(void) noexcept { return KERFLINE_VERSION_TEXT; }
 
 KERFLINE_API int32_t KerflineSetHomeDir(const char* dir) noexcept {
   return guarded(KERFLINE_OUT_OF_MEMORY, [dir] {
@@ -30,7 +30,7 @@ KERFLINE_API int32_t KerflineGetHomeDir(char* buf, uint32_t size) noexcept {
   });
 }
 
-KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks) {
+KERFLINE_API int32_t KerflineSetHostHooks(const KERFLINE_HOST_HOOKS* hooks) noexcept {
   return kerfline::platform::host::install(hooks) ? 1 : -2;
 }
 

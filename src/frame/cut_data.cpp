@@ -51,13 +51,13 @@ void release_variables(CUTVAR* vars, std::int32_t count) {
 
 extern "C" {
 
-KERFLINE_API int32_t InitCutData(CUTDATA* data) {
+KERFLINE_API int32_t InitCutData(CUTDATA* data) noexcept {
   if (data == nullptr) return 0;
   std::memset(data, 0, sizeof(*data));
   return 1;
 }
 
-KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) {
+KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) noexcept {
   if (data == nullptr || variable == nullptr) return 0;
   const std::int32_t old_count = data->nVarCount < 0 ? 0 : data->nVarCount;
   char* value = copy_text(variable->pszValue);
@@ -66,7 +66,7 @@ KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) {
   if (vars == nullptr) {
     library_free(value);
     library_free(name);
-    return -3;
+    return KERFLINE_OUT_OF_MEMORY;
   }
   if (old_count > 0) {
     // Adding to existing variables drops the layers: hosts rely on adding
@@ -82,18 +82,18 @@ KERFLINE_API int32_t AddVariable(CUTDATA* data, const CUTVAR* variable) {
   return 1;
 }
 
-KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer) {
+KERFLINE_API int32_t AddLayer(CUTDATA* data, const CUTLAYER* layer) noexcept {
   if (data == nullptr || layer == nullptr) return 0;
   const std::int32_t old_count = data->nLayerCount < 0 ? 0 : data->nLayerCount;
   CUTLAYER* layers = with_room(data->pLayers, old_count);
-  if (layers == nullptr) return -3;
+  if (layers == nullptr) return KERFLINE_OUT_OF_MEMORY;
   layers[old_count] = *layer;
   data->pLayers = layers;
   data->nLayerCount = old_count + 1;
   return 1;
 }
 
-KERFLINE_API int32_t FreeCutData(CUTDATA* data) {
+KERFLINE_API int32_t FreeCutData(CUTDATA* data) noexcept {
   if (data == nullptr) return 0;
   if (data->nVarCount != 0) release_variables(data->pVars, data->nVarCount);
   if (data->nLayerCount != 0 && data->pLayers != nullptr) library_free(data->pLayers);

@@ -21,6 +21,7 @@
 #include "frame/variable_lookup.hpp"
 #include "frame/variable_values.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/decimal_text.hpp"
 #include "platform/library_memory.hpp"
 #include "platform/text_trim.hpp"
@@ -35,10 +36,6 @@ using driver::CVm6Drv;
 using platform::library_alloc;
 using platform::library_free;
 using platform::library_strdup;
-
-constexpr std::int32_t kBadArgument = -2;
-constexpr std::int32_t kNoMemory = -3;
-constexpr std::int32_t kNotFound = -5;
 
 const CDrvItemDlgVar* as_dialog(const CDrvItem* item) { return dynamic_cast<const CDrvItemDlgVar*>(item); }
 
@@ -130,18 +127,18 @@ std::optional<Default> default_of(CVm6Drv& doc, const CDrvItem& item) {
 }
 
 std::int32_t get_ext_parms(VMV6DLGVAR* var, DLGVAREXT* ext) {
-  if (ext == nullptr) return kBadArgument;
+  if (ext == nullptr) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_dialog_variable(var);
   if (found.item == nullptr) return found.status;
   std::memset(ext, 0, sizeof *ext);
   const CDrvItemDlgVar* dlg = as_dialog(found.item);
   if (dlg == nullptr || !dlg->Ext) return 0;
   fill_ext(*ext, *dlg->Ext);
-  return ext->nState == 0 ? 1 : kBadArgument;
+  return ext->nState == 0 ? 1 : KERFLINE_BAD_ARGUMENT;
 }
 
 std::int32_t get_data(VMV6DLGVAR* var, DLGVARDATA* data) {
-  if (data == nullptr) return kBadArgument;
+  if (data == nullptr) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_dialog_variable(var);
   if (found.item == nullptr) return found.status;
   fill_data(*found.item, *data);
@@ -149,7 +146,7 @@ std::int32_t get_data(VMV6DLGVAR* var, DLGVARDATA* data) {
 }
 
 std::int32_t get_ext_data(VMV6DLGVAR* var, EXTDLGVARDATA* data) {
-  if (data == nullptr) return kBadArgument;
+  if (data == nullptr) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_dialog_variable(var);
   if (found.item == nullptr) return found.status;
   std::memset(data, 0, sizeof *data);
@@ -164,7 +161,7 @@ std::int32_t get_ext_data(VMV6DLGVAR* var, EXTDLGVARDATA* data) {
 }
 
 std::int32_t get_default(VMV6DLGVAR* var, DLGVARDEFAULT* out) {
-  if (out == nullptr) return kBadArgument;
+  if (out == nullptr) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_dialog_variable(var);
   if (found.item == nullptr) return found.status;
   std::memset(out, 0, sizeof *out);
@@ -175,7 +172,7 @@ std::int32_t get_default(VMV6DLGVAR* var, DLGVARDEFAULT* out) {
   if (text == nullptr || shown == nullptr) {
     library_free(text);
     library_free(shown);
-    return kNoMemory;
+    return KERFLINE_OUT_OF_MEMORY;
   }
   out->pszDefault = text;
   out->pszShown = shown;
@@ -265,22 +262,23 @@ bool fill_entry(const Listed& from, DLGVARENTRY& e) {
 
 std::int32_t get_dlg_vars(VMV6DRV* drv, std::int32_t kind, void* owner, DLGVARLIST* list) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || list == nullptr) return kBadArgument;
+  if (doc == nullptr || list == nullptr) return KERFLINE_BAD_ARGUMENT;
   std::vector<Listed> found;
   if (kind == KERFLINE_VARKIND_DRIVER) {
     collect_tree(doc->Root(), found);
   } else if (kind == KERFLINE_VARKIND_OWNER || kind == KERFLINE_VARKIND_LAYER ||
              kind == KERFLINE_VARKIND_TOOLPARM) {
-    if (owner == nullptr) return kBadArgument;
-    const CDrvItemList* group = owner_group(owner, *doc);
+    if (owner == nullptr) return KERFLINE_BAD_ARGUMENT;
+    const std::shared_ptr<CDrvItemList> owner_list = owner_group(owner, *doc);
+    const CDrvItemList* group = owner_list.get();
     if (group != nullptr && kind == KERFLINE_VARKIND_LAYER)
       group = sub_list(*group, kLayerList, kLayerListType);
     if (group != nullptr && kind == KERFLINE_VARKIND_TOOLPARM)
       group = sub_list(*group, kToolParmList, kToolParmListType);
-    if (group == nullptr) return kNotFound;
+    if (group == nullptr) return KERFLINE_NOT_FOUND;
     collect_direct(*group, found);
   } else {
-    return kNotFound;
+    return KERFLINE_NOT_FOUND;
   }
   // First of a name wins, as in every lookup by name; names that do not fit
   // the entry are left out.
@@ -292,13 +290,13 @@ std::int32_t get_dlg_vars(VMV6DRV* drv, std::int32_t kind, void* owner, DLGVARLI
   }
   auto* entries =
       static_cast<DLGVARENTRY*>(library_alloc((kept.empty() ? 1 : kept.size()) * sizeof(DLGVARENTRY)));
-  if (entries == nullptr) return kNoMemory;
+  if (entries == nullptr) return KERFLINE_OUT_OF_MEMORY;
   std::memset(entries, 0, (kept.empty() ? 1 : kept.size()) * sizeof(DLGVARENTRY));
   for (std::size_t i = 0; i < kept.size(); ++i) {
     if (!fill_entry(kept[i], entries[i])) {
       for (std::size_t j = 0; j < i; ++j) free_entry(entries[j]);
       library_free(entries);
-      return kNoMemory;
+      return KERFLINE_OUT_OF_MEMORY;
     }
   }
   list->nCount = static_cast<std::int32_t>(kept.size());
@@ -308,7 +306,7 @@ std::int32_t get_dlg_vars(VMV6DRV* drv, std::int32_t kind, void* owner, DLGVARLI
 }
 
 std::int32_t free_dlg_vars(DLGVARLIST* list) {
-  if (list == nullptr) return kBadArgument;
+  if (list == nullptr) return KERFLINE_BAD_ARGUMENT;
   if (list->pEntries != nullptr) {
     for (std::int32_t i = 0; i < list->nCount; ++i) free_entry(list->pEntries[i]);
     library_free(list->pEntries);
@@ -320,7 +318,7 @@ std::int32_t free_dlg_vars(DLGVARLIST* list) {
 // ---- values ----------------------------------------------------------------
 
 std::int32_t get_var_val(VMV6VAR* var, char* buffer, std::int32_t size, std::int32_t* length) {
-  if (size < 0 || (buffer == nullptr && size > 0)) return kBadArgument;
+  if (size < 0 || (buffer == nullptr && size > 0)) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_variable(var);
   if (found.item == nullptr) return found.status;
   const std::string value = found.item->GetValue();
@@ -340,7 +338,7 @@ std::string shortest(double v) {
 }
 
 std::int32_t get_var_vals(VMV6DLGVAR* var, VARVAL** values, std::int32_t* count) {
-  if (values == nullptr || count == nullptr) return kBadArgument;
+  if (values == nullptr || count == nullptr) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_dialog_variable(var);
   if (found.item == nullptr) return found.status;
   const CDrvItemDlgVar* dlg = as_dialog(found.item);
@@ -350,7 +348,7 @@ std::int32_t get_var_vals(VMV6DLGVAR* var, VARVAL** values, std::int32_t* count)
     numbers = {0.0, 1.0};
   } else if (dlg != nullptr && dlg->Ext) {
     const auto& ext = *dlg->Ext;
-    if (range_state(ext) != 0) return kBadArgument;
+    if (range_state(ext) != 0) return KERFLINE_BAD_ARGUMENT;
     // The tolerance keeps a last step that rounding put a hair beyond Max.
     const double steps = ext.Increments > 0 ? std::floor((ext.Max - ext.Min) / ext.Increments + 1e-9) : -1;
     if (steps < 0 || steps >= KERFLINE_VARVALS_MAX) {
@@ -363,7 +361,7 @@ std::int32_t get_var_vals(VMV6DLGVAR* var, VARVAL** values, std::int32_t* count)
     result = 0;
   }
   auto* block = static_cast<VARVAL*>(library_alloc((numbers.empty() ? 1 : numbers.size()) * sizeof(VARVAL)));
-  if (block == nullptr) return kNoMemory;
+  if (block == nullptr) return KERFLINE_OUT_OF_MEMORY;
   const auto format = parse_dialog_format(format_of(*found.item));
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     std::memset(&block[i], 0, sizeof block[i]);
@@ -465,7 +463,7 @@ std::optional<std::size_t> length_limit(const CDrvItem& item) {
 }
 
 std::int32_t check_mat_var_val(VMV6VAR* var, const char* value, std::int32_t* reason) {
-  if (value == nullptr) return kBadArgument;
+  if (value == nullptr) return KERFLINE_BAD_ARGUMENT;
   const Lookup found = find_variable(var);
   if (found.item == nullptr) return found.status;
   const std::string_view text(value);
@@ -488,71 +486,63 @@ std::int32_t check_mat_var_val(VMV6VAR* var, const char* value, std::int32_t* re
   return why == 0 ? 1 : 0;
 }
 
-template <typename F>
-std::int32_t guarded(F&& f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc&) {
-    return kNoMemory;
-  } catch (...) {
-    return kBadArgument;
-  }
-}
-
 }  // namespace
 }  // namespace kerfline::frame
 
-using kerfline::frame::guarded;
+using kerfline::platform::guarded;
 
 extern "C" {
 
-KERFLINE_API int32_t GetDlgVarExtParms(VMV6DLGVAR* var, DLGVAREXT* ext) {
-  return guarded([&] { return kerfline::frame::get_ext_parms(var, ext); });
+KERFLINE_API int32_t GetDlgVarExtParms(VMV6DLGVAR* var, DLGVAREXT* ext) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_ext_parms(var, ext); });
 }
 
-KERFLINE_API int32_t GetDlgVarData(VMV6DLGVAR* var, DLGVARDATA* data) {
-  return guarded([&] { return kerfline::frame::get_data(var, data); });
+KERFLINE_API int32_t GetDlgVarData(VMV6DLGVAR* var, DLGVARDATA* data) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_data(var, data); });
 }
 
-KERFLINE_API int32_t GetExtDlgVarData(VMV6DLGVAR* var, EXTDLGVARDATA* data) {
-  return guarded([&] { return kerfline::frame::get_ext_data(var, data); });
+KERFLINE_API int32_t GetExtDlgVarData(VMV6DLGVAR* var, EXTDLGVARDATA* data) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_ext_data(var, data); });
 }
 
-KERFLINE_API int32_t GetDlgDefaultEx(VMV6DLGVAR* var, DLGVARDEFAULT* def) {
-  return guarded([&] { return kerfline::frame::get_default(var, def); });
+KERFLINE_API int32_t GetDlgDefaultEx(VMV6DLGVAR* var, DLGVARDEFAULT* def) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_default(var, def); });
 }
 
-KERFLINE_API int32_t FreeDlgDefaultEx(DLGVARDEFAULT* def) {
-  if (def == nullptr) return -2;
+KERFLINE_API int32_t FreeDlgDefaultEx(DLGVARDEFAULT* def) noexcept {
+  if (def == nullptr) return KERFLINE_BAD_ARGUMENT;
   kerfline::platform::library_free(def->pszDefault);
   kerfline::platform::library_free(def->pszShown);
   std::memset(def, 0, sizeof *def);
   return 1;
 }
 
-KERFLINE_API int32_t IsRelativeFlag(VMV6DLGVAR* var) {
-  return guarded([&] { return kerfline::frame::is_relative(var); });
+KERFLINE_API int32_t IsRelativeFlag(VMV6DLGVAR* var) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::is_relative(var); });
 }
 
-KERFLINE_API int32_t GetDlgVars(VMV6DRV* drv, int32_t kind, void* owner, DLGVARLIST* list) {
-  return guarded([&] { return kerfline::frame::get_dlg_vars(drv, kind, owner, list); });
+KERFLINE_API int32_t GetDlgVars(VMV6DRV* drv, int32_t kind, void* owner, DLGVARLIST* list) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT,
+                 [&] { return kerfline::frame::get_dlg_vars(drv, kind, owner, list); });
 }
 
-KERFLINE_API int32_t FreeDlgVars(DLGVARLIST* list) { return kerfline::frame::free_dlg_vars(list); }
+KERFLINE_API int32_t FreeDlgVars(DLGVARLIST* list) noexcept { return kerfline::frame::free_dlg_vars(list); }
 
-KERFLINE_API int32_t GetVarVal(VMV6VAR* var, char* buffer, int32_t size, int32_t* length) {
-  return guarded([&] { return kerfline::frame::get_var_val(var, buffer, size, length); });
+KERFLINE_API int32_t GetVarVal(VMV6VAR* var, char* buffer, int32_t size, int32_t* length) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT,
+                 [&] { return kerfline::frame::get_var_val(var, buffer, size, length); });
 }
 
-KERFLINE_API int32_t GetVarVals(VMV6DLGVAR* var, VARVAL** values, int32_t* count) {
-  return guarded([&] { return kerfline::frame::get_var_vals(var, values, count); });
+KERFLINE_API int32_t GetVarVals(VMV6DLGVAR* var, VARVAL** values, int32_t* count) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_var_vals(var, values, count); });
 }
 
 // One body with FreeCutDeviceList: both hand a single library block back.
-KERFLINE_API void FreeVarVals(void* values) { kerfline::platform::library_free(values); }
+KERFLINE_API void FreeVarVals(void* values) noexcept { kerfline::platform::library_free(values); }
 
-KERFLINE_API int32_t CheckMatVarVal(VMV6VAR* var, const char* value, int32_t* reason) {
-  return guarded([&] { return kerfline::frame::check_mat_var_val(var, value, reason); });
+KERFLINE_API int32_t CheckMatVarVal(VMV6VAR* var, const char* value, int32_t* reason) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT,
+                 [&] { return kerfline::frame::check_mat_var_val(var, value, reason); });
 }
 
 }  // extern "C"

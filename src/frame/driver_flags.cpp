@@ -9,6 +9,7 @@
 #include "frame/driver_handle.hpp"
 #include "frame/tool_flags.hpp"
 #include "platform/binary_file.hpp"
+#include "platform/c_boundary.hpp"
 #include "platform/codepage.hpp"
 
 namespace kerfline::frame {
@@ -118,10 +119,10 @@ const std::string* tool_of(const char* name, std::string& storage) {
 
 extern "C" {
 
-KERFLINE_API int32_t GetFlags(const char* path, const char* toolName, uint32_t* flags) {
-  if (path == nullptr || *path == '\0' || flags == nullptr) return -2;
+KERFLINE_API int32_t GetFlags(const char* path, const char* toolName, uint32_t* flags) noexcept {
+  if (path == nullptr || *path == '\0' || flags == nullptr) return KERFLINE_BAD_ARGUMENT;
   *flags = 0;
-  try {
+  return kerfline::platform::guarded_as(0, [path, toolName, flags] {
     std::string storage;
     const std::string* tool = tool_of(toolName, storage);
     if (kerfline::frame::is_fixed_layout_path(path)) {
@@ -134,22 +135,18 @@ KERFLINE_API int32_t GetFlags(const char* path, const char* toolName, uint32_t* 
     if (doc == nullptr) return 0;
     *flags = kerfline::frame::document_flags(*doc, tool);
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t GetDrvFlags(VMV6DRV* drv, const char* toolName, uint32_t* flags) {
-  if (drv == nullptr || flags == nullptr) return -2;
+KERFLINE_API int32_t GetDrvFlags(VMV6DRV* drv, const char* toolName, uint32_t* flags) noexcept {
+  if (drv == nullptr || flags == nullptr) return KERFLINE_BAD_ARGUMENT;
   kerfline::driver::CVm6Drv* doc = kerfline::frame::document_of(drv);
   if (doc == nullptr) return 0;
-  try {
+  return kerfline::platform::guarded_as(0, [doc, toolName, flags] {
     std::string storage;
     *flags |= kerfline::frame::document_flags(*doc, tool_of(toolName, storage));
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
 }  // extern "C"

@@ -6,16 +6,12 @@
 
 #include "driver/vm6drv.hpp"
 #include "frame/library_start.hpp"
+#include "platform/c_boundary.hpp"
 #include "support/config_set.hpp"
 
 namespace kerfline::frame {
 
 namespace {
-
-constexpr int32_t kOpened = 1;
-constexpr int32_t kBadArgument = -2;
-constexpr int32_t kNoMemory = -3;
-constexpr int32_t kUnreadable = -4;
 
 bool has_file_name(const VMV6DRV* drv) { return drv != nullptr && drv->szFileName[0] != '\0'; }
 
@@ -29,27 +25,22 @@ void run_config_set_self_test() {
 }
 
 // InitDrv and InitDrvS: the record changes only on success; the caller
-// decides what a failure leaves behind.
+// decides what a failure leaves behind. Throws bad_alloc.
 int32_t open_into(VMV6DRV* drv) {
-  if (!has_file_name(drv)) return kBadArgument;
+  if (!has_file_name(drv)) return KERFLINE_BAD_ARGUMENT;
   run_config_set_self_test();
-  std::unique_ptr<driver::CVm6Drv> doc;
-  try {
-    doc = new_document(drv->nAppMode != 0);
-  } catch (const std::bad_alloc&) {
-    return kNoMemory;
-  }
-  if (!doc->LoadDriver(file_name_of(drv))) return kUnreadable;
+  std::unique_ptr<driver::CVm6Drv> doc = new_document(drv->nAppMode != 0);
+  if (!doc->LoadDriver(file_name_of(drv))) return KERFLINE_FILE_UNREADABLE;
   doc->PendingState = 0;
   drv->pDrv = doc.release();
-  return kOpened;
+  return KERFLINE_SUCCESS;
 }
 
 }  // namespace
 
 driver::CVm6Drv* document_of(const VMV6DRV* drv) {
   if (drv == nullptr) return nullptr;
-  return static_cast<driver::CVm6Drv*>(drv->pDrv);
+  return driver::CVm6Drv::Live(drv->pDrv);
 }
 
 std::string file_name_of(const VMV6DRV* drv) {
@@ -76,63 +67,57 @@ std::unique_ptr<driver::CVm6Drv> open_document(const std::string& path, bool app
 }  // namespace kerfline::frame
 
 using kerfline::frame::document_of;
+using kerfline::platform::guarded;
+using kerfline::platform::guarded_as;
 
 extern "C" {
 
-KERFLINE_API int32_t InitDrv(VMV6DRV* drv) {
-  try {
+KERFLINE_API int32_t InitDrv(VMV6DRV* drv) noexcept {
+  const int32_t result = guarded(KERFLINE_FILE_UNREADABLE, [drv] {
     kerfline::frame::ensure_resources_loaded();
-    const int32_t result = kerfline::frame::open_into(drv);
-    if (result != kerfline::frame::kOpened && result != kerfline::frame::kBadArgument) {
-      std::memset(drv, 0, sizeof(*drv));
-    }
-    return result;
-  } catch (...) {
-    if (drv != nullptr) std::memset(drv, 0, sizeof(*drv));
-    return kerfline::frame::kUnreadable;
-  }
-}
-
-KERFLINE_API int32_t InitDrvS(VMV6DRV* drv) {
-  try {
     return kerfline::frame::open_into(drv);
-  } catch (...) {
-    return kerfline::frame::kUnreadable;
+  });
+  if (drv != nullptr && result != KERFLINE_SUCCESS && result != KERFLINE_BAD_ARGUMENT) {
+    std::memset(drv, 0, sizeof(*drv));
   }
+  return result;
 }
 
-KERFLINE_API int32_t InitDrvQuick(VMV6DRV* drv) {
-  if (drv == nullptr) return kerfline::frame::kBadArgument;
-  try {
+KERFLINE_API int32_t InitDrvS(VMV6DRV* drv) noexcept {
+  return guarded(KERFLINE_FILE_UNREADABLE, [drv] { return kerfline::frame::open_into(drv); });
+}
+
+KERFLINE_API int32_t InitDrvQuick(VMV6DRV* drv) noexcept {
+  if (drv == nullptr) return KERFLINE_BAD_ARGUMENT;
+  return guarded_as(KERFLINE_OUT_OF_MEMORY, [drv] {
     drv->pDrv = kerfline::frame::new_document(drv->nAppMode != 0).release();
-    return kerfline::frame::kOpened;
-  } catch (...) {
-    return kerfline::frame::kNoMemory;
-  }
+    return KERFLINE_SUCCESS;
+  });
 }
 
-KERFLINE_API int32_t FreeDrv(VMV6DRV* drv) {
-  if (!kerfline::frame::has_file_name(drv) || drv->pDrv == nullptr) return kerfline::frame::kBadArgument;
-  delete document_of(drv);
-  drv->pDrv = nullptr;
-  return 1;
-}
-
-KERFLINE_API int32_t StoreDrv(VMV6DRV* drv) {
-  if (!kerfline::frame::has_file_name(drv) || drv->pDrv == nullptr) return kerfline::frame::kBadArgument;
-  try {
-    // A failed write has already been shown to the user by the writer.
-    (void)document_of(drv)->StoreDriver(kerfline::frame::file_name_of(drv));
-  } catch (...) {
-  }
-  return 1;
-}
-
-KERFLINE_API int32_t SetDllMode(VMV6DRV* drv) {
+KERFLINE_API int32_t FreeDrv(VMV6DRV* drv) noexcept {
   kerfline::driver::CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr) return kerfline::frame::kBadArgument;
+  if (!kerfline::frame::has_file_name(drv) || doc == nullptr) return KERFLINE_BAD_ARGUMENT;
+  delete doc;
+  drv->pDrv = nullptr;
+  return KERFLINE_SUCCESS;
+}
+
+KERFLINE_API int32_t StoreDrv(VMV6DRV* drv) noexcept {
+  kerfline::driver::CVm6Drv* doc = document_of(drv);
+  if (!kerfline::frame::has_file_name(drv) || doc == nullptr) return KERFLINE_BAD_ARGUMENT;
+  // A failed write has already been shown to the user by the writer.
+  return guarded_as(KERFLINE_SUCCESS, [drv, doc] {
+    (void)doc->StoreDriver(kerfline::frame::file_name_of(drv));
+    return KERFLINE_SUCCESS;
+  });
+}
+
+KERFLINE_API int32_t SetDllMode(VMV6DRV* drv) noexcept {
+  kerfline::driver::CVm6Drv* doc = document_of(drv);
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
   doc->SetDllMode();
-  return 1;
+  return KERFLINE_SUCCESS;
 }
 
 }  // extern "C"

@@ -15,7 +15,8 @@ class CVm6Drv;
 namespace kerfline::frame {
 
 // The open document of the record; null for a null record or a record that is
-// not open (pDrv null).
+// not open: pDrv null, or naming no live document (a copy of a freed record, a
+// forged pointer). pDrv is compared with the live documents, never followed.
 driver::CVm6Drv* document_of(const VMV6DRV* drv);
 
 // The record's file name as a string (it need not be terminated within its

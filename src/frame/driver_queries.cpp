@@ -8,6 +8,7 @@
 #include "frame/library_start.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/binary_file.hpp"
+#include "platform/c_boundary.hpp"
 
 namespace {
 
@@ -30,9 +31,9 @@ std::string stored_name(const std::string& path) {
 
 extern "C" {
 
-KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size) {
+KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size) noexcept {
   if (path == nullptr) return 0;
-  try {
+  return kerfline::platform::guarded_as(0, [path, buffer, size] {
     const std::string name =
         kerfline::frame::is_fixed_layout_path(path) ? fixed_layout_name(path) : stored_name(path);
     const auto needed = static_cast<int64_t>(name.size()) + 1;
@@ -41,29 +42,25 @@ KERFLINE_API int32_t GetDrvName(const char* path, char* buffer, int32_t size) {
     if (buffer == nullptr || size <= needed) return static_cast<int32_t>(-needed);
     std::memcpy(buffer, name.c_str(), name.size() + 1);
     return static_cast<int32_t>(name.size());
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t GetDrvClass2(VMV6DRV* drv, char* buffer, uint32_t size) {
+KERFLINE_API int32_t GetDrvClass2(VMV6DRV* drv, char* buffer, uint32_t size) noexcept {
   kerfline::driver::CVm6Drv* doc = kerfline::frame::document_of(drv);
-  if (doc == nullptr) return -2;
-  try {
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
+  return kerfline::platform::guarded_as(0, [doc, buffer, size] {
     const kerfline::driver::CDrvItem* item = doc->FindItem(KERFLINE_DRIVER_CLASS_ITEM);
     if (item == nullptr) return 0;
     const std::string text = item->GetValue();
     if (buffer != nullptr && text.size() < size) std::memcpy(buffer, text.c_str(), text.size() + 1);
     return static_cast<int32_t>(text.size());
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size) {
+KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size) noexcept {
   // Hosts have always received 1 when the driver could not be opened.
   constexpr int32_t kNotOpened = 1;
-  try {
+  return kerfline::platform::guarded_as(kNotOpened, [path, buffer, size] {
     kerfline::frame::ensure_translation_started();
     if (path == nullptr) return kNotOpened;
     const auto doc = kerfline::frame::open_document(path, false);
@@ -71,9 +68,7 @@ KERFLINE_API int32_t GetDrvClass(const char* path, char* buffer, uint32_t size) 
     VMV6DRV local{};
     local.pDrv = doc.get();
     return GetDrvClass2(&local, buffer, size);
-  } catch (...) {
-    return kNotOpened;
-  }
+  });
 }
 
 }  // extern "C"

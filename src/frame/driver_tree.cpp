@@ -1,6 +1,8 @@
 #include "frame/driver_tree.hpp"
 
 #include <cstring>
+#include <mutex>
+#include <unordered_map>
 
 namespace kerfline::frame {
 
@@ -26,14 +28,28 @@ CDrvItemList* find_group(driver::CVm6Drv& doc, Match match) {
   return nullptr;
 }
 
-// Guards against records that never came from the list functions.
-constexpr std::uint64_t kOwnerMagic = 0x4B46'4F57'4E45'5231ULL;
-
-struct OwnerRef {
-  std::uint64_t magic = kOwnerMagic;
-  const driver::CVm6Drv* doc = nullptr;
+// The references handed out in DRVTOOL/DRVMATERIAL records. A record holds
+// only a number, never an address: the table says what the number stands
+// for, so a record that was released, copied before its release, or never
+// made by the list functions is refused without reading anything through it.
+// Numbers are not reused.
+struct OwnerEntry {
+  const driver::CVm6Drv* doc = nullptr;  // compared, never followed
   std::weak_ptr<CDrvItemList> group;
 };
+
+struct OwnerTable {
+  std::mutex lock;
+  std::unordered_map<std::uintptr_t, OwnerEntry> live;
+  std::uintptr_t last = 0;
+};
+
+OwnerTable& owner_table() {
+  static auto* table = new OwnerTable;  // never destroyed: records may be released during unload
+  return *table;
+}
+
+std::uintptr_t owner_number(const void* ref) { return reinterpret_cast<std::uintptr_t>(ref); }
 
 }  // namespace
 
@@ -80,28 +96,36 @@ std::int32_t own_variable_count(const CDrvItemList& group) {
   return n;
 }
 
-CDrvItemList* owner_group(const void* record, const driver::CVm6Drv& doc) {
+std::shared_ptr<CDrvItemList> owner_group(const void* record, const driver::CVm6Drv& doc) {
   if (record == nullptr) return nullptr;
   void* item = nullptr;
   std::memcpy(&item, record, sizeof item);  // both records begin with pItem
-  const auto* ref = static_cast<const OwnerRef*>(item);
-  if (ref == nullptr || ref->magic != kOwnerMagic || ref->doc != &doc) return nullptr;
+  if (item == nullptr) return nullptr;
+  OwnerTable& table = owner_table();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  const auto found = table.live.find(owner_number(item));
+  if (found == table.live.end() || found->second.doc != &doc) return nullptr;
   // The document keeps its groups alive; a removed one has expired.
-  return ref->group.lock().get();
+  return found->second.group.lock();
 }
 
 void* make_owner_ref(const driver::CVm6Drv& doc, const std::shared_ptr<CDrvItemList>& group) {
-  auto* ref = new OwnerRef;
-  ref->doc = &doc;
-  ref->group = group;
-  return ref;
+  OwnerTable& table = owner_table();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  std::uintptr_t number = table.last + 1;
+  if (number == 0) number = 1;  // after wrapping round (32-bit): null means no reference
+  table.live.emplace(number, OwnerEntry{&doc, group});
+  table.last = number;
+  // An integer carried in the record's pointer field; it is only ever looked
+  // up in the table.
+  return reinterpret_cast<void*>(number);
 }
 
 void release_owner_ref(void* ref) {
-  auto* owner = static_cast<OwnerRef*>(ref);
-  if (owner == nullptr || owner->magic != kOwnerMagic) return;
-  owner->magic = 0;
-  delete owner;
+  if (ref == nullptr) return;
+  OwnerTable& table = owner_table();
+  const std::lock_guard<std::mutex> guard(table.lock);
+  table.live.erase(owner_number(ref));
 }
 
 }  // namespace kerfline::frame

@@ -40,12 +40,15 @@ driver::CDrvItem* own_variable(driver::CDrvItemList& group, const std::string& n
 std::int32_t own_variable_count(const driver::CDrvItemList& group);
 
 // The group a DRVTOOL or DRVMATERIAL record refers to: null when the record
-// was released, its tool or material is gone, or it belongs to another
-// driver document.
-driver::CDrvItemList* owner_group(const void* record, const driver::CVm6Drv& doc);
+// was released (also a copy taken before), its tool or material is gone, it
+// belongs to another driver document, or it never came from the list
+// functions. Nothing is read through the record's pItem. Keep the result for
+// as long as the group is used.
+std::shared_ptr<driver::CDrvItemList> owner_group(const void* record, const driver::CVm6Drv& doc);
 
-// The reference kept in the record's pItem: made by the list functions,
-// released by FreeTool/FreeMaterial.
+// The reference kept in the record's pItem, a number looked up in a table of
+// live references: made by the list functions (throws bad_alloc), released
+// by FreeTool/FreeMaterial (an unknown reference is ignored).
 void* make_owner_ref(const driver::CVm6Drv& doc, const std::shared_ptr<driver::CDrvItemList>& group);
 void release_owner_ref(void* ref);
 

@@ -5,17 +5,17 @@
 
 extern "C" {
 
-KERFLINE_API int32_t AddObjects(void) { return 1; }
-KERFLINE_API int32_t Log(void) { return 1; }
-KERFLINE_API int32_t ReadFromDevice(void) { return 1; }
-KERFLINE_API int32_t SerializeCutData(void) { return 1; }
-KERFLINE_API int32_t DoDeviceSetupDlgTest(void) { return 1; }
-KERFLINE_API int32_t WriteDeviceFlags(void) { return 1; }
-KERFLINE_API int32_t IsRemoteAvailable(void) { return 1; }
-KERFLINE_API int32_t QuickRead(void) { return 0; }
-KERFLINE_API int32_t ReadDeviceValsEx(void) { return 0; }
+KERFLINE_API int32_t AddObjects(void) noexcept { return 1; }
+KERFLINE_API int32_t Log(void) noexcept { return 1; }
+KERFLINE_API int32_t ReadFromDevice(void) noexcept { return 1; }
+KERFLINE_API int32_t SerializeCutData(void) noexcept { return 1; }
+KERFLINE_API int32_t DoDeviceSetupDlgTest(void) noexcept { return 1; }
+KERFLINE_API int32_t WriteDeviceFlags(void) noexcept { return 1; }
+KERFLINE_API int32_t IsRemoteAvailable(void) noexcept { return 1; }
+KERFLINE_API int32_t QuickRead(void) noexcept { return 0; }
+KERFLINE_API int32_t ReadDeviceValsEx(void) noexcept { return 0; }
 
-KERFLINE_API int32_t QuickFree(void* block) {
+KERFLINE_API int32_t QuickFree(void* block) noexcept {
   kerfline::platform::library_free(block);
   return 1;
 }

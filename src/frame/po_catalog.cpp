@@ -41,7 +41,7 @@ class Reader {
 
  private:
   void keyword_line(std::string_view text);
-  void append(Field field, std::string value);
+  void append(Field field, const std::string& value);
 
   Entry entry_;
   bool pending_fuzzy_ = false;
@@ -83,7 +83,7 @@ void Reader::line(std::string_view text) {
       entry_.broken = true;
       return;
     }
-    append(entry_.field, std::move(*value));
+    append(entry_.field, *value);
     return;
   }
   keyword_line(text);
@@ -131,10 +131,10 @@ void Reader::keyword_line(std::string_view text) {
   if (field == Field::kContext) entry_.context.emplace();
   if (field == Field::kStr0) entry_.str0.emplace();
   entry_.field = field;
-  append(field, std::move(*value));
+  append(field, *value);
 }
 
-void Reader::append(Field field, std::string value) {
+void Reader::append(Field field, const std::string& value) {
   switch (field) {
     case Field::kId:
       *entry_.id += value;

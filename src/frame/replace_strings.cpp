@@ -10,6 +10,8 @@
 #include "frame/library_start.hpp"
 #include "frame/var_names.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
+#include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
 
@@ -44,22 +46,20 @@ std::size_t apply_group(const driver::CDrvItemList& group, std::string& text, in
 
 extern "C" {
 
-KERFLINE_API char* ReplaceStringsFromDriver(VMV6DRV* drv, const char* text, int32_t* count) {
+KERFLINE_API char* ReplaceStringsFromDriver(VMV6DRV* drv, const char* text, int32_t* count) noexcept {
   if (count != nullptr) *count = 0;
   kerfline::driver::CVm6Drv* doc = kerfline::frame::document_of(drv);
   if (doc == nullptr || text == nullptr) return nullptr;
-  try {
+  return kerfline::platform::guarded_pointer([doc, text, count]() -> char* {
     kerfline::frame::ensure_resources_loaded();
     std::string result = text;
     const std::size_t replaced = kerfline::frame::apply_group(doc->Root(), result, 0);
-    auto* block = static_cast<char*>(std::malloc(result.size() + 1));
+    auto* block = static_cast<char*>(kerfline::platform::c_runtime_alloc(result.size() + 1));
     if (block == nullptr) return nullptr;
     std::memcpy(block, result.c_str(), result.size() + 1);
     if (count != nullptr) *count = static_cast<int32_t>(replaced);
     return block;
-  } catch (...) {
-    return nullptr;
-  }
+  });
 }
 
 }  // extern "C"

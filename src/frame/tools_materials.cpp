@@ -6,6 +6,7 @@
 #include "frame/driver_tree.hpp"
 #include "frame/shown_text.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
@@ -36,13 +37,20 @@ void clear_material(DRVMATERIAL& material) {
 std::int32_t fill_tool(const CVm6Drv& doc, const std::shared_ptr<CDrvItemList>& group, std::int32_t index,
                        DRVTOOL& tool) {
   std::memset(&tool, 0, sizeof tool);
-  tool.pszName = library_strdup(shown_text(kShowToolName, group->Name));
-  tool.pszType = library_strdup(group->GetValue());
+  // The reference first: a failure after it leaves nothing behind in the
+  // record (clear_tool releases it with the texts).
+  tool.pItem = make_owner_ref(doc, group);
+  try {
+    tool.pszName = library_strdup(shown_text(kShowToolName, group->Name));
+    tool.pszType = library_strdup(group->GetValue());
+  } catch (...) {
+    clear_tool(tool);
+    throw;
+  }
   if (tool.pszName == nullptr || tool.pszType == nullptr) {
     clear_tool(tool);
-    return -3;
+    return KERFLINE_OUT_OF_MEMORY;
   }
-  tool.pItem = make_owner_ref(doc, group);
   tool.nIndex = index;
   tool.nVarCount = own_variable_count(*group);
   return 1;
@@ -51,9 +59,17 @@ std::int32_t fill_tool(const CVm6Drv& doc, const std::shared_ptr<CDrvItemList>& 
 std::int32_t fill_material(const CVm6Drv& doc, const std::shared_ptr<CDrvItemList>& group, std::int32_t index,
                            DRVMATERIAL& material) {
   std::memset(&material, 0, sizeof material);
-  material.pszName = library_strdup(shown_text(kShowMaterialName, group->Name));
-  if (material.pszName == nullptr) return -3;
   material.pItem = make_owner_ref(doc, group);
+  try {
+    material.pszName = library_strdup(shown_text(kShowMaterialName, group->Name));
+  } catch (...) {
+    clear_material(material);
+    throw;
+  }
+  if (material.pszName == nullptr) {
+    clear_material(material);
+    return KERFLINE_OUT_OF_MEMORY;
+  }
   material.nIndex = index;
   material.nVarCount = own_variable_count(*group);
   return 1;
@@ -68,7 +84,7 @@ std::int32_t next_index(std::int32_t index, const void* item) {
 
 std::int32_t list_tool(VMV6DRV* drv, DRVTOOL* tool, bool first) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || tool == nullptr) return -2;
+  if (doc == nullptr || tool == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::int32_t index = first ? 0 : next_index(tool->nIndex, tool->pItem);
   if (!first) clear_tool(*tool);
   const auto tools = member_groups(tools_group(*doc));
@@ -81,7 +97,7 @@ std::int32_t list_tool(VMV6DRV* drv, DRVTOOL* tool, bool first) {
 
 std::int32_t list_material(VMV6DRV* drv, DRVMATERIAL* material, bool first) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || material == nullptr) return -2;
+  if (doc == nullptr || material == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::int32_t index = first ? 0 : next_index(material->nIndex, material->pItem);
   if (!first) clear_material(*material);
   const auto materials = member_groups(materials_group(*doc));
@@ -115,31 +131,48 @@ std::shared_ptr<CDrvItemList> new_material(const CVm6Drv& doc, const std::string
 
 std::int32_t add_material(VMV6DRV* drv, const char* name, DRVMATERIAL* out) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || name == nullptr || *name == '\0') return -2;
+  if (doc == nullptr || name == nullptr || *name == '\0') return KERFLINE_BAD_ARGUMENT;
   CDrvItemList* container = materials_group(*doc);
+  std::shared_ptr<CDrvItemList> new_container;
   if (container == nullptr) {
-    auto added = std::make_shared<CDrvItemList>();
-    added->Name = kMaterialsGroup;
-    container = added.get();
-    doc->Root().AddChild(std::move(added));
+    new_container = std::make_shared<CDrvItemList>();
+    new_container->Name = kMaterialsGroup;
+    container = new_container.get();
   }
   const auto materials = member_groups(container);
   for (const auto& material : materials) {
     if (material->Name == name) return 0;
   }
+  // Everything that can run out of memory before the document changes, and
+  // the change undone when attaching fails: -3 leaves the driver as it was.
   auto material = new_material(*doc, name);
-  container->AddChild(material);
-  doc->RefreshGroupList();
+  DRVMATERIAL filled{};
+  if (out != nullptr) {
+    const std::int32_t result =
+        fill_material(*doc, material, static_cast<std::int32_t>(materials.size()), filled);
+    if (result != 1) return result;
+  }
+  try {
+    container->AddChild(material);
+    if (new_container) doc->Root().AddChild(new_container);
+    doc->RefreshGroupList();
+  } catch (...) {
+    if (new_container) {
+      doc->Root().RemoveChild(new_container.get());
+    } else {
+      container->RemoveChild(material.get());
+    }
+    clear_material(filled);
+    throw;
+  }
   doc->PendingState = 0;
-  if (out == nullptr) return 1;
-  const std::int32_t filled =
-      fill_material(*doc, material, static_cast<std::int32_t>(materials.size()), *out);
-  return filled == 1 ? 1 : filled;
+  if (out != nullptr) *out = filled;
+  return 1;
 }
 
 std::int32_t delete_material(VMV6DRV* drv, const char* name) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || name == nullptr) return -2;
+  if (doc == nullptr || name == nullptr) return KERFLINE_BAD_ARGUMENT;
   CDrvItemList* container = materials_group(*doc);
   for (const auto& material : member_groups(container)) {
     if (material->Name != name) continue;
@@ -151,20 +184,9 @@ std::int32_t delete_material(VMV6DRV* drv, const char* name) {
   return 0;
 }
 
-template <typename F>
-std::int32_t guarded(F&& f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc&) {
-    return -3;
-  } catch (...) {
-    return -2;
-  }
-}
-
 std::int32_t count_of(VMV6DRV* drv, bool tools) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr) return -2;
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
   return static_cast<std::int32_t>(member_groups(tools ? tools_group(*doc) : materials_group(*doc)).size());
 }
 
@@ -173,50 +195,52 @@ std::int32_t count_of(VMV6DRV* drv, bool tools) {
 
 namespace frame = kerfline::frame;
 
+using kerfline::platform::guarded;
+
 extern "C" {
 
-KERFLINE_API int32_t CountTools(VMV6DRV* drv) {
-  return frame::guarded([&] { return frame::count_of(drv, true); });
+KERFLINE_API int32_t CountTools(VMV6DRV* drv) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::count_of(drv, true); });
 }
 
-KERFLINE_API int32_t GetFirstTool(VMV6DRV* drv, DRVTOOL* tool) {
-  return frame::guarded([&] { return frame::list_tool(drv, tool, true); });
+KERFLINE_API int32_t GetFirstTool(VMV6DRV* drv, DRVTOOL* tool) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::list_tool(drv, tool, true); });
 }
 
-KERFLINE_API int32_t GetNextTool(VMV6DRV* drv, DRVTOOL* tool) {
-  return frame::guarded([&] { return frame::list_tool(drv, tool, false); });
+KERFLINE_API int32_t GetNextTool(VMV6DRV* drv, DRVTOOL* tool) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::list_tool(drv, tool, false); });
 }
 
-KERFLINE_API int32_t FreeTool(DRVTOOL* tool) {
-  if (tool == nullptr) return -2;
+KERFLINE_API int32_t FreeTool(DRVTOOL* tool) noexcept {
+  if (tool == nullptr) return KERFLINE_BAD_ARGUMENT;
   frame::clear_tool(*tool);
   return 1;
 }
 
-KERFLINE_API int32_t CountMaterial(VMV6DRV* drv) {
-  return frame::guarded([&] { return frame::count_of(drv, false); });
+KERFLINE_API int32_t CountMaterial(VMV6DRV* drv) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::count_of(drv, false); });
 }
 
-KERFLINE_API int32_t GetFirstMaterial(VMV6DRV* drv, DRVMATERIAL* material) {
-  return frame::guarded([&] { return frame::list_material(drv, material, true); });
+KERFLINE_API int32_t GetFirstMaterial(VMV6DRV* drv, DRVMATERIAL* material) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::list_material(drv, material, true); });
 }
 
-KERFLINE_API int32_t GetNextMaterial(VMV6DRV* drv, DRVMATERIAL* material) {
-  return frame::guarded([&] { return frame::list_material(drv, material, false); });
+KERFLINE_API int32_t GetNextMaterial(VMV6DRV* drv, DRVMATERIAL* material) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::list_material(drv, material, false); });
 }
 
-KERFLINE_API int32_t FreeMaterial(DRVMATERIAL* material) {
-  if (material == nullptr) return -2;
+KERFLINE_API int32_t FreeMaterial(DRVMATERIAL* material) noexcept {
+  if (material == nullptr) return KERFLINE_BAD_ARGUMENT;
   frame::clear_material(*material);
   return 1;
 }
 
-KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* material) {
-  return frame::guarded([&] { return frame::add_material(drv, name, material); });
+KERFLINE_API int32_t AddMaterial(VMV6DRV* drv, const char* name, DRVMATERIAL* material) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::add_material(drv, name, material); });
 }
 
-KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name) {
-  return frame::guarded([&] { return frame::delete_material(drv, name); });
+KERFLINE_API int32_t DeleteMaterial(VMV6DRV* drv, const char* name) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return frame::delete_material(drv, name); });
 }
 
 }  // extern "C"

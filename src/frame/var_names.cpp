@@ -6,7 +6,9 @@
 #include "driver/text_dictionary.hpp"
 #include "frame/library_start.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/host_hooks.hpp"
+#include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
 
@@ -55,7 +57,7 @@ std::int32_t copy_variable_name(const std::string& name, char* buffer) {
 namespace {
 
 char* malloc_copy(const std::string& text) {
-  auto* block = static_cast<char*>(std::malloc(text.size() + 1));
+  auto* block = static_cast<char*>(kerfline::platform::c_runtime_alloc(text.size() + 1));
   if (block != nullptr) std::memcpy(block, text.c_str(), text.size() + 1);
   return block;
 }
@@ -64,20 +66,18 @@ char* malloc_copy(const std::string& text) {
 
 extern "C" {
 
-KERFLINE_API int32_t GetVarName(uint32_t id, int32_t mode, char* buffer) {
-  try {
+KERFLINE_API int32_t GetVarName(uint32_t id, int32_t mode, char* buffer) noexcept {
+  return kerfline::platform::guarded_as(0, [id, mode, buffer] {
     kerfline::frame::ensure_resources_loaded();
     return kerfline::frame::copy_variable_name(kerfline::frame::variable_name(id, mode), buffer);
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t GetVarDesc(uint32_t id, int32_t mode, VARDESC* desc) {
+KERFLINE_API int32_t GetVarDesc(uint32_t id, int32_t mode, VARDESC* desc) noexcept {
   if (desc == nullptr) return 0;
   desc->pszName = nullptr;
   desc->pszDescription = nullptr;
-  try {
+  return kerfline::platform::guarded(KERFLINE_OUT_OF_MEMORY, [id, mode, desc] {
     kerfline::frame::ensure_resources_loaded();
     const std::string name = kerfline::frame::variable_name(id, mode);
     const std::string description = kerfline::driver::dictionary_description(id);
@@ -86,17 +86,15 @@ KERFLINE_API int32_t GetVarDesc(uint32_t id, int32_t mode, VARDESC* desc) {
     if (name_block == nullptr || description_block == nullptr) {
       std::free(name_block);
       std::free(description_block);
-      return -3;
+      return KERFLINE_OUT_OF_MEMORY;
     }
     desc->pszName = name_block;
     desc->pszDescription = description_block;
-    return 1;
-  } catch (...) {
-    return -3;
-  }
+    return KERFLINE_SUCCESS;
+  });
 }
 
-KERFLINE_API int32_t FreeVarDesc(VARDESC* desc) {
+KERFLINE_API int32_t FreeVarDesc(VARDESC* desc) noexcept {
   if (desc == nullptr) return 0;
   std::free(desc->pszName);
   std::free(desc->pszDescription);

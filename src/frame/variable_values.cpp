@@ -79,7 +79,7 @@ std::int32_t read_value(const driver::CDrvItem& item, ValueSlot slot, bool trim_
       if (trim_dialog_text && dynamic_cast<const driver::CDrvItemDlgVar*>(&item) != nullptr)
         text = std::string(platform::trim(text));
       char* copy = library_strdup(text);
-      if (copy == nullptr) return -3;
+      if (copy == nullptr) return KERFLINE_OUT_OF_MEMORY;
       slot.value.pszText = copy;
       return 1;
     }

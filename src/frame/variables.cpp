@@ -13,6 +13,7 @@
 #include "frame/variable_lookup.hpp"
 #include "frame/variable_values.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/library_memory.hpp"
 
 namespace kerfline::frame {
@@ -27,9 +28,6 @@ using driver::CDrvItemList;
 using driver::CVm6Drv;
 
 enum class Api { Get, Dialog, DialogData, Set };
-
-constexpr std::int32_t kNotFound = -5;
-constexpr std::int32_t kBadArgument = -2;
 
 // The name in a record, or nothing when its 64 bytes hold no terminator.
 std::optional<std::string> name_of(const char (&name)[64]) {
@@ -63,7 +61,7 @@ CDrvItem* plain_child(CDrvItemList* list, const std::string& name) {
 
 struct Found {
   CDrvItem* item = nullptr;
-  std::int32_t status = kNotFound;
+  std::int32_t status = KERFLINE_NOT_FOUND;
 };
 
 bool kind_allowed(Api api, std::int32_t kind) {
@@ -88,31 +86,32 @@ Found lookup(CVm6Drv& doc, const std::string& name, std::int32_t kind, const voi
   if (!kind_allowed(api, kind)) return {};
   switch (kind) {
     case KERFLINE_VARKIND_DRIVER:
-      return {doc.FindItem(name), kNotFound};
+      return {doc.FindItem(name), KERFLINE_NOT_FOUND};
     case KERFLINE_VARKIND_JOYSTICK:
-      return {plain_child(group_named(doc, kJoystickList), name), kNotFound};
+      return {plain_child(group_named(doc, kJoystickList), name), KERFLINE_NOT_FOUND};
     case KERFLINE_VARKIND_VIDEO:
-      return {plain_child(group_named(doc, kVideoList), name), kNotFound};
+      return {plain_child(group_named(doc, kVideoList), name), KERFLINE_NOT_FOUND};
     default:
       break;
   }
   const bool sub_list_kind = kind == KERFLINE_VARKIND_LAYER || kind == KERFLINE_VARKIND_TOOLPARM;
-  if (owner == nullptr) return {nullptr, sub_list_kind ? kBadArgument : kNotFound};
-  CDrvItemList* group = owner_group(owner, doc);
+  if (owner == nullptr) return {nullptr, sub_list_kind ? KERFLINE_BAD_ARGUMENT : KERFLINE_NOT_FOUND};
+  const std::shared_ptr<CDrvItemList> owner_list = owner_group(owner, doc);
+  CDrvItemList* group = owner_list.get();
   if (group == nullptr) return {};
   switch (kind) {
     case KERFLINE_VARKIND_OWNER:
-      return {own_variable(*group, name), kNotFound};
+      return {own_variable(*group, name), KERFLINE_NOT_FOUND};
     case KERFLINE_VARKIND_OWNER_INT:
-      return {own_variable(*group, integer_form(name)), kNotFound};
+      return {own_variable(*group, integer_form(name)), KERFLINE_NOT_FOUND};
     case KERFLINE_VARKIND_TOOLPARM:
-      return {plain_child(sub_list(*group, kToolParmList, kToolParmListType), name), kNotFound};
+      return {plain_child(sub_list(*group, kToolParmList, kToolParmListType), name), KERFLINE_NOT_FOUND};
     default: {
       CDrvItemList* layers = sub_list(*group, kLayerList, kLayerListType);
-      if (CDrvItem* item = plain_child(layers, name)) return {item, kNotFound};
+      if (CDrvItem* item = plain_child(layers, name)) return {item, KERFLINE_NOT_FOUND};
       std::string retry = "%I" + name;
       replace_all(retry, "%I%", "%I");
-      return {plain_child(layers, retry), kNotFound};
+      return {plain_child(layers, retry), KERFLINE_NOT_FOUND};
     }
   }
 }
@@ -181,14 +180,14 @@ CVm6Drv* checked(const Record* var, std::string& name) {
 std::int32_t get_var(VMV6VAR* var, char** description) {
   std::string name;
   CVm6Drv* doc = checked(var, name);
-  if (doc == nullptr) return kBadArgument;
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
   CDrvItem* item = nullptr;
   const std::int32_t result = read_var(*doc, *var, name, description != nullptr ? &item : nullptr);
   if (result > 0 && description != nullptr) {
     *description = library_strdup(item->GetDescription());
     if (*description == nullptr) {
       release_text(var->nValueType, var->uValue);
-      return -3;
+      return KERFLINE_OUT_OF_MEMORY;
     }
   }
   return result;
@@ -197,7 +196,7 @@ std::int32_t get_var(VMV6VAR* var, char** description) {
 std::int32_t get_dlg_var(VMV6DLGVAR* var) {
   std::string name;
   CVm6Drv* doc = checked(var, name);
-  if (doc == nullptr) return kBadArgument;
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
   CDrvItem* item = nullptr;
   const std::int32_t result = read_found(*doc, name, var->nKind, var->pOwner, Api::Dialog,
                                          {var->nValueType, var->uValue}, var->dNumber, &item);
@@ -213,7 +212,7 @@ std::int32_t get_dlg_var(VMV6DLGVAR* var) {
       var->pszDlgText = nullptr;
       var->pszDlgFormat = nullptr;
       release_text(var->nValueType, var->uValue);
-      return -3;
+      return KERFLINE_OUT_OF_MEMORY;
     }
   }
   return result;
@@ -222,26 +221,28 @@ std::int32_t get_dlg_var(VMV6DLGVAR* var) {
 std::int32_t set_var(VMV6VAR* var) {
   std::string name;
   CVm6Drv* doc = checked(var, name);
-  if (doc == nullptr) return kBadArgument;
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
   Found found;
   if (has_variant(*doc, name))
     found = lookup(*doc, variant_name(*doc, name), var->nKind, var->pOwner, Api::Set);
   if (found.item == nullptr) found = lookup(*doc, name, var->nKind, var->pOwner, Api::Set);
   if (found.item == nullptr) return found.status;
-  if (var->nValueType == KERFLINE_VT_TEXT && var->uValue.pszText == nullptr) return kBadArgument;
+  if (var->nValueType == KERFLINE_VT_TEXT && var->uValue.pszText == nullptr) return KERFLINE_BAD_ARGUMENT;
   const auto text = value_text(*found.item, {var->nValueType, var->uValue});
   if (!text) return 0;
   return set_item_text(*found.item, *text) ? 1 : 0;
 }
 
-// The group a walk goes through.
-CDrvItemList* walked_group(CVm6Drv& doc, const void* owner, const std::string& group) {
-  CDrvItemList* tool = owner != nullptr ? owner_group(owner, doc) : nullptr;
+// The group a walk goes through; `tool` keeps the owner's group alive for as
+// long as the result is used.
+CDrvItemList* walked_group(CVm6Drv& doc, const void* owner, const std::string& group,
+                           std::shared_ptr<CDrvItemList>& tool) {
+  if (owner != nullptr) tool = owner_group(owner, doc);
   if (group == kToolParmList)
     return tool != nullptr ? sub_list(*tool, kToolParmList, kToolParmListType) : nullptr;
   if (group == kLayerList) return tool != nullptr ? sub_list(*tool, kLayerList, kLayerListType) : nullptr;
   if (tool != nullptr) {
-    for (const auto& child : member_groups(tool)) {
+    for (const auto& child : member_groups(tool.get())) {
       if (child->Name == group) return child.get();
     }
   }
@@ -273,17 +274,18 @@ bool cursor_matches(const CDrvItemList& list, const std::string& current) {
 }
 
 std::int32_t walk(VMV6VAR* var, const char* group, bool first) {
-  if (var == nullptr || group == nullptr) return kBadArgument;
+  if (var == nullptr || group == nullptr) return KERFLINE_BAD_ARGUMENT;
   CVm6Drv* doc = document_of(var->pDrv);
-  if (doc == nullptr) return kBadArgument;
+  if (doc == nullptr) return KERFLINE_BAD_ARGUMENT;
   std::optional<std::string> current;
   if (!first) {
     current = name_of(var->szName);
     release_text(var->nValueType, var->uValue);
     if (!current) return 0;
   }
-  CDrvItemList* list = walked_group(*doc, var->pOwner, group);
-  if (list == nullptr) return kNotFound;
+  std::shared_ptr<CDrvItemList> tool;
+  CDrvItemList* list = walked_group(*doc, var->pOwner, group, tool);
+  if (list == nullptr) return KERFLINE_NOT_FOUND;
   const auto& children = list->GetChildren();
   WalkCursor& cursor = walk_cursor;
   std::size_t start = 0;
@@ -323,13 +325,13 @@ std::int32_t walk(VMV6VAR* var, const char* group, bool first) {
 
 std::int32_t has_setting(VMV6DRV* drv, const char* list_name, const char* name) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || name == nullptr) return kBadArgument;
+  if (doc == nullptr || name == nullptr) return KERFLINE_BAD_ARGUMENT;
   return plain_child(group_named(*doc, list_name), name) != nullptr ? 1 : 0;
 }
 
 std::int32_t set_setting(VMV6DRV* drv, const char* list_name, const char* name, const char* value) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || name == nullptr || *name == '\0' || value == nullptr) return kBadArgument;
+  if (doc == nullptr || name == nullptr || *name == '\0' || value == nullptr) return KERFLINE_BAD_ARGUMENT;
   CDrvItemList* list = group_named(*doc, list_name);
   if (list == nullptr) {
     auto added = std::make_shared<CDrvItemList>();
@@ -350,21 +352,9 @@ std::int32_t set_setting(VMV6DRV* drv, const char* list_name, const char* name, 
 
 std::int32_t set_setting_once(VMV6DRV* drv, const char* list_name, const char* name, const char* value) {
   CVm6Drv* doc = document_of(drv);
-  if (doc == nullptr || name == nullptr || *name == '\0' || value == nullptr) return kBadArgument;
+  if (doc == nullptr || name == nullptr || *name == '\0' || value == nullptr) return KERFLINE_BAD_ARGUMENT;
   if (plain_child(group_named(*doc, list_name), name) != nullptr) return 0;
   return set_setting(drv, list_name, name, value);
-}
-
-// Exports catch everything: a host sees only result codes.
-template <typename F>
-std::int32_t guarded(F&& f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc&) {
-    return -3;
-  } catch (...) {
-    return kBadArgument;
-  }
 }
 
 }  // namespace
@@ -372,7 +362,7 @@ std::int32_t guarded(F&& f) {
 Lookup find_variable(const VMV6VAR* var) {
   std::string name;
   CVm6Drv* doc = checked(var, name);
-  if (doc == nullptr) return {nullptr, nullptr, kBadArgument};
+  if (doc == nullptr) return {nullptr, nullptr, KERFLINE_BAD_ARGUMENT};
   Found found;
   if (has_variant(*doc, name))
     found = lookup(*doc, variant_name(*doc, name), var->nKind, var->pOwner, Api::Get);
@@ -383,35 +373,35 @@ Lookup find_variable(const VMV6VAR* var) {
 Lookup find_dialog_variable(const VMV6DLGVAR* var) {
   std::string name;
   CVm6Drv* doc = checked(var, name);
-  if (doc == nullptr) return {nullptr, nullptr, kBadArgument};
+  if (doc == nullptr) return {nullptr, nullptr, KERFLINE_BAD_ARGUMENT};
   const Found found = lookup(*doc, name, var->nKind, var->pOwner, Api::DialogData);
   return {doc, found.item, found.item != nullptr ? 1 : found.status};
 }
 
 }  // namespace kerfline::frame
 
-using kerfline::frame::guarded;
+using kerfline::platform::guarded;
 
 extern "C" {
 
-KERFLINE_API int32_t GetVar(VMV6VAR* var) {
-  return guarded([&] { return kerfline::frame::get_var(var, nullptr); });
+KERFLINE_API int32_t GetVar(VMV6VAR* var) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_var(var, nullptr); });
 }
 
-KERFLINE_API int32_t FreeVar(VMV6VAR* var) {
-  if (var == nullptr) return -2;
+KERFLINE_API int32_t FreeVar(VMV6VAR* var) noexcept {
+  if (var == nullptr) return KERFLINE_BAD_ARGUMENT;
   if (var->nValueType != KERFLINE_VT_TEXT) return 1;
-  if (var->uValue.pszText == nullptr) return -2;
+  if (var->uValue.pszText == nullptr) return KERFLINE_BAD_ARGUMENT;
   kerfline::frame::release_text(var->nValueType, var->uValue);
   return 1;
 }
 
-KERFLINE_API int32_t GetDlgVar(VMV6DLGVAR* var) {
-  return guarded([&] { return kerfline::frame::get_dlg_var(var); });
+KERFLINE_API int32_t GetDlgVar(VMV6DLGVAR* var) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_dlg_var(var); });
 }
 
-KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var) {
-  if (var == nullptr) return -2;
+KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var) noexcept {
+  if (var == nullptr) return KERFLINE_BAD_ARGUMENT;
   kerfline::frame::release_text(var->nValueType, var->uValue);
   kerfline::platform::library_free(var->pszDlgText);
   kerfline::platform::library_free(var->pszDlgFormat);
@@ -420,47 +410,53 @@ KERFLINE_API int32_t FreeDlgVar(VMV6DLGVAR* var) {
   return 1;
 }
 
-KERFLINE_API int32_t SetVar(VMV6VAR* var) {
-  return guarded([&] { return kerfline::frame::set_var(var); });
+KERFLINE_API int32_t SetVar(VMV6VAR* var) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::set_var(var); });
 }
 
-KERFLINE_API int32_t GetFirstVar(VMV6VAR* var, const char* group) {
-  return guarded([&] { return kerfline::frame::walk(var, group, true); });
+KERFLINE_API int32_t GetFirstVar(VMV6VAR* var, const char* group) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::walk(var, group, true); });
 }
 
-KERFLINE_API int32_t GetNextVar(VMV6VAR* var, const char* group) {
-  return guarded([&] { return kerfline::frame::walk(var, group, false); });
+KERFLINE_API int32_t GetNextVar(VMV6VAR* var, const char* group) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::walk(var, group, false); });
 }
 
-KERFLINE_API int32_t GetVarAndDesc(VMV6VAR* var, char** description) {
-  return guarded([&] { return kerfline::frame::get_var(var, description); });
+KERFLINE_API int32_t GetVarAndDesc(VMV6VAR* var, char** description) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] { return kerfline::frame::get_var(var, description); });
 }
 
-KERFLINE_API int32_t HasVideoVar(VMV6DRV* drv, const char* name) {
-  return guarded([&] { return kerfline::frame::has_setting(drv, kerfline::frame::kVideoList, name); });
+KERFLINE_API int32_t HasVideoVar(VMV6DRV* drv, const char* name) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT,
+                 [&] { return kerfline::frame::has_setting(drv, kerfline::frame::kVideoList, name); });
 }
 
-KERFLINE_API int32_t HasJoystickVar(VMV6DRV* drv, const char* name) {
-  return guarded([&] { return kerfline::frame::has_setting(drv, kerfline::frame::kJoystickList, name); });
+KERFLINE_API int32_t HasJoystickVar(VMV6DRV* drv, const char* name) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT,
+                 [&] { return kerfline::frame::has_setting(drv, kerfline::frame::kJoystickList, name); });
 }
 
-KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* value) {
-  return guarded([&] { return kerfline::frame::set_setting(drv, kerfline::frame::kVideoList, name, value); });
+KERFLINE_API int32_t SetVideoVar(VMV6DRV* drv, const char* name, const char* value) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT,
+                 [&] { return kerfline::frame::set_setting(drv, kerfline::frame::kVideoList, name, value); });
 }
 
-KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value) {
-  return guarded(
-      [&] { return kerfline::frame::set_setting(drv, kerfline::frame::kJoystickList, name, value); });
+KERFLINE_API int32_t SetJoyStickVar(VMV6DRV* drv, const char* name, const char* value) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] {
+    return kerfline::frame::set_setting(drv, kerfline::frame::kJoystickList, name, value);
+  });
 }
 
-KERFLINE_API int32_t SetVideoVarNoOverride(VMV6DRV* drv, const char* name, const char* value) {
-  return guarded(
-      [&] { return kerfline::frame::set_setting_once(drv, kerfline::frame::kVideoList, name, value); });
+KERFLINE_API int32_t SetVideoVarNoOverride(VMV6DRV* drv, const char* name, const char* value) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] {
+    return kerfline::frame::set_setting_once(drv, kerfline::frame::kVideoList, name, value);
+  });
 }
 
-KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name, const char* value) {
-  return guarded(
-      [&] { return kerfline::frame::set_setting_once(drv, kerfline::frame::kJoystickList, name, value); });
+KERFLINE_API int32_t SetJoyStickVarNoOverride(VMV6DRV* drv, const char* name, const char* value) noexcept {
+  return guarded(KERFLINE_BAD_ARGUMENT, [&] {
+    return kerfline::frame::set_setting_once(drv, kerfline::frame::kJoystickList, name, value);
+  });
 }
 
 }  // extern "C"

@@ -25,6 +25,26 @@ std::int32_t guarded(std::int32_t failure, Body&& body) noexcept {
   }
 }
 
+// For exports whose documentation has no out-of-memory result (or whose
+// result is not a result code): `failure` for every exception.
+template <typename Result, typename Body>
+Result guarded_as(Result failure, Body&& body) noexcept {
+  try {
+    return body();
+  } catch (...) {
+    return failure;
+  }
+}
+
+// For exports with nothing to report: an exception ends the body quietly.
+template <typename Body>
+void guarded_void(Body&& body) noexcept {
+  try {
+    body();
+  } catch (...) {
+  }
+}
+
 // For exports that hand out a pointer: null for any exception.
 template <typename Body>
 auto guarded_pointer(Body&& body) noexcept -> decltype(body()) {

@@ -16,12 +16,13 @@ double distance(const MESHPOINT& a, const MESHPOINT& b) {
 
 extern "C" {
 
-KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b) {
+KERFLINE_API double PointToPoint(const MESHPOINT* a, const MESHPOINT* b) noexcept {
   if (a == nullptr || b == nullptr) return -2.0;
   return distance(*a, *b);
 }
 
-KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p, MESHPOINT* foot) {
+KERFLINE_API double PointToLine(const MESHPOINT* a, const MESHPOINT* b, const MESHPOINT* p,
+                                MESHPOINT* foot) noexcept {
   if (a == nullptr || b == nullptr || p == nullptr || foot == nullptr) return -2.0;
   double c = distance(*a, *b);
   if (c == 0.0) c = 1e-7;

@@ -9,7 +9,9 @@
 #include <optional>
 
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/dynlib.hpp"
+#include "platform/library_memory.hpp"
 #include "registration/corner_index.hpp"
 
 namespace kr = kerfline::registration;
@@ -57,8 +59,8 @@ MeshState& mesh() {
 
 extern "C" {
 
-KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points) {
-  try {
+KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points) noexcept {
+  return kerfline::platform::guarded(KERFLINE_OUT_OF_MEMORY, [count, points]() mutable -> int32_t {
     MeshState& m = mesh();
     std::lock_guard<std::mutex> guard(m.lock);
     // A mesh left from an earlier call is released, not leaked.
@@ -71,28 +73,27 @@ KERFLINE_API int32_t CreateDelaunay(int32_t count, const MESHPOINT* points) {
     m.init = m.library->function<DelaunayInitFn>("DelaunayInit");
     m.locate = m.library->function<DelaunayLocateFn>("DelaunayLocate");
     m.free = m.library->function<DelaunayFreeFn>("DelaunayFree");
-    if (m.init == nullptr) return -2;  // stays loaded until FreeDelaunay
+    constexpr int32_t kNoInitEntry = -2;
+    if (m.init == nullptr) return kNoInitEntry;  // stays loaded until FreeDelaunay
 
     if (count > 0) {
       if (static_cast<std::size_t>(count) > std::numeric_limits<std::size_t>::max() / sizeof(MESHPOINT)) {
-        return -3;
+        return KERFLINE_OUT_OF_MEMORY;
       }
       const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(MESHPOINT);
-      m.points.reset(static_cast<MESHPOINT*>(std::malloc(bytes)));
-      if (!m.points) return -3;
+      m.points.reset(static_cast<MESHPOINT*>(kerfline::platform::c_runtime_alloc(bytes)));
+      if (!m.points) return KERFLINE_OUT_OF_MEMORY;
       std::memcpy(m.points.get(), points, bytes);
       m.corners = kr::CornerIndex(m.points.get(), count);
     }
     m.count = count;
     return m.init(count, m.points.get());
-  } catch (...) {
-    return -3;
-  }
+  });
 }
 
-KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out) {
-  if (query == nullptr || out == nullptr) return -2;
-  try {
+KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out) noexcept {
+  if (query == nullptr || out == nullptr) return KERFLINE_BAD_ARGUMENT;
+  return kerfline::platform::guarded_as(0, [query, out] {
     MeshState& m = mesh();
     std::lock_guard<std::mutex> guard(m.lock);
     if (!m.library || m.locate == nullptr) return 0;
@@ -102,18 +103,15 @@ KERFLINE_API int32_t LocatePt(const MESHPOINT* query, int32_t* out) {
     m.locate(query, corners.data());
     if (m.count > 0) m.corners.match(corners, out);
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API void FreeDelaunay(void) {
-  try {
+KERFLINE_API void FreeDelaunay(void) noexcept {
+  kerfline::platform::guarded_void([] {
     MeshState& m = mesh();
     std::lock_guard<std::mutex> guard(m.lock);
     m.release();
-  } catch (...) {
-  }
+  });
 }
 
 }  // extern "C"

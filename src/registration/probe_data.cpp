@@ -37,14 +37,14 @@ void for_marks(PROBEJOB& job, std::int32_t first, std::int32_t last, Change chan
 
 extern "C" {
 
-KERFLINE_API int32_t ProbeDataInit(PROBEDATA* set) {
-  if (set == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataInit(PROBEDATA* set) noexcept {
+  if (set == nullptr) return KERFLINE_BAD_ARGUMENT;
   std::memset(set, 0, sizeof(*set));
   return 1;
 }
 
-KERFLINE_API int32_t ProbeDataFree(PROBEDATA* set) {
-  if (set == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataFree(PROBEDATA* set) noexcept {
+  if (set == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::int32_t jobs = kr::job_count(*set);
   for (std::int32_t i = 0; i < jobs; ++i) {
     std::free(set->pJobs[i].pMarks);
@@ -57,7 +57,7 @@ KERFLINE_API int32_t ProbeDataFree(PROBEDATA* set) {
   return 1;
 }
 
-KERFLINE_API void ProbeDataAdd(PROBEDATA* set, const PROBEJOB* job) {
+KERFLINE_API void ProbeDataAdd(PROBEDATA* set, const PROBEJOB* job) noexcept {
   if (set == nullptr || job == nullptr) return;
   void* array = set->pJobs;
   if (kr::append_element(array, set->nJobCount, job, sizeof(PROBEJOB))) {
@@ -65,15 +65,15 @@ KERFLINE_API void ProbeDataAdd(PROBEDATA* set, const PROBEJOB* job) {
   }
 }
 
-KERFLINE_API int32_t ProbeDataGetAt(const PROBEDATA* set, int32_t index, PROBEJOB* job) {
-  if (set == nullptr || job == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataGetAt(const PROBEDATA* set, int32_t index, PROBEJOB* job) noexcept {
+  if (set == nullptr || job == nullptr) return KERFLINE_BAD_ARGUMENT;
   if (index < 0 || index >= kr::job_count(*set)) return 0;
   std::memcpy(job, &set->pJobs[index], sizeof(PROBEJOB));
   return 1;
 }
 
-KERFLINE_API int32_t ProbeDataCopy(PROBEDATA* dst, const PROBEDATA* src) {
-  if (dst == nullptr || src == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataCopy(PROBEDATA* dst, const PROBEDATA* src) noexcept {
+  if (dst == nullptr || src == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::uint32_t flags = src->dwFlags;  // dst may be src
   ProbeDataInit(dst);
   dst->dwFlags = flags;
@@ -82,7 +82,7 @@ KERFLINE_API int32_t ProbeDataCopy(PROBEDATA* dst, const PROBEDATA* src) {
   return 1;
 }
 
-KERFLINE_API void ProbeDataAddPos(PROBEJOB* job, const PROBEPOS* pos) {
+KERFLINE_API void ProbeDataAddPos(PROBEJOB* job, const PROBEPOS* pos) noexcept {
   if (job == nullptr || pos == nullptr) return;
   void* array = job->pMarks;
   if (kr::append_element(array, job->nMarkCount, pos, sizeof(PROBEPOS))) {
@@ -90,29 +90,29 @@ KERFLINE_API void ProbeDataAddPos(PROBEJOB* job, const PROBEPOS* pos) {
   }
 }
 
-KERFLINE_API int32_t ProbeDataGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos) {
-  if (job == nullptr || pos == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos) noexcept {
+  if (job == nullptr || pos == nullptr) return KERFLINE_BAD_ARGUMENT;
   if (index < 0 || index >= kr::mark_count(*job)) return 0;
   std::memcpy(pos, &job->pMarks[index], sizeof(PROBEPOS));
   return 1;
 }
 
-KERFLINE_API int32_t ProbeDataSetPosAt(PROBEJOB* job, int32_t index, const PROBEPOS* pos) {
-  if (job == nullptr || pos == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataSetPosAt(PROBEJOB* job, int32_t index, const PROBEPOS* pos) noexcept {
+  if (job == nullptr || pos == nullptr) return KERFLINE_BAD_ARGUMENT;
   if (index < 0 || index >= kr::mark_count(*job)) return 0;
   std::memcpy(&job->pMarks[index], pos, sizeof(PROBEPOS));
   return 1;
 }
 
 KERFLINE_API int32_t ProbeDataXeneTecGetPosAt(const PROBEJOB* job, int32_t index, PROBEPOS* pos,
-                                              double height) {
+                                              double height) noexcept {
   const int32_t result = ProbeDataGetPosAt(job, index, pos);
   if (result == 1) pos->y = height - pos->y;
   return result;
 }
 
-KERFLINE_API int32_t ProbeDataTransformXene(PROBEDATA* set, double height) {
-  if (set == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataTransformXene(PROBEDATA* set, double height) noexcept {
+  if (set == nullptr) return KERFLINE_BAD_ARGUMENT;
   const std::int32_t jobs = kr::job_count(*set);
   for (std::int32_t j = 0; j < jobs; ++j) {
     PROBEJOB& job = set->pJobs[j];
@@ -121,8 +121,8 @@ KERFLINE_API int32_t ProbeDataTransformXene(PROBEDATA* set, double height) {
   return 1;
 }
 
-KERFLINE_API int32_t ProbeDataOffsetJob(PROBEJOB* job, double dx, double dy) {
-  if (job == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataOffsetJob(PROBEJOB* job, double dx, double dy) noexcept {
+  if (job == nullptr) return KERFLINE_BAD_ARGUMENT;
   for_marks(*job, 0, kr::mark_count(*job), [dx, dy](PROBEPOS& m) {
     m.x += dx;
     m.y += dy;
@@ -130,8 +130,8 @@ KERFLINE_API int32_t ProbeDataOffsetJob(PROBEJOB* job, double dx, double dy) {
   return 1;
 }
 
-KERFLINE_API int32_t ProbeDataOffsetJobMarks(PROBEJOB* job, double dx, double dy) {
-  if (job == nullptr) return -2;
+KERFLINE_API int32_t ProbeDataOffsetJobMarks(PROBEJOB* job, double dx, double dy) noexcept {
+  if (job == nullptr) return KERFLINE_BAD_ARGUMENT;
   for_marks(*job, 0, kr::measured_count(*job), [dx, dy](PROBEPOS& m) {
     m.x += dx;
     m.y += dy;
@@ -140,8 +140,8 @@ KERFLINE_API int32_t ProbeDataOffsetJobMarks(PROBEJOB* job, double dx, double dy
 }
 
 KERFLINE_API int32_t GetCellFromArray(int32_t index, int32_t rows, int32_t columns, int32_t* row,
-                                      int32_t* column) {
-  if (row == nullptr || column == nullptr) return -2;
+                                      int32_t* column) noexcept {
+  if (row == nullptr || column == nullptr) return KERFLINE_BAD_ARGUMENT;
   // In 64 bits: rows * columns must not wrap into a small or negative bound.
   const std::int64_t cells = static_cast<std::int64_t>(rows) * columns;
   if (index < 0 || index >= cells) return -1;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/temp_file.hpp"
 #include "registration/hpgl_text.hpp"
 #include "registration/trace_text.hpp"
@@ -55,39 +56,31 @@ bool append_to_file(const std::string& path, const std::string& text) {
 
 extern "C" {
 
-KERFLINE_API int32_t ProbeDataTrace(const PROBEDATA* set) {
-  if (set == nullptr) return -2;
-  try {
-    // Built for a debugger's eyes only; nothing shows or keeps it.
-    const std::string text = kr::format_trace(*set);
-    static_cast<void>(text);
-  } catch (...) {
-  }
+KERFLINE_API int32_t ProbeDataTrace(const PROBEDATA* set) noexcept {
+  if (set == nullptr) return KERFLINE_BAD_ARGUMENT;
+  // Built for a debugger's eyes only; nothing shows or keeps it.
+  kerfline::platform::guarded_void([set] { static_cast<void>(kr::format_trace(*set)); });
   return 1;
 }
 
-KERFLINE_API int32_t ProbeDataTrace2PLT(const PROBEDATA* set, const char* dir, int32_t mode) {
-  if (set == nullptr) return -2;
-  try {
+KERFLINE_API int32_t ProbeDataTrace2PLT(const PROBEDATA* set, const char* dir, int32_t mode) noexcept {
+  if (set == nullptr) return KERFLINE_BAD_ARGUMENT;
+  return kerfline::platform::guarded_as(0, [set, dir, mode] {
     const std::string text = kr::format_plot(*set, mode);
     return append_to_file(choose_trace_file(dir, mode), text) ? 1 : 0;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t FrmtHpglCircle(double x, double y, double size, char* buffer) {
-  if (buffer == nullptr) return -2;
-  try {
+KERFLINE_API int32_t FrmtHpglCircle(double x, double y, double size, char* buffer) noexcept {
+  if (buffer == nullptr) return KERFLINE_BAD_ARGUMENT;
+  return kerfline::platform::guarded_as(0, [x, y, size, buffer] {
     const double px = x * kr::kPlotterUnitsPerMark;
     const double py = y * kr::kPlotterUnitsPerMark;
     std::string text;
     kr::append_circle(text, px + size * 0.2, px, py);
     std::memcpy(buffer, text.c_str(), text.size() + 1);
     return static_cast<int32_t>(text.size());
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
 }  // extern "C"

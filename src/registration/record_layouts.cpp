@@ -22,8 +22,8 @@ static_assert(offsetof(PROBEJOB, dMarkSize) == 12);
 static_assert(offsetof(PROBEJOB, nMarkCount) == 20);
 static_assert(offsetof(PROBEJOB, pMarks) == 24);
 static_assert(offsetof(PROBEJOB, dwJobData) == 24 + kPtr);
-static_assert(sizeof(PROBEJOB) == 24 + kPtr + 66 * 4);
-static_assert(kPtr != 4 || sizeof(PROBEJOB) == 73 * 4);
+static_assert(sizeof(PROBEJOB) == 24 + kPtr + 66 * sizeof(int32_t));
+static_assert(kPtr != 4 || sizeof(PROBEJOB) == 73 * sizeof(int32_t));
 
 // Set record: eight words on 32-bit builds; on 64-bit the pointer takes its
 // natural place after one word of padding.

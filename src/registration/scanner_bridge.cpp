@@ -4,6 +4,7 @@
 
 #include "devconfig/registration_run.hpp"
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "platform/clock.hpp"
 #include "platform/dynlib.hpp"
 #include "platform/host_hooks.hpp"
@@ -104,7 +105,7 @@ std::int32_t scanner_positions(std::int32_t* count, DIGITIZERPOS** positions) {
   Bridge& b = bridge();
   const Lock lock(b.mutex);
   if (!b.plugin) return -4;
-  if (count == nullptr || positions == nullptr) return -2;
+  if (count == nullptr || positions == nullptr) return KERFLINE_BAD_ARGUMENT;
   auto* entry = b.lookup<PositionsEntry>("ProbeGetDigitizerPos");
   if (entry == nullptr) return 0;
   *positions = nullptr;
@@ -117,7 +118,7 @@ std::int32_t scanner_positions(std::int32_t* count, DIGITIZERPOS** positions) {
           : nullptr;
   if (array == nullptr) {
     *count = 0;
-    return -3;
+    return KERFLINE_OUT_OF_MEMORY;
   }
   for (std::int32_t i = 0; i < n; ++i) array[i] = DIGITIZERPOS{0.0, 0.0};
   std::int32_t got = entry(n, array);
@@ -173,74 +174,78 @@ void reset_scanner_bridge() {
 }  // namespace kerfline::registration
 
 namespace reg = kerfline::registration;
+using kerfline::platform::guarded;
+using kerfline::platform::guarded_as;
+
+// The plug-in could not be loaded or used.
+constexpr int32_t kScannerFailed = -4;
 
 extern "C" {
 
-KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value) {
-  try {
-    return reg::scanner_init_digitizer(value);
-  } catch (...) {
-    return -4;
-  }
+KERFLINE_API int32_t LumaProbeInitDigitizer(int32_t value) noexcept {
+  return guarded_as(kScannerFailed, [value] { return reg::scanner_init_digitizer(value); });
 }
 
-KERFLINE_API int32_t LumaProbeInit(void* data) {
-  try {
-    return reg::scanner_init(data);
-  } catch (...) {
-    return -4;
-  }
+KERFLINE_API int32_t LumaProbeInit(void* data) noexcept {
+  return guarded_as(kScannerFailed, [data] { return reg::scanner_init(data); });
 }
 
-KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c) {
-  reg::Bridge& br = reg::bridge();
-  const reg::Lock lock(br.mutex);
-  auto* entry = br.lookup<reg::CommandEntry>("ProbeDoCommand");
-  return entry != nullptr ? entry(a, b, c) : 0;
+KERFLINE_API int32_t LumaProbeDoCommand(int32_t a, int32_t b, int32_t c) noexcept {
+  return guarded_as(0, [a, b, c] {
+    reg::Bridge& br = reg::bridge();
+    const reg::Lock lock(br.mutex);
+    auto* entry = br.lookup<reg::CommandEntry>("ProbeDoCommand");
+    return entry != nullptr ? entry(a, b, c) : 0;
+  });
 }
 
-KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions) {
-  return reg::scanner_positions(count, positions);
+KERFLINE_API int32_t LumaProbeGetDigitizerPos(int32_t* count, DIGITIZERPOS** positions) noexcept {
+  return guarded(kScannerFailed, [count, positions] { return reg::scanner_positions(count, positions); });
 }
 
-KERFLINE_API int32_t LumaProbeFreeDigitizerPos(DIGITIZERPOS** positions) {
+KERFLINE_API int32_t LumaProbeFreeDigitizerPos(DIGITIZERPOS** positions) noexcept {
   if (positions != nullptr) {
     kerfline::platform::library_free(*positions);
     *positions = nullptr;
   }
-  return 1;
+  return KERFLINE_SUCCESS;
 }
 
-KERFLINE_API int32_t LumaProbeFreeDigitizer(void) { return reg::scanner_unload("ProbeFreeDigitizer", 1, -4); }
-
-KERFLINE_API int32_t LumaProbeRead(void* data) {
-  try {
-    return reg::scanner_read(data);
-  } catch (...) {
-    return 0;
-  }
+KERFLINE_API int32_t LumaProbeFreeDigitizer(void) noexcept {
+  return guarded_as(kScannerFailed,
+                    [] { return reg::scanner_unload("ProbeFreeDigitizer", 1, kScannerFailed); });
 }
 
-KERFLINE_API int32_t LumaProbeProcess(void) {
-  reg::Bridge& br = reg::bridge();
-  const reg::Lock lock(br.mutex);
-  auto* entry = br.cached(br.process, "Process");
-  return entry != nullptr ? entry() : 0;
+KERFLINE_API int32_t LumaProbeRead(void* data) noexcept {
+  return guarded_as(0, [data] { return reg::scanner_read(data); });
 }
 
-KERFLINE_API int32_t LumaProbeHandleUI(void* window, int32_t a, int32_t b, int32_t c) {
-  reg::Bridge& br = reg::bridge();
-  const reg::Lock lock(br.mutex);
-  auto* entry = br.cached(br.handle_ui, "HandleUI");
-  return entry != nullptr ? entry(window, a, b, c) : 0;
+KERFLINE_API int32_t LumaProbeProcess(void) noexcept {
+  return guarded_as(0, [] {
+    reg::Bridge& br = reg::bridge();
+    const reg::Lock lock(br.mutex);
+    auto* entry = br.cached(br.process, "Process");
+    return entry != nullptr ? entry() : 0;
+  });
 }
 
-KERFLINE_API int32_t LumaProbeExit(void) {
-  reg::Bridge& br = reg::bridge();
-  const reg::Lock lock(br.mutex);
-  if (!br.plugin) return 0;
-  reg::scanner_unload("ProbeExit", 1, 0);
-  return 1;
+KERFLINE_API int32_t LumaProbeHandleUI(void* window, int32_t a, int32_t b, int32_t c) noexcept {
+  return guarded_as(0, [window, a, b, c] {
+    reg::Bridge& br = reg::bridge();
+    const reg::Lock lock(br.mutex);
+    auto* entry = br.cached(br.handle_ui, "HandleUI");
+    return entry != nullptr ? entry(window, a, b, c) : 0;
+  });
+}
+
+KERFLINE_API int32_t LumaProbeExit(void) noexcept {
+  return guarded_as(0, [] {
+    reg::Bridge& br = reg::bridge();
+    const reg::Lock lock(br.mutex);
+    if (!br.plugin) return 0;
+    reg::scanner_unload("ProbeExit", 1, 0);
+    return 1;
+  });
 }
 
 }  // extern "C"

@@ -33,6 +33,8 @@ void guarded(F&& f) {
 
 }  // namespace
 
+// Class names a class and its constructors, which parentheses would break.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define KERFLINE_MESSAGE_BASICS(Class, PayloadType)              \
   Class::Class() : CSocketDataObject(new rm::PayloadType) {}     \
   Class::Class(const Class& other) : CSocketDataObject(other) {} \
@@ -41,6 +43,7 @@ void guarded(F&& f) {
     return *this;                                                \
   }                                                              \
   Class::~Class() = default;
+// NOLINTEND(bugprone-macro-parentheses)
 
 KERFLINE_MESSAGE_BASICS(CSocketDataObjectState, StatePayload)
 KERFLINE_MESSAGE_BASICS(CSocketDataObjectMsg, MsgPayload)

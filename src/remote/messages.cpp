@@ -41,6 +41,7 @@ int32_t CSocketDataObject::Serialize(unsigned char* pBuffer, uint32_t nSize) con
     const std::string& bytes = ar.bytes();
     if (bytes.size() > INT32_MAX) return -3;
     if (pBuffer == nullptr || bytes.size() > nSize) return -static_cast<int32_t>(bytes.size());
+    // NOLINTNEXTLINE(bugprone-not-null-terminated-result): message bytes, not a text
     std::memcpy(pBuffer, bytes.data(), bytes.size());
     return static_cast<int32_t>(bytes.size());
   } catch (const std::bad_alloc&) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
 #include "script/process_state.hpp"
 
 namespace {
@@ -20,13 +21,14 @@ static_assert(sizeof(EVALFUNC) == 6 * kPtr);
 
 extern "C" {
 
-KERFLINE_API int32_t GetEvalFuncCount(void) {
-  return static_cast<int32_t>(kerfline::script::process_eval().registry().listing().size());
+KERFLINE_API int32_t GetEvalFuncCount(void) noexcept {
+  return kerfline::platform::guarded_as(
+      0, [] { return static_cast<int32_t>(kerfline::script::process_eval().registry().listing().size()); });
 }
 
-KERFLINE_API int32_t GetEvalFunc(int32_t index, EVALFUNC* info) {
-  if (info == nullptr) return -2;
-  try {
+KERFLINE_API int32_t GetEvalFunc(int32_t index, EVALFUNC* info) noexcept {
+  if (info == nullptr) return KERFLINE_BAD_ARGUMENT;
+  return kerfline::platform::guarded(KERFLINE_OUT_OF_MEMORY, [index, info] {
     const auto& registry = kerfline::script::process_eval().registry();
     const auto& listing = registry.listing();
     if (index < 0 || static_cast<std::size_t>(index) >= listing.size()) return 0;
@@ -38,10 +40,8 @@ KERFLINE_API int32_t GetEvalFunc(int32_t index, EVALFUNC* info) {
     info->pszSecond = record.second_text.c_str();
     info->pszHelp = record.help.c_str();
     info->dwFlags = (record.user ? EVALFUNC_USER : 0U) | (shadowed ? EVALFUNC_SHADOWED : 0U);
-    return 1;
-  } catch (...) {
-    return -3;  // the name's upper-case form could not be built
-  }
+    return KERFLINE_SUCCESS;
+  });
 }
 
 }  // extern "C"

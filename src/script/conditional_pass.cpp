@@ -93,8 +93,8 @@ bool compare(int op, const std::string& left, const std::string& right) {
 std::string Evaluator::decide_block(std::string_view content, bool closed, int depth) {
   const BlockParts parts = split_block(content);
   const std::string_view cond = parts.condition;
-  const std::string then_text(parts.then_text);
-  const std::string else_text(parts.else_text);
+  std::string then_text(parts.then_text);  // not const: returned by move
+  std::string else_text(parts.else_text);
   using platform::cp1252::equals_no_case;
   if (equals_no_case(cond, "ISCLOSED")) return closed ? then_text : else_text;
   if (equals_no_case(cond, "TRUE") || cond == "1") return then_text;

@@ -14,12 +14,21 @@ bool FunctionRegistry::add(FunctionRecord record) {
   if (record.name.empty()) return false;
   std::string key = platform::cp1252::to_upper(record.name);
   const bool taken = by_upper_name_.count(key) != 0;
-  records_.push_back(std::make_unique<FunctionRecord>(std::move(record)));
-  const FunctionRecord* kept = records_.back().get();
+  // All or nothing: whatever can run out of memory comes first, the pushes
+  // into room made beforehand cannot fail.
+  auto owned = std::make_unique<FunctionRecord>(std::move(record));
+  const FunctionRecord* kept = owned.get();
+  const auto make_room = [](auto& list) {
+    if (list.size() == list.capacity()) list.reserve(list.size() * 2 + 8);
+  };
+  make_room(records_);
+  make_room(listing_);
+  make_room(order_);
+  if (!taken) by_upper_name_.emplace(std::move(key), kept);
+  records_.push_back(std::move(owned));
   listing_.push_back(kept);
   if (taken) return false;
   order_.push_back(kept);
-  by_upper_name_.emplace(std::move(key), kept);
   return true;
 }
 

@@ -32,8 +32,13 @@ bool ProcessEval::add_user_function(const std::string& name, const std::string& 
   for (const UserFunction& f : user_functions_) {
     if (platform::cp1252::equals_no_case(f.name, name)) return false;
   }
-  user_functions_.push_back({name, parameters, body});
+  // Registered first and kept in room made beforehand, so running out of
+  // memory leaves the function neither half added nor taken.
+  UserFunction added{name, parameters, body};
+  if (user_functions_.size() == user_functions_.capacity())
+    user_functions_.reserve(user_functions_.size() * 2 + 4);
   if (registry_built_) script::add_user_function(registry_, name, parameters, body);
+  user_functions_.push_back(std::move(added));
   return true;
 }
 

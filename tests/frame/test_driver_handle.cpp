@@ -104,8 +104,7 @@ TEST_F(DriverHandle, UnreadableFilesFailWithoutABoxForTheContents) {
 
 TEST_F(DriverHandle, FailedInitDrvSLeavesTheRecordAsItWas) {
   VMV6DRV drv = record_for(dir.str() + "absent.drv", 3);
-  int marker = 0;
-  drv.pDrv = &marker;
+  drv.pDrv = &drv;
   const VMV6DRV before = drv;
   EXPECT_EQ(InitDrvS(&drv), -4);
   EXPECT_EQ(std::memcmp(&drv, &before, sizeof(drv)), 0);
@@ -122,9 +121,15 @@ TEST_F(DriverHandle, BadRecordsAreRefusedWithoutChange) {
   EXPECT_EQ(std::memcmp(&empty, &before, sizeof(empty)), 0);
 
   VMV6DRV closed = record_for(sample());
-  EXPECT_EQ(FreeDrv(&closed), -2);
-  EXPECT_EQ(StoreDrv(&closed), -2);
-  EXPECT_EQ(SetDllMode(&closed), -2);
+  ASSERT_EQ(InitDrv(&closed), 1);
+  void* freed = closed.pDrv;
+  ASSERT_EQ(FreeDrv(&closed), 1);
+  for (void* gone : std::initializer_list<void*>{nullptr, freed, &closed}) {  // closed, stale copy, forged
+    closed.pDrv = gone;
+    EXPECT_EQ(FreeDrv(&closed), -2);
+    EXPECT_EQ(StoreDrv(&closed), -2);
+    EXPECT_EQ(SetDllMode(&closed), -2);
+  }
   EXPECT_TRUE(host.boxes.empty());
 }
 
@@ -148,8 +153,7 @@ TEST_F(DriverHandle, InitDrvQuickCreatesAnEmptyDocumentWithoutReading) {
   EXPECT_TRUE(document_of(&drv)->Root().GetChildren().empty());
   EXPECT_TRUE(host.boxes.empty());
 
-  // Storing the new document creates the file, which then opens.
-  document_of(&drv)->Root().AddChild(named("%DriverName%", "Fresh"));
+  document_of(&drv)->Root().AddChild(named("%DriverName%", "Fresh"));  // stored, then opened
   EXPECT_EQ(StoreDrv(&drv), 1);
   EXPECT_EQ(FreeDrv(&drv), 1);
   ASSERT_EQ(InitDrv(&drv), 1);

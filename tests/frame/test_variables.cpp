@@ -293,12 +293,12 @@ TEST(GetVar, OwnerRecordsThatNoLongerReferToATool) {
   EXPECT_EQ(GetVar(&var), -5);  // a tool of another driver
   FreeTool(&tool);
   open_tool(d, Owner::Cut, tool);
+  DRVTOOL copy = tool;  // kept past its release
   FreeTool(&tool);
   EXPECT_EQ(GetVar(&var), -5);  // released record
-
-  DRVTOOL forged{};
-  int junk[8] = {};
-  forged.pItem = junk;
+  var.pOwner = &copy;
+  EXPECT_EQ(GetVar(&var), -5);
+  DRVTOOL forged{&forged, nullptr, nullptr, 0, 0};
   var.pOwner = &forged;
   EXPECT_EQ(GetVar(&var), -5);
 }

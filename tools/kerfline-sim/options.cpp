@@ -78,7 +78,7 @@ std::optional<Options> parse_options(const std::vector<std::string>& args, std::
       return true;
     };
     auto bad = [&](const std::string& v) {
-      error = "bad value for " + name + ": '" + v + "'";
+      error = std::string("bad value for ").append(name).append(": '").append(v).append("'");
       return std::nullopt;
     };
     auto set_transport = [&](Transport t) {
@@ -115,7 +115,7 @@ std::optional<Options> parse_options(const std::vector<std::string>& args, std::
       if (!value(v)) return std::nullopt;
       if (!parse_number(v, o.refuse) || o.refuse < 0) return bad(v);
     } else if (name == "--flood") {
-      o.flood_bytes = 10 * 1024 * 1024;
+      o.flood_bytes = std::size_t{10} * 1024 * 1024;
       if (inline_value && (!parse_number(*inline_value, o.flood_bytes) || o.flood_bytes == 0)) {
         return bad(*inline_value);
       }

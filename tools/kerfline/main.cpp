@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
 
 #include "cli_io.hpp"
@@ -11,7 +12,9 @@
 #include "kerfline/kerfline.h"
 #include "message_boxes.hpp"
 
-int main(int argc, char** argv) {
+namespace {
+
+int run(int argc, char** argv) {
   CLI::App app{"kerfline - drivers, templates and devices of the Kerfline cutter library", "kerfline"};
   app.allow_windows_style_options(false);  // "/abs/path" is a path, not an option
   app.require_subcommand(1);
@@ -50,4 +53,18 @@ int main(int argc, char** argv) {
   // Output that never arrived (a full disk, a closed pipe) is a failure too.
   if (result == kerfline::cli::kExitOk && !kerfline::cli::stdout_intact()) return kerfline::cli::kExitFailure;
   return result;
+}
+
+}  // namespace
+
+// A command that fails by exception ends with a message, not with abort().
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "kerfline: %s\n", e.what());
+  } catch (...) {
+    std::fprintf(stderr, "kerfline: unexpected failure\n");
+  }
+  return EXIT_FAILURE;
 }

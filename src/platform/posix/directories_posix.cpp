@@ -44,8 +44,10 @@ Result<bool> unlink_files(int fd, const std::string& where) {
     struct stat st {};
     if (::fstatat(dfd, n.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) continue;
     if (S_ISDIR(st.st_mode)) continue;
-    if (::unlinkat(dfd, n.c_str(), 0) != 0 && errno != ENOENT)
-      return os_error(errno, "unlink " + where + "/" + n);
+    if (::unlinkat(dfd, n.c_str(), 0) != 0 && errno != ENOENT) {
+      const int error = errno;  // before the message allocates
+      return os_error(error, std::string("unlink ").append(where).append("/").append(n));
+    }
   }
   return true;
 }
@@ -87,11 +89,14 @@ Result<bool> remove_directory_files(const std::string& path,
     const int fd = open_dir_no_follow(top.get(), name.c_str());
     if (fd < 0) {
       if (errno == ENOENT) continue;
-      return os_error(errno, "open " + path + "/" + name);
+      const int error = errno;
+      return os_error(error, std::string("open ").append(path).append("/").append(name));
     }
-    if (auto r = unlink_files(fd, path + "/" + name); !r) return r;
+    const std::string sub_path = std::string(path).append("/").append(name);
+    if (auto r = unlink_files(fd, sub_path); !r) return r;
     if (::unlinkat(top.get(), name.c_str(), AT_REMOVEDIR) != 0) {
-      return os_error(errno, "rmdir " + path + "/" + name);
+      const int error = errno;
+      return os_error(error, "rmdir " + sub_path);
     }
   }
   const int dup_fd = ::dup(top.get());

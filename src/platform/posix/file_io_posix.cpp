@@ -136,7 +136,8 @@ Result<FileIdentity> replace_atomically(const std::string& path_in, std::string_
   std::string temp;
   int raw_fd = -1;
   for (int attempt = 0; attempt < 100 && raw_fd < 0; ++attempt) {
-    temp = dir + "/." + base + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+    temp.assign(dir).append("/.").append(base).append(".tmp-");
+    temp.append(std::to_string(::getpid())).append("-").append(std::to_string(counter++));
     raw_fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (raw_fd < 0 && errno != EEXIST) return os_error(errno, "create", temp);
   }

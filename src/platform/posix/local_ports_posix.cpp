@@ -50,7 +50,7 @@ std::vector<std::string> local_ports() {
   std::vector<std::string> ports;
   // Every 8250 slot has a ttyS node; only those with a UART behind it are ports.
   for (const auto& [n, name] : numbered(tty, "ttyS")) {
-    const auto type = read_first_line(tty + "/" + name + "/type", 16);
+    const auto type = read_first_line(std::string(tty).append("/").append(name).append("/type"), 16);
     if (type && !type.value().empty() && type.value() != "0") ports.push_back("/dev/" + name);
   }
   for (const char* prefix : {"ttyUSB", "ttyACM"}) {

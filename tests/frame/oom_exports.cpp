@@ -1,0 +1,130 @@
+// Every export that documents "-3 out of memory", run with each of its
+// allocations failing in turn (the library's allocator and operator new):
+// each gives -3 at least once, and no failure crashes, leaks (LeakSanitizer)
+// or leaves a record half filled.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <string>
+
+#include "driver_files.hpp"
+#include "fixtures/table_names.hpp"
+#include "fixtures/temp_dir.hpp"
+#include "platform/library_memory.hpp"
+#include "sample_driver.hpp"
+
+void* operator new(std::size_t n) {
+  if (kerfline::platform::allocation_fails()) throw std::bad_alloc();
+  if (void* block = std::malloc(n == 0 ? 1 : n)) return block;
+  throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+namespace {
+
+using kerfline::test::SampleDriver;
+
+bool zeroed(const void* record, std::size_t size) {
+  const auto* bytes = static_cast<const unsigned char*>(record);
+  for (std::size_t i = 0; i < size; ++i) {
+    if (bytes[i] != 0) return false;
+  }
+  return true;
+}
+
+// What a call works on, made fresh (with no failure armed) for every attempt.
+struct Scene {
+  SampleDriver d;
+  kerfline::test::TempDir dir;
+  VMV6DRV file{};
+  DRVTOOL tool{};
+  DRVMATERIAL material{};
+  DLGVARLIST list{};
+  VARDESC desc{};
+  CUTDATA cut{};
+  EVALFUNC func{};
+  char text[300]{};
+  Scene() {
+    file = kerfline::test::record_for(kerfline::test::write_driver(dir, "oom.drv", [](auto&) {}));
+    InitCutData(&cut);
+    InitEval(0, 0, nullptr);                            // builds the function registry
+    AddEvalUserFunc("OomListedUserFunction", "", "x");  // long enough to need memory for its upper case
+  }
+  ~Scene() {
+    FreeDrv(&file);
+    FreeTool(&tool);
+    FreeMaterial(&material);
+    FreeDlgVars(&list);
+    FreeVarDesc(&desc);
+    FreeCutData(&cut);
+  }
+};
+
+struct Row {
+  const char* name;
+  std::function<int32_t(Scene&)> call;
+  // What a -3 must leave behind.
+  std::function<bool(Scene&)> intact;
+};
+
+const CUTVAR kVar{const_cast<char*>("%Speed%"), const_cast<char*>("40")};
+const CUTLAYER kLayer{};
+
+const Row kRows[] = {
+    {"KerflineGetHelpFile", [](Scene& s) { return KerflineGetHelpFile(s.text, sizeof s.text); },
+     [](Scene& s) { return s.text[0] == '\0'; }},
+    {"InitDrv", [](Scene& s) { return InitDrv(&s.file); },
+     [](Scene& s) { return zeroed(&s.file, sizeof s.file); }},
+    {"InitDrvQuick", [](Scene& s) { return InitDrvQuick(&s.file); },
+     [](Scene& s) { return s.file.pDrv == nullptr; }},
+    {"GetVarDesc", [](Scene& s) { return GetVarDesc(9352, 0, &s.desc); },
+     [](Scene& s) { return s.desc.pszName == nullptr && s.desc.pszDescription == nullptr; }},
+    {"GetFirstTool", [](Scene& s) { return GetFirstTool(&s.d.handle, &s.tool); },
+     [](Scene& s) { return zeroed(&s.tool, sizeof s.tool); }},
+    {"AddMaterial", [](Scene& s) { return AddMaterial(&s.d.handle, "Foil", &s.material); },
+     [](Scene& s) { return zeroed(&s.material, sizeof s.material) && CountMaterial(&s.d.handle) == 1; }},
+    {"GetDlgVars",
+     [](Scene& s) { return GetDlgVars(&s.d.handle, KERFLINE_VARKIND_DRIVER, nullptr, &s.list); },
+     [](Scene& s) { return zeroed(&s.list, sizeof s.list); }},
+    {"AddVariable", [](Scene& s) { return AddVariable(&s.cut, &kVar); },
+     [](Scene& s) { return s.cut.nVarCount == 0 && s.cut.pVars == nullptr; }},
+    {"AddLayer", [](Scene& s) { return AddLayer(&s.cut, &kLayer); },
+     [](Scene& s) { return s.cut.nLayerCount == 0 && s.cut.pLayers == nullptr; }},
+    {"SetEvalVar", [](Scene&) { return SetEvalVar("%OomVar%", "value", 0); }, [](Scene&) { return true; }},
+    {"AddEvalUserFunc", [](Scene&) { return AddEvalUserFunc("OomAddedUserFunction", "a", "&a&"); },
+     [](Scene&) { return true; }},
+    {"LoadEvalVars", [](Scene& s) { return LoadEvalVars(&s.d.handle, 0xFFFFFFFFu); },
+     [](Scene&) { return true; }},
+    {"GetEvalFunc", [](Scene& s) { return GetEvalFunc(GetEvalFuncCount() - 1, &s.func); },
+     [](Scene& s) { return zeroed(&s.func, sizeof s.func); }},
+};
+
+class OutOfMemory : public ::testing::TestWithParam<Row> {};
+
+TEST_P(OutOfMemory, EveryFailingAllocationIsReportedAndLeavesNothingHalfDone) {
+  const Row& row = GetParam();
+  bool reported = false;
+  for (long n = 1;; ++n) {
+    ASSERT_LT(n, 100000) << "no end to the allocations";
+    Scene scene;
+    kerfline::platform::fail_nth_allocation(n);
+    const int32_t result = row.call(scene);
+    const bool failed = kerfline::platform::fail_nth_allocation(0) == 0;
+    if (!failed) {
+      EXPECT_GE(result, 1) << "with every allocation granted";
+      break;
+    }
+    if (result != KERFLINE_OUT_OF_MEMORY) continue;  // a failure the export absorbed
+    reported = true;
+    EXPECT_TRUE(row.intact(scene)) << "allocation " << n;
+  }
+  EXPECT_TRUE(reported) << "no allocation failure gave -3";
+}
+
+INSTANTIATE_TEST_SUITE_P(Exports, OutOfMemory, ::testing::ValuesIn(kRows),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
