@@ -1390,7 +1390,7 @@ typedef struct KERFLINE_DEVICE_ANSWER {
  * instead. Returns nStatus.
  */
 KERFLINE_API int32_t ReadDeviceString(VMV6DRV* drv, const char* device, const char* instruction,
-                                      KERFLINE_DEVICE_ANSWER* answer);
+                                      KERFLINE_DEVICE_ANSWER* answer) KERFLINE_NOEXCEPT;
 
 /*
  * ReadDeviceString, then the decimal numbers of the answer (separated by
@@ -1398,7 +1398,7 @@ KERFLINE_API int32_t ReadDeviceString(VMV6DRV* drv, const char* device, const ch
  * holds no number.
  */
 KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char* instruction,
-                                    KERFLINE_DEVICE_ANSWER* answer);
+                                    KERFLINE_DEVICE_ANSWER* answer) KERFLINE_NOEXCEPT;
 
 /*
  * The media width: sends the driver's %Read% (default "OH;"), cuts the answer
@@ -1410,7 +1410,8 @@ KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char
  * code); a section that fails empties its text.
  * dValues[0] gets the width, nCount 1. Returns nStatus.
  */
-KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLINE_DEVICE_ANSWER* answer);
+KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device,
+                                        KERFLINE_DEVICE_ANSWER* answer) KERFLINE_NOEXCEPT;
 
 /*
  * Names the driver and device that the evaluator's device functions
@@ -1418,7 +1419,7 @@ KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLI
  * it. The driver record must stay valid while it is named. Returns 1, or 0
  * when there is no evaluator yet (call InitEval first).
  */
-KERFLINE_API int32_t SetEvalDevice(VMV6DRV* drv, const char* device);
+KERFLINE_API int32_t SetEvalDevice(VMV6DRV* drv, const char* device) KERFLINE_NOEXCEPT;
 
 /* ======================================================================
  * Device list
@@ -1707,7 +1708,7 @@ typedef struct KERFLINE_SCRIPT_HOST KERFLINE_SCRIPT_HOST;
  * global code failed (the box above was shown, *host is null and nothing is
  * left to free); -2 when host is null.
  */
-KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalCode);
+KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalCode) KERFLINE_NOEXCEPT;
 
 /*
  * The value of the expression as text, in a block from the C run-time
@@ -1716,16 +1717,16 @@ KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalC
  * null. Truth values come out as "-1" and "0"; with Lua numbers use the
  * point as decimal separator (with VBScript the user's locale decides).
  */
-KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression);
+KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression) KERFLINE_NOEXCEPT;
 
 /* Frees a block from DoVBEval (null is allowed). Always 1. */
-KERFLINE_API int32_t FreeVBResult(char* result);
+KERFLINE_API int32_t FreeVBResult(char* result) KERFLINE_NOEXCEPT;
 
 /*
  * Ends the engine of *host, frees the host and stores null in *host. A null
  * host pointer or a null *host does nothing. Always 1.
  */
-KERFLINE_API int32_t FreeVBEval(KERFLINE_SCRIPT_HOST** host);
+KERFLINE_API int32_t FreeVBEval(KERFLINE_SCRIPT_HOST** host) KERFLINE_NOEXCEPT;
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -76,19 +76,17 @@ using kerfline::device::read_string;
 extern "C" {
 
 KERFLINE_API int32_t ReadDeviceString(VMV6DRV* drv, const char* device, const char* instruction,
-                                      KERFLINE_DEVICE_ANSWER* answer) {
-  try {
+                                      KERFLINE_DEVICE_ANSWER* answer) noexcept {
+  return kerfline::platform::guarded_as<int32_t>(0, [&]() -> int32_t {
     std::string text;
     if (instruction == nullptr) return answer != nullptr ? (answer->nStatus = -2) : -2;
     return read_string(drv, device, instruction, '\0', answer, text);
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
 KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char* instruction,
-                                    KERFLINE_DEVICE_ANSWER* answer) {
-  try {
+                                    KERFLINE_DEVICE_ANSWER* answer) noexcept {
+  return kerfline::platform::guarded_as<int32_t>(0, [&]() -> int32_t {
     std::string text;
     if (instruction == nullptr) return answer != nullptr ? (answer->nStatus = -2) : -2;
     const int32_t status = read_string(drv, device, instruction, '\0', answer, text);
@@ -106,14 +104,13 @@ KERFLINE_API int32_t ReadDeviceVals(VMV6DRV* drv, const char* device, const char
     }
     if (answer->nCount == 0) answer->nStatus = -1;
     return answer->nStatus;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLINE_DEVICE_ANSWER* answer) {
+KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device,
+                                        KERFLINE_DEVICE_ANSWER* answer) noexcept {
   using kerfline::device::driver_value;
-  try {
+  return kerfline::platform::guarded_as<int32_t>(0, [&]() -> int32_t {
     // Sections are expanded with one engine per text, the driver's
     // %VBGlobalCode% as its global code.
     const std::string globals = driver_value(drv, "%VBGlobalCode%", "");
@@ -140,13 +137,11 @@ KERFLINE_API int32_t GetWidthFromDevice(VMV6DRV* drv, const char* device, KERFLI
       }
     }
     return answer->nStatus;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API int32_t SetEvalDevice(VMV6DRV* drv, const char* device) {
-  try {
+KERFLINE_API int32_t SetEvalDevice(VMV6DRV* drv, const char* device) noexcept {
+  return kerfline::platform::guarded_as<int32_t>(0, [&]() -> int32_t {
     kerfline::script::Evaluator* e = kerfline::script::process_eval().evaluator();
     if (e == nullptr) return 0;
     if (device == nullptr || *device == '\0') {
@@ -155,9 +150,7 @@ KERFLINE_API int32_t SetEvalDevice(VMV6DRV* drv, const char* device) {
       e->set_device(std::make_shared<kerfline::device::EvalDevice>(drv, device));
     }
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
 }  // extern "C"

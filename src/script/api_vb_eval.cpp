@@ -6,6 +6,8 @@
 #include <string>
 
 #include "kerfline/kerfline.h"
+#include "platform/c_boundary.hpp"
+#include "platform/library_memory.hpp"
 #include "script/vb_bridge.hpp"
 
 struct KERFLINE_SCRIPT_HOST {
@@ -14,38 +16,35 @@ struct KERFLINE_SCRIPT_HOST {
 
 extern "C" {
 
-KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalCode) {
+KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalCode) noexcept {
   if (host == nullptr) return KERFLINE_BAD_ARGUMENT;
   *host = nullptr;
-  try {
+  return kerfline::platform::guarded_as<int32_t>(0, [&]() -> int32_t {
     auto bridge = kerfline::script::VbBridge::start(globalCode != nullptr ? globalCode : "");
     if (bridge == nullptr) return 0;
     *host = new KERFLINE_SCRIPT_HOST{std::move(bridge)};
     return 1;
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
-KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression) {
+KERFLINE_API char* DoVBEval(KERFLINE_SCRIPT_HOST* host, const char* expression) noexcept {
   if (host == nullptr || expression == nullptr) return nullptr;
-  try {
+  return kerfline::platform::guarded_pointer([&]() -> char* {
     const std::optional<std::string> value = host->bridge->eval(expression);
     if (!value) return nullptr;
-    auto* block = static_cast<char*>(std::malloc(value->size() + 1));
+    // The host frees the block with the C runtime's free().
+    auto* block = static_cast<char*>(kerfline::platform::c_runtime_alloc(value->size() + 1));
     if (block != nullptr) std::memcpy(block, value->c_str(), value->size() + 1);
     return block;
-  } catch (...) {
-    return nullptr;
-  }
+  });
 }
 
-KERFLINE_API int32_t FreeVBResult(char* result) {
+KERFLINE_API int32_t FreeVBResult(char* result) noexcept {
   std::free(result);
   return 1;
 }
 
-KERFLINE_API int32_t FreeVBEval(KERFLINE_SCRIPT_HOST** host) {
+KERFLINE_API int32_t FreeVBEval(KERFLINE_SCRIPT_HOST** host) noexcept {
   if (host == nullptr) return 1;
   delete *host;
   *host = nullptr;
