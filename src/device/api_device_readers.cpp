@@ -7,12 +7,10 @@
 
 #include "device/device_exchange.hpp"
 #include "device/port_access.hpp"
+#include "platform/c_boundary.hpp"
 #include "script/answer_format.hpp"
 #include "script/process_state.hpp"
-#if __has_include("script/vb_sections.hpp")
-#  include "script/vb_sections.hpp"
-#  define KERFLINE_HAVE_VB_SECTIONS 1
-#endif
+#include "script/vb_sections.hpp"
 
 static_assert(sizeof(KERFLINE_DEVICE_ANSWER) == 208);
 static_assert(offsetof(KERFLINE_DEVICE_ANSWER, nStatus) == 0);
