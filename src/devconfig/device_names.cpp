@@ -77,7 +77,7 @@ std::vector<ListedDevice> list_devices(const std::string& file) {
     if (type == DEVTYPE_CUTTER || type == DEVTYPE_REMOTE) {
       dir = ini::read_string(d.name, "DevDrvPath", "", file);
     } else if (type == DEVTYPE_TCPIP_CLIENT) {
-      dir = platform::join_path(ini_directory(file), "cutter/");
+      dir = platform::join_path(ini_directory(file), platform::native_separators("cutter/"));
     }
     if (type == DEVTYPE_REMOTE || type == DEVTYPE_TCPIP_CLIENT) d.port = kRemotePort;
     if (type == DEVTYPE_CUTTER || type == DEVTYPE_REMOTE || type == DEVTYPE_TCPIP_CLIENT) {

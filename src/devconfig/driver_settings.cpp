@@ -51,7 +51,8 @@ const T& view(const T* d, const T& empty) {
 CDriverDeviceSettings::CDriverDeviceSettings() : m_pDriver(new (std::nothrow) Data) {
   if (m_pDriver != nullptr) {
     guarded([&] {
-      m_pDriver->drv_path = kerfline::platform::join_path(kerfline::platform::home_dir(), "cutter/");
+      namespace platform = kerfline::platform;
+      m_pDriver->drv_path = platform::join_path(platform::home_dir(), platform::native_separators("cutter/"));
     });
   }
 }

@@ -19,7 +19,7 @@ class SuiteDir : public ::testing::Test {
   ~SuiteDir() override { platform::set_home_dir(""); }
 
   [[nodiscard]] std::string home() const { return dir_.str(); }
-  [[nodiscard]] std::string file(const std::string& leaf) const { return dir_.str() + leaf; }
+  [[nodiscard]] std::string file(const std::string& leaf) const { return dir_.str(leaf); }
   // The section's lines ("key=value") in file order.
   [[nodiscard]] std::vector<std::string> lines(const std::string& section, const std::string& leaf) const {
     return platform::ini::read_section(section, file(leaf));

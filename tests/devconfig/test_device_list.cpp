@@ -51,7 +51,7 @@ struct ListRow {
 };
 
 const ListRow kListRows[] = {
-    {"DevOut=/dev/ttyS0\nDevDrvPath=/drv\nDevDrvFileName=a.vmd\n", {"D", "/dev/ttyS0", "/drv/a.vmd"}},
+    {"DevOut=COM1\nDevDrvPath={HOME}drv\nDevDrvFileName=a.vmd\n", {"D", "COM1", "{HOME}drv/a.vmd"}},
     {"DevType=3\nDevOut=/dev/ttyS0\n", {"", "", ""}},
     {"DevFlgLocal=0\nDevOut=/dev/ttyS0\nDevDrvPath=/drv/\nDevDrvFileName=a.vmd\n", {"D", "", "/drv/a.vmd"}},
     // The spooler flag defaults to 1 here: the port is "DevOut" whatever the port type.
@@ -75,7 +75,7 @@ const ListRow kListRows[] = {
 class ListTable : public SuiteDir, public ::testing::WithParamInterface<ListRow> {};
 
 TEST_P(ListTable, RecordFollowsTheKeys) {
-  dir_.write("plotman.ini", std::string("[DeviceNames]\nD=1\n[D]\n") + GetParam().section);
+  dir_.write("plotman.ini", expand(std::string("[DeviceNames]\nD=1\n[D]\n") + GetParam().section));
   const Listed& e = GetParam().expected;
   std::vector<Listed> expected;
   if (*e.name.c_str() != '\0') expected.push_back({e.name, e.port, expand(e.path)});
@@ -115,13 +115,13 @@ TEST_F(DeviceList, AddWritesKeysSpoolLayoutAndAnnounces) {
   const CUTDEVICE d = record("Cut:1", "COM3", driver);
   ASSERT_EQ(WriteCutDevice(&d), 1);
 
-  const std::string spool = file("SPOOLER/SL_CUT_1");
-  EXPECT_TRUE(fs::is_regular_file(spool + "/index.hot"));
-  EXPECT_TRUE(fs::is_directory(spool + "/saved"));
+  const std::string spool = file("SPOOLER/SL_CUT_1/");
+  EXPECT_TRUE(fs::is_regular_file(spool + "index.hot"));
+  EXPECT_TRUE(fs::is_directory(spool + "saved"));
   EXPECT_EQ(ini::read_string("DeviceNames", "Cut:1", "", ini_file()), "1");
   EXPECT_EQ(ini::read_string("Cut:1", "DevOut", "", ini_file()), "COM3");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevIni", "", ini_file()), spool + "/index.hot");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevIn", "", ini_file()), spool + "/");
+  EXPECT_EQ(ini::read_string("Cut:1", "DevIni", "", ini_file()), spool + "index.hot");
+  EXPECT_EQ(ini::read_string("Cut:1", "DevIn", "", ini_file()), spool);
   EXPECT_EQ(ini::read_string("Cut:1", "DevDrvPath", "", ini_file()), file("drivers/"));
   EXPECT_EQ(ini::read_string("Cut:1", "DevDrvFileName", "", ini_file()), "gx24.vdv");
   EXPECT_EQ(ini::read_string("Cut:1", "DevDrvInfo", "", ini_file()), "Graphtec GX-24");
@@ -130,7 +130,7 @@ TEST_F(DeviceList, AddWritesKeysSpoolLayoutAndAnnounces) {
 
   char path[512];
   EXPECT_EQ(GetCutDevicePath("Cut:1", path, sizeof path), 1);
-  EXPECT_EQ(path, spool + "/");
+  EXPECT_EQ(path, spool);
   CUTDEVICEINFO info{7, 7};
   EXPECT_EQ(GetCutDeviceInfo("Cut:1", &info), 1);
   EXPECT_EQ(info.nReserved, 0);

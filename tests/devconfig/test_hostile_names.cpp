@@ -14,17 +14,18 @@ namespace {
 
 namespace fs = std::filesystem;
 using kerfline::test::TempDir;
+const bool kWindows = kerfline::platform::path_separator() == '\\';
 
 // Every path below root, except those below the spool directories.
 std::set<std::string> tree_outside_spool(const fs::path& root) {
   std::set<std::string> seen;
   for (auto it = fs::recursive_directory_iterator(root); it != fs::recursive_directory_iterator(); ++it) {
-    const std::string rel = fs::relative(it->path(), root).string();
+    const std::string rel = fs::relative(it->path(), root).generic_string();
     if (rel.rfind("suite/SPOOLER/SL_", 0) == 0) {
       it.disable_recursion_pending();
       continue;
     }
-    seen.insert(rel);
+    if (rel != "suite/plotman.ini") seen.insert(rel);  // the one file outside the spool a device may change
   }
   return seen;
 }
@@ -64,10 +65,8 @@ TEST_P(HostileNames, AddAndRemoveStayInsideTheSpoolRoot) {
   const auto before = tree_outside_spool(root_.path());
   const CUTDEVICE add = record(GetParam(), "/dev/null");
   EXPECT_EQ(WriteCutDevice(&add), 1);
-  auto after = tree_outside_spool(root_.path());
-  after.erase("suite/plotman.ini");
-  EXPECT_EQ(after, before);
-  // Everything made is one directory directly below SPOOLER.
+  EXPECT_EQ(tree_outside_spool(root_.path()), before);
+  // Everything made is one directory directly below SPOOLER (none for a name Windows forbids).
   std::size_t spool_dirs = 0;
   for (const auto& e : fs::directory_iterator(suite() / "SPOOLER")) {
     if (e.is_directory()) {
@@ -75,13 +74,11 @@ TEST_P(HostileNames, AddAndRemoveStayInsideTheSpoolRoot) {
       EXPECT_EQ(e.path().filename().string().rfind("SL_", 0), 0u);
     }
   }
-  EXPECT_EQ(spool_dirs, 1u);
+  EXPECT_EQ(spool_dirs, kWindows && std::strpbrk(GetParam(), "*?\"<>|") != nullptr ? 0u : 1u);
 
   const CUTDEVICE remove = record(GetParam(), "");
   EXPECT_EQ(WriteCutDevice(&remove), 1);
-  after = tree_outside_spool(root_.path());
-  after.erase("suite/plotman.ini");
-  EXPECT_EQ(after, before);
+  EXPECT_EQ(tree_outside_spool(root_.path()), before);
   CBaseDeviceSettings().DeleteDir(GetParam());
   EXPECT_EQ(tree_outside_spool(root_.path()).count("victim/keep.txt"), 1u);
 }
@@ -112,6 +109,7 @@ TEST_F(Hostile, UnterminatedFieldsAreCutAtTheirWidth) {
 }
 
 TEST_F(Hostile, LinkedSpoolDirectoryIsNeitherFilledNorEmptied) {
+  if (kWindows) GTEST_SKIP() << "mingw-w64's libstdc++ cannot make symbolic links";
   fs::create_directory_symlink(root_.path() / "victim", suite() / "SPOOLER" / "SL_EVIL");
   const CUTDEVICE add = record("evil", "/dev/null");
   WriteCutDevice(&add);
@@ -124,6 +122,7 @@ TEST_F(Hostile, LinkedSpoolDirectoryIsNeitherFilledNorEmptied) {
 }
 
 TEST_F(Hostile, LinksInsideTheSpoolAreRemovedNotFollowed) {
+  if (kWindows) GTEST_SKIP() << "mingw-w64's libstdc++ cannot make symbolic links";
   const CUTDEVICE add = record("dev", "/dev/null");
   WriteCutDevice(&add);
   const fs::path spool = suite() / "SPOOLER" / "SL_DEV";

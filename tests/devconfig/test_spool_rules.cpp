@@ -63,13 +63,13 @@ const SafeNameRow kSafeNameRows[] = {
     {"", ""},
 };
 
-class SafeNameTable : public ::testing::TestWithParam<SafeNameRow> {};
+class SafeNameTable : public SuiteDir, public ::testing::WithParamInterface<SafeNameRow> {};
 
 TEST_P(SafeNameTable, NeverLeavesTheSpoolRoot) {
   const std::string safe = kerfline::devconfig::safe_device_name(GetParam().name);
   EXPECT_EQ(safe, GetParam().safe);
   EXPECT_EQ(safe.find_first_of("/\\."), std::string::npos);
-  EXPECT_EQ(kerfline::devconfig::spool_dir("/suite/", GetParam().name), "/suite/SPOOLER/SL_" + safe);
+  EXPECT_EQ(kerfline::devconfig::spool_dir(home(), GetParam().name), file("SPOOLER/SL_") + safe);
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, SafeNameTable, ::testing::ValuesIn(kSafeNameRows),

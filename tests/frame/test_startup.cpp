@@ -84,12 +84,12 @@ class LanguageContext : public FrameTest {};
 TEST_F(LanguageContext, PathsDeriveFromTheSuiteDirectory) {
   const kf::LanguageContext context = kf::language_context();
   EXPECT_EQ(context.base_dir, suite.str());
-  EXPECT_EQ(context.resource_dir, suite.str() + "Res/");
-  EXPECT_EQ(context.language_file, suite.str() + "Lang/lang.ini");
+  EXPECT_EQ(context.resource_dir, suite.str("Res/"));
+  EXPECT_EQ(context.language_file, suite.str("Lang/lang.ini"));
   EXPECT_TRUE(context.language_names.empty());
   // No language file: the language is "Ger".
-  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Ger/");
-  EXPECT_EQ(kf::help_file_path(), suite.str() + "Lang/Ger/plotman.hlp");
+  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Ger/"));
+  EXPECT_EQ(kf::help_file_path(), suite.str("Lang/Ger/plotman.hlp"));
 }
 
 TEST_F(LanguageContext, ReadsNamesAndLanguageFromLangIni) {
@@ -97,24 +97,24 @@ TEST_F(LanguageContext, ReadsNamesAndLanguageFromLangIni) {
               "[Languages]\r\nGer=Deutsch\r\nEng=English\r\nFra=\r\n[Default]\r\nActual=Eng\r\n");
   const kf::LanguageContext context = kf::language_context();
   EXPECT_EQ(context.language_names, (std::vector<std::string>{"Ger", "Eng", "Fra"}));
-  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Eng/");
+  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Eng/"));
 }
 
 TEST_F(LanguageContext, FindsTheLanguageFileAndDirectoryWhateverTheirCase) {
   suite.write("lang/LANG.INI", "[Languages]\nGer=1\n[Default]\nActual=GER\n");
   std::filesystem::create_directories(suite.path() / "lang/ger");
-  EXPECT_EQ(kf::language_context().language_file, suite.str() + "lang/LANG.INI");
-  EXPECT_EQ(kf::language_directory(), suite.str() + "lang/ger/");
+  EXPECT_EQ(kf::language_context().language_file, suite.str("lang/LANG.INI"));
+  EXPECT_EQ(kf::language_directory(), suite.str("lang/ger/"));
 }
 
 TEST_F(LanguageContext, WithoutDefaultSectionTheLanguageIsGer) {
   suite.write("Lang/lang.ini", "[Languages]\nEng=1\n");
-  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Ger/");
+  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Ger/"));
 }
 
 TEST_F(LanguageContext, LanguageIsReadIntoThirtyTwoCharacters) {
   suite.write("Lang/lang.ini", "[Default]\nActual=" + std::string(40, 'L') + "\n");
-  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/" + std::string(31, 'L') + "/");
+  EXPECT_EQ(kf::language_directory(), suite.str("Lang/" + std::string(31, 'L') + "/"));
 }
 
 TEST_F(LanguageContext, LanguagesSectionLongerThanTheFirstReadStaysCut) {
@@ -134,20 +134,20 @@ TEST_F(LanguageContext, LanguagesSectionLongerThanTheFirstReadStaysCut) {
 
 TEST_F(LanguageContext, IsRebuiltWhenTheSuiteDirectoryChanges) {
   suite.write("Lang/lang.ini", "[Default]\nActual=Eng\n");
-  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Eng/");
+  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Eng/"));
   // Cached while the directory stays...
   suite.write("Lang/lang.ini", "[Default]\nActual=Fra\n");
-  EXPECT_EQ(kf::language_directory(), suite.str() + "Lang/Eng/");
+  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Eng/"));
 
   TempDir other;
   other.write("Lang/lang.ini", "[Languages]\nIta=1\n[Default]\nActual=Ita\n");
   KerflineSetHomeDir(other.path().string().c_str());
   EXPECT_EQ(kf::language_context().base_dir, other.str());
   EXPECT_EQ(kf::language_context().language_names, std::vector<std::string>{"Ita"});
-  EXPECT_EQ(kf::language_directory(), other.str() + "Lang/Ita/");
+  EXPECT_EQ(kf::language_directory(), other.str("Lang/Ita/"));
 
   char help[512];
-  const std::string expected = other.str() + "Lang/Ita/plotman.hlp";
+  const std::string expected = other.str("Lang/Ita/plotman.hlp");
   EXPECT_EQ(KerflineGetHelpFile(help, sizeof(help)), static_cast<int32_t>(expected.size()));
   EXPECT_EQ(std::string(help), expected);
   EXPECT_EQ(KerflineGetHelpFile(help, static_cast<uint32_t>(expected.size())),

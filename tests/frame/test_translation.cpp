@@ -204,7 +204,7 @@ TEST_F(Translation, StartRecordCarriesFileAndLibraryDirectoryAndNothingElse) {
   EXPECT_EQ(record.field_788, 1u);
   kf::TranslationStartRecord expected;
   std::strcpy(expected.translation_file, tra.string().c_str());
-  std::strcpy(expected.library_dir, (suite.str() + "lang/dll").c_str());
+  std::strcpy(expected.library_dir, suite.str("lang/dll").c_str());
   EXPECT_EQ(std::memcmp(&record, &expected, sizeof record), 0);
 }
 

@@ -16,8 +16,9 @@ int message_box(const std::string& text, const std::string& caption, std::uint32
   if (answer > 0) return answer;
   // No desktop to show it on (a service, a headless session): say it where
   // someone may read it and take the safe answer, as a library without
-  // windows does.
-  std::fprintf(stderr, "%s: %s\n", caption.c_str(), text.c_str());
+  // windows does; a caption that already ends in a colon gets no second one.
+  const bool has_colon = !caption.empty() && caption.back() == ':';
+  std::fprintf(stderr, "%s%s %s\n", caption.c_str(), has_colon ? "" : ":", text.c_str());
   std::fflush(stderr);
   const std::uint32_t buttons = type & 0x0FU;
   return buttons == KERFLINE_MB_YESNO || buttons == KERFLINE_MB_YESNOCANCEL ? KERFLINE_IDNO : KERFLINE_IDOK;
