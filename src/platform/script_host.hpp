@@ -27,7 +27,7 @@ struct ScriptError {
 // (global code or one expression) runs at most this many virtual-machine
 // instructions, and one state never holds more than this many bytes.
 inline constexpr int kScriptInstructionLimit = 10'000'000;
-inline constexpr std::size_t kScriptMemoryLimit = 16U * 1024U * 1024U;
+inline constexpr std::size_t kScriptMemoryLimit = std::size_t{16} * 1024U * 1024U;
 
 class ScriptHost {
  public:

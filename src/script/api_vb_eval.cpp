@@ -22,6 +22,7 @@ KERFLINE_API int32_t InitVBEval(KERFLINE_SCRIPT_HOST** host, const char* globalC
   return kerfline::platform::guarded_as<int32_t>(0, [&]() -> int32_t {
     auto bridge = kerfline::script::VbBridge::start(globalCode != nullptr ? globalCode : "");
     if (bridge == nullptr) return 0;
+    // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded_as turns bad_alloc into 0.
     *host = new KERFLINE_SCRIPT_HOST{std::move(bridge)};
     return 1;
   });

@@ -224,6 +224,7 @@ std::optional<double> evaluate_arithmetic(std::string_view expression) {
 
 std::vector<std::string_view> arithmetic_function_names() {
   std::vector<std::string_view> names;
+  names.reserve(kFunctions.size());
   for (const NamedFunction& f : kFunctions) names.push_back(f.name);
   return names;
 }

@@ -40,7 +40,7 @@ std::uint32_t seconds_to_ms(const std::string& text, std::uint32_t fallback) {
   return static_cast<std::uint32_t>(std::min(s * 1000.0, static_cast<double>(kMaxTimeoutMs)));
 }
 
-std::optional<std::string> ask(Evaluator& e, const char* function, DialogueRequest request) {
+std::optional<std::string> ask(Evaluator& e, const char* function, const DialogueRequest& request) {
   DeviceDialogue* device = e.device();
   if (device == nullptr) {
     e.trace(std::string(function) + ": no device named for the evaluation");
@@ -375,12 +375,16 @@ std::string create_socket(ArgStack& args, const FunctionRecord&, Evaluator& e) {
     if (stream.ok()) {
       *free_slot = std::move(stream.value());
       session.current_socket = static_cast<int>(free_slot - session.sockets.begin()) + 1;
-      e.trace("CreateSocket: " + address + ":" + port_text + " is socket " +
-              std::to_string(session.current_socket));
+      std::string line = "CreateSocket: ";
+      line.append(address).append(":").append(port_text).append(" is socket ");
+      line += std::to_string(session.current_socket);
+      e.trace(line);
       return std::to_string(session.current_socket);
     }
     if (platform::tick_ms64() - start + 20 < static_cast<std::uint64_t>(slice)) {
-      e.trace("CreateSocket: " + address + ":" + port_text + ": " + stream.error().message);
+      std::string line = "CreateSocket: ";
+      line.append(address).append(":").append(port_text).append(": ").append(stream.error().message);
+      e.trace(line);
       break;
     }
   }

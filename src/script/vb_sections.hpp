@@ -10,7 +10,7 @@ namespace kerfline::script {
 // A text may hold at most this many sections (counting those that values
 // bring in) and grow to at most this size while they are expanded.
 inline constexpr int kMaxVbSections = 1000;
-inline constexpr std::size_t kMaxExpandedText = 16U * 1024U * 1024U;
+inline constexpr std::size_t kMaxExpandedText = std::size_t{16} * 1024U * 1024U;
 
 // Starts an engine with global_code and, while the text holds "<VBStart>",
 // replaces the text from the first "<VBStart>" to the first "<VBEnd>" (both

@@ -42,14 +42,15 @@ const char* kind_label(driver::TextKind kind) {
 std::string cell(std::string_view text) {
   std::string out;
   for (const char c : to_terminal(text)) {
-    if (c == '|')
+    if (c == '|') {
       out += "\\|";
-    else if (c == '\r')
+    } else if (c == '\r') {
       out += "\\r";
-    else if (c == '\n')
+    } else if (c == '\n') {
       out += "\\n";
-    else
+    } else {
       out.push_back(c);
+    }
   }
   return out;
 }

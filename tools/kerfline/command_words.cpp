@@ -11,8 +11,10 @@ namespace {
 
 std::string command_path(const CLI::App* app) {
   std::string path;
-  for (const CLI::App* a = app; a != nullptr; a = a->get_parent())
-    path = a->get_name() + (path.empty() ? "" : " ") + path;
+  for (const CLI::App* a = app; a != nullptr; a = a->get_parent()) {
+    if (!path.empty()) path.insert(0, " ");
+    path.insert(0, a->get_name());
+  }
   return path.empty() ? "kerfline" : path;
 }
 

@@ -66,7 +66,11 @@ void only_known_keys(const json& object, const std::vector<std::string_view>& kn
   for (const auto& [key, value] : object.items()) {
     bool found = false;
     for (const std::string_view k : known) found = found || k == key;
-    if (!found) throw FormError(path + "." + key + ": unknown key" + std::string(what));
+    if (!found) {
+      std::string message = path;
+      message.append(".").append(key).append(": unknown key").append(what);
+      throw FormError(message);
+    }
   }
 }
 
