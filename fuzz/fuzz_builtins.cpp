@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "kerfline/kerfline.h"
+#include "quiet_host.hpp"
 #include "sandbox.hpp"
 #include "script/postfix.hpp"
 #include "script/process_state.hpp"
@@ -27,8 +28,6 @@ using kerfline::script::FunctionRecord;
 
 const std::filesystem::path& sandbox() { return kerfline::fuzz::sandbox_dir("builtins"); }
 
-int silent_box(void*, const char*, const char*, uint32_t) { return KERFLINE_IDOK; }
-
 std::string stand_in(ArgStack& args, const FunctionRecord&, Evaluator&) { return args.pop(); }
 
 std::vector<const FunctionRecord*>& functions() {
@@ -38,10 +37,7 @@ std::vector<const FunctionRecord*>& functions() {
 
 bool set_up() {
   (void)sandbox();
-  KERFLINE_HOST_HOOKS hooks{};
-  hooks.cbSize = sizeof hooks;
-  hooks.pfnMessageBox = silent_box;
-  KerflineSetHostHooks(&hooks);
+  kerfline::fuzz::answer_message_boxes_at_once();
   FunctionRecord import;
   import.name = "Import";
   import.routine = stand_in;

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "kerfline/kerfline.h"
+#include "quiet_host.hpp"
 #include "sandbox.hpp"
 
 namespace {
@@ -25,14 +26,9 @@ std::string write_file(const char* name, std::string_view bytes) {
   return path;
 }
 
-int silent_box(void*, const char*, const char*, std::uint32_t) { return KERFLINE_IDOK; }
-
 // A current file that does not read is shown in a message box: answered at once.
 bool set_up() {
-  KERFLINE_HOST_HOOKS hooks{};
-  hooks.cbSize = sizeof hooks;
-  hooks.pfnMessageBox = silent_box;
-  KerflineSetHostHooks(&hooks);
+  kerfline::fuzz::answer_message_boxes_at_once();
   return true;
 }
 

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "kerfline/kerfline.h"
+#include "quiet_host.hpp"
 #include "script/postfix.hpp"
 #include "script/process_state.hpp"
 
@@ -34,17 +35,12 @@ std::string swallow(ArgStack& args, const FunctionRecord& record, Evaluator&) {
   return {};
 }
 
-int silent_box(void*, const char*, const char*, uint32_t) { return KERFLINE_IDOK; }
-
 bool set_up() {
   add("FWrite", swallow, 3);
   add("AddIsoLineNr", swallow, 6);
   add("AddIsoLineNrExt", swallow, 8);
   add("Import", swallow, 1);
-  KERFLINE_HOST_HOOKS hooks{};
-  hooks.cbSize = sizeof hooks;
-  hooks.pfnMessageBox = silent_box;
-  KerflineSetHostHooks(&hooks);
+  kerfline::fuzz::answer_message_boxes_at_once();
   AddEvalUserFunc("Twice", "a", "Join(a, a)");
   AddEvalUserFunc("Self", "a", "Self(Join(a, a))");
   SetEvalVar("%x%", "12.5", 0xFFFFFFFFu);

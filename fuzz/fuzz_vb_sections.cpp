@@ -7,17 +7,13 @@
 #include <string>
 
 #include "kerfline/kerfline.h"
+#include "quiet_host.hpp"
 #include "script/vb_sections.hpp"
 
 namespace {
 
-int silent_box(void*, const char*, const char*, uint32_t) { return KERFLINE_IDOK; }
-
 bool set_up() {
-  KERFLINE_HOST_HOOKS hooks{};
-  hooks.cbSize = sizeof hooks;
-  hooks.pfnMessageBox = silent_box;
-  KerflineSetHostHooks(&hooks);
+  kerfline::fuzz::answer_message_boxes_at_once();
   return true;
 }
 
