@@ -4,8 +4,9 @@
 namespace kerfline::test {
 namespace {
 
-TEST(BuiltinDoubles, ArithmeticPrintsShortDecimals) {
+TEST(BuiltinDoubles, CallsGiveExactOutput) {
   expect_rows({
+      // Arithmetic prints short decimals.
       {R"(&DAdd(0.1, 0.2))", "0.3"},
       {R"(&DSub(1, 3))", "-2"},
       {R"(&DSub(0.3, 0.1))", "0.2"},
@@ -19,11 +20,7 @@ TEST(BuiltinDoubles, ArithmeticPrintsShortDecimals) {
       {R"(&DDiv(0, 0))", "???"},
       {R"(&DAdd(123456789012345678, 0))", "123456789012346000"},
       {R"(&DAdd("1e3", "x"))", "1000"},
-  });
-}
-
-TEST(BuiltinDoubles, RoundingAndParts) {
-  expect_rows({
+      // Rounding and the parts of a number.
       {R"(&DRound(3.14159, 2))", "3.14"},
       {R"(&DRound(2.5, 0))", "3"},
       {R"(&DRound(-2.5, 0))", "-3"},
@@ -42,11 +39,7 @@ TEST(BuiltinDoubles, RoundingAndParts) {
       {R"(&DFract(-12.01))", "-0.01"},
       {R"(&DInt(12.01))", "12"},
       {R"(&DInt(-12.9))", "-12"},
-  });
-}
-
-TEST(BuiltinDoubles, FunctionsNamedByTheirSecondText) {
-  expect_rows({
+      // Functions as their second texts name them.
       {R"(&DSin(0))", "0"},
       {R"(&DCos(0))", "1"},
       {R"(&DTan(0.5))", "0.5463024898"},
@@ -64,11 +57,7 @@ TEST(BuiltinDoubles, FunctionsNamedByTheirSecondText) {
       {R"(&DPow(2, 10))", "1024"},
       {R"(&DLn(1))", "0"},
       {R"(&DLog(100))", "4.605170186"},  // log(d1): the natural logarithm
-  });
-}
-
-TEST(BuiltinDoubles, LineInterpolation) {
-  expect_rows({
+      // Interpolation along a line and an arc.
       {R"(&ILineX(0, 0, 10, 0, 5))", "5"},
       {R"(&ILineY(0, 0, 0, 10, 2.6))", "3"},
       {R"(&ILineX(0, 0, 3, 4, 10))", "6"},
@@ -77,11 +66,6 @@ TEST(BuiltinDoubles, LineInterpolation) {
       {R"(&ILineY(7, 8, 7, 8, 5))", "8"},
       {R"(&ILineX(0, 0, 10, 0, 15))", "15"},
       {R"(&ILineX(0, 0, -10, 0, 0.4))", "-0"},  // "%.0f" as C prints it
-  });
-}
-
-TEST(BuiltinDoubles, ArcInterpolation) {
-  expect_rows({
       {R"(&IAR(4, 10, 0, 0, 0, 360, "PA%x%,%y%;", 1, 1))", "PA0,10;PA-10,0;PA0,-10;PA10,0;"},
       {R"(&IAR(2, 10, 0, 0, 0, 180, "%x%/%Y% ", 2, 0.5))", "0/5 -20/0 "},
       {R"(&IAR(1, 10, 0, 0, 0, -90, "%x%,%y%", 1, 1))", "0,-10"},

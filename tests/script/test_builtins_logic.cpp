@@ -4,8 +4,9 @@
 namespace kerfline::test {
 namespace {
 
-TEST(BuiltinLogic, TruthOfNumbersAndTexts) {
+TEST(BuiltinLogic, CallsGiveExactOutput) {
   expect_rows({
+      // Truth of numbers and texts.
       {R"(&If("0.0", "a", "b"))", "b"},
       {R"(&If("abc", "a", "b"))", "a"},
       {R"(&If("", "a", "b"))", "b"},
@@ -24,11 +25,7 @@ TEST(BuiltinLogic, TruthOfNumbersAndTexts) {
       {R"(&XOR(1, 0))", "1"},
       {R"(&XOR("a", "b"))", "0"},
       {R"(&While(1, "x"))", ""},
-  });
-}
-
-TEST(BuiltinLogic, EqualityKeepsItsAsymmetry) {
-  expect_rows({
+      // Equality keeps its asymmetry.
       {R"(&Eql("abc", "ABC"))", "1"},
       {"&Eql(\"\xE4\", \"\xC4\")", "1"},
       {R"(&Eql("1.0", "1"))", "1"},
@@ -37,11 +34,7 @@ TEST(BuiltinLogic, EqualityKeepsItsAsymmetry) {
       {R"(&Eql("a", "b"))", "0"},
       {R"(&Eql("", "0"))", "1"},  // the empty text is the number 0
       {R"(&Eql("1a", "1"))", "0"},
-  });
-}
-
-TEST(BuiltinLogic, OrderIsNumericOrByteWise) {
-  expect_rows({
+      // Order is numeric or byte-wise.
       {R"(&Grtr("10", "9"))", "1"},
       {R"(&Grtr("b", "a"))", "1"},
       {R"(&Less("10", "9"))", "0"},
@@ -55,11 +48,7 @@ TEST(BuiltinLogic, OrderIsNumericOrByteWise) {
       {R"(&LEql("b", "a"))", "0"},
       {R"(&GEql("a", "a"))", "1"},
       {R"(&Less(-2, -10))", "0"},
-  });
-}
-
-TEST(BuiltinLogic, BitFunctionsWorkOnUnsigned32Bits) {
-  expect_rows({
+      // Bit functions work on unsigned 32 bits.
       {R"(&BITAND(12, 10))", "8"},
       {R"(&BITOR(12, 10))", "14"},
       {R"(&BITXOR(12, 10))", "6"},
@@ -69,13 +58,8 @@ TEST(BuiltinLogic, BitFunctionsWorkOnUnsigned32Bits) {
       {R"(&BITOR(4294967295, 0))", "4294967295"},
       {R"(&BITNOT(5000000000))", "0"},
       {R"(&BITAND("x", 7))", "0"},
-  });
-}
-
-TEST(BuiltinLogic, ExtendedOrAndNotAreShadowed) {
-  // The lower-case and upper-case spellings reach the basic entries: the
-  // error names them as the basic table registered them.
-  expect_rows({
+      // OR, AND and NOT reach the shadowing basic entries: the
+      // error names them as the basic table registered them.
       {R"(&OR(0, 1))", "1"},
       {R"(&OR(1))", "[incorrect number of parameters: Operator Or expects 2 parameters]"},
       {R"(&AND(1))", "[incorrect number of parameters: Operator And expects 2 parameters]"},

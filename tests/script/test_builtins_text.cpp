@@ -4,8 +4,9 @@
 namespace kerfline::test {
 namespace {
 
-TEST(BuiltinText, CaseLengthAndSearch) {
+TEST(BuiltinText, CallsGiveExactOutput) {
   expect_rows({
+      // Case, length and search.
       {"&Upper(\"abc \xE4\xF6\xFC\xFF 1\")", "ABC \xC4\xD6\xDC\x9F 1"},
       {"&Lower(\"ABC \xC4\x8A\")", "abc \xE4\x9A"},
       {R"(&Len(""))", "0"},
@@ -14,11 +15,7 @@ TEST(BuiltinText, CaseLengthAndSearch) {
       {R"(&Find("abc", "B"))", "-1"},
       {R"(&Find("abc", ""))", "0"},
       {R"(&Find("", "a"))", "-1"},
-  });
-}
-
-TEST(BuiltinText, LeftRightAndMidCountBeforeStart) {
-  expect_rows({
+      // Left, Right and Mid.
       {R"(&Left("ABCDEF", 2))", "AB"},
       {R"(&Left("ABC", 5))", "ABC"},
       {R"(&Left("ABC", -1))", ""},
@@ -34,11 +31,7 @@ TEST(BuiltinText, LeftRightAndMidCountBeforeStart) {
       {R"(&Mid("ABCDEF", 2, 9))", ""},
       {R"(&Mid("ABCDEF", -1, 1))", ""},
       {R"(&Mid("ABCDEF", 2, -3))", "AB"},
-  });
-}
-
-TEST(BuiltinText, ReplaceIgnoresCaseIn1252) {
-  expect_rows({
+      // Repl ignores case in 1252.
       {R"(&Repl("aXbxc", "x", "--"))", "a--b--c"},
       {"&Repl(\"\xE4"
        "bc\xC4\", \"\xC4\", \"A\")",
@@ -48,11 +41,7 @@ TEST(BuiltinText, ReplaceIgnoresCaseIn1252) {
       {R"(&Repl("abc", "abc", ""))", ""},
       // A literal's escapes are resolved twice: four backslashes make one.
       {R"(&Repl("Path\\\\File", "\\\\", "/"))", "Path/File"},
-  });
-}
-
-TEST(BuiltinText, JoiningQuotingAndPadding) {
-  expect_rows({
+      // Joining, quoting and padding.
       {R"(&Join("a", "b"))", "ab"},
       {R"(&Join3("a", "", "c"))", "ac"},
       {R"(&AddNChar("ab", "xyz", 3))", "abxxx"},

@@ -1,13 +1,15 @@
-// Escaping from a second thread while an evaluation waits in a device
-// function; also run under ThreadSanitizer (preset tsan).
+// Escaping from a second thread while an evaluation waits, in a device
+// function or for a file; also run under ThreadSanitizer (preset tsan).
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 #include "script/process_state.hpp"
 #include "script_fixture.hpp"
@@ -51,32 +53,19 @@ class Escape : public ::testing::Test {
   }
 };
 
-TEST_F(Escape, FromAnotherThreadEndsAWaitAtOnce) {
-  bool saw_busy = false;
-  const auto start = Clock::now();
-  // The second call's queue is not even started once escaped.
-  const auto result = run_and(
-      "&Wait(600000)&Wait(600000)", [] { EscapeEval(); }, saw_busy);
-  const auto elapsed = Clock::now() - start;
-  EXPECT_TRUE(saw_busy);
-  EXPECT_EQ(result, "escaped");
-  // Far below the ten-minute wait: the wait did not run out.
-  EXPECT_LT(elapsed, std::chrono::seconds(60));
-  EXPECT_EQ(DoEval(nullptr), nullptr);
-  EXPECT_FALSE(process_eval().evaluator()->escaped());
-}
-
-TEST_F(Escape, OneEscapeEndsEveryLaterWaitOfTheEvaluation) {
+TEST_F(Escape, FromAnotherThreadEndsEveryWaitOfTheEvaluationAtOnce) {
   bool saw_busy = false;
   const auto start = Clock::now();
   // Both operands of the block wait, then a call of the template pass does.
   // The escaped wait gives "escaped"; the later calls take no symbol.
   const auto result = run_and(
-      "{[&Wait(30000) == &Wait(30000)][same][differ]}|&Wait(30000)", [] { EscapeEval(); }, saw_busy);
+      "{[&Wait(600000) == &Wait(600000)][same][differ]}|&Wait(600000)", [] { EscapeEval(); }, saw_busy);
   const auto elapsed = Clock::now() - start;
   EXPECT_TRUE(saw_busy);
   EXPECT_EQ(result, "differ|");
-  EXPECT_LT(elapsed, std::chrono::seconds(20));
+  // Far below the ten-minute wait: the wait did not run out.
+  EXPECT_LT(elapsed, std::chrono::seconds(60));
+  EXPECT_EQ(DoEval(nullptr), nullptr);
   EXPECT_FALSE(process_eval().evaluator()->escaped());
 }
 
@@ -111,6 +100,32 @@ TEST_F(Escape, AnEscapeBeforeTheEvaluationIsForgotten) {
   ASSERT_NE(block, nullptr);
   EXPECT_STREQ(block, "timed out");
   FreeEval(block);
+}
+
+// FWrite "WaitForRemoved" is no device read, yet an escape ends it too.
+TEST_F(Escape, EndsAWaitForAFileToBeRemoved) {
+  test::TempDir dir;
+  const std::filesystem::path file = dir.path() / "wait.cmd";
+  std::atomic<bool> done{false};
+  std::thread other([&] {
+    // Nobody takes the file away: only the escape can end the wait.
+    while (!done.load() && !std::filesystem::exists(file))
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EscapeEval();
+  });
+  const auto start = std::chrono::steady_clock::now();
+  const std::string templ = "[&FWrite(\"" + file.generic_string() + "\", \"x\", \"WaitForRemoved\")]";
+  char* block = DoEval(templ.c_str());
+  const auto elapsed = std::chrono::steady_clock::now() - start;
+  done.store(true);
+  other.join();
+  ASSERT_NE(block, nullptr);
+  EXPECT_STREQ(block, "[]");
+  FreeEval(block);
+  EXPECT_TRUE(std::filesystem::exists(file));
+  EXPECT_LT(elapsed, std::chrono::seconds(30));  // the wait has no limit of its own
+  EXPECT_EQ(DoEval(nullptr), nullptr);
 }
 
 }  // namespace

@@ -141,13 +141,5 @@ INSTANTIATE_TEST_SUITE_P(
                       Row{"&T(%y%)", "[unrecognized variable or operator: %y%]", true}),
     kerfline::test::RowIndex());
 
-TEST(TemplatePassState, VariablesSetByAScriptSurviveLaterEvaluations) {
-  kerfline::test::ScriptBench bench;
-  EXPECT_EQ(bench.evaluator->evaluate(R"(&VarSet("n", "5"))", -1), "");
-  EXPECT_EQ(bench.evaluator->evaluate("&T(n)", -1), "5");
-  EXPECT_EQ(bench.evaluator->lookup_or_name("N"), "5");
-  EXPECT_EQ(bench.evaluator->lookup_or_name("unknown"), "unknown");
-}
-
 }  // namespace
 }  // namespace kerfline::script
