@@ -19,22 +19,15 @@
 namespace kerfline::script {
 namespace {
 
-// The result of DoEval as a string; nullopt for NULL.
-std::optional<std::string> do_eval(const char* text) {
-  char* block = DoEval(text);
+// A result block as a string, released; nullopt for NULL.
+std::optional<std::string> taken(char* block, void (*release)(char*) = FreeEval) {
   if (block == nullptr) return std::nullopt;
   std::string result(block);
-  FreeEval(block);
+  release(block);
   return result;
 }
-
-std::optional<std::string> get_var(const char* name) {
-  char* block = GetEvalVar(name);
-  if (block == nullptr) return std::nullopt;
-  std::string result(block);
-  FreeEvalVar(block);
-  return result;
-}
+std::optional<std::string> do_eval(const char* text) { return taken(DoEval(text)); }
+std::optional<std::string> get_var(const char* name) { return taken(GetEvalVar(name), FreeEvalVar); }
 
 class EvalApi : public ::testing::Test {
  protected:
