@@ -2,8 +2,6 @@
 
 #include "fixtures/table_names.hpp"
 
-#include <ostream>
-
 #include "kerfline/kerfline.h"
 
 TEST(PointToPoint, EuclideanDistance) {
@@ -20,10 +18,6 @@ struct LineCase {
   MESHPOINT foot;
   double tolerance = 1e-9;
 };
-
-void PrintTo(const LineCase& c, std::ostream* os) {
-  *os << "P (" << c.p.x << "," << c.p.y << ") A (" << c.a.x << "," << c.a.y << ")";
-}
 
 class PointToLineTable : public ::testing::TestWithParam<LineCase> {};
 

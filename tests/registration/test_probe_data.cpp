@@ -3,7 +3,6 @@
 #include "fixtures/table_names.hpp"
 
 #include <cstring>
-#include <ostream>
 
 #include "kerfline/kerfline.h"
 #include "registration/probe_sets.hpp"
@@ -35,8 +34,6 @@ struct IndexCase {
   int32_t job_result;   // over two jobs
   int32_t mark_result;  // over three marks
 };
-
-void PrintTo(const IndexCase& c, std::ostream* os) { *os << "index " << c.index; }
 
 class IndexChecks : public ::testing::TestWithParam<IndexCase> {};
 
@@ -142,8 +139,6 @@ struct CellCase {
   int32_t index, rows, columns;
   int32_t result, row, column;
 };
-
-void PrintTo(const CellCase& c, std::ostream* os) { *os << c.index << " of " << c.rows << "x" << c.columns; }
 
 class Cells : public ::testing::TestWithParam<CellCase> {};
 
