@@ -36,9 +36,6 @@ class LoopbackServer {
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
-  void join() {
-    if (thread_.joinable()) thread_.join();
-  }
 
  private:
   std::uint16_t port_ = 0;
