@@ -1,6 +1,5 @@
 #include "script_fixture.hpp"
 
-#include <algorithm>
 #include <cstdlib>
 
 #include "script/postfix.hpp"
@@ -17,27 +16,6 @@ script::FunctionRecord record(const char* name, script::NativeRoutine routine, i
   r.parameter_count = n;
   r.parameters = parameters;
   return r;
-}
-
-std::string left(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  const long n = std::strtol(args.pop().c_str(), nullptr, 10);
-  const std::string text = args.pop();
-  return text.substr(0, static_cast<std::size_t>(std::clamp<long>(n, 0, static_cast<long>(text.size()))));
-}
-
-std::string upper(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  std::string text = args.pop();
-  for (char& c : text) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-  return text;
-}
-
-std::string join(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  const std::string second = args.pop();
-  return args.pop() + second;
-}
-
-std::string identity(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  return args.pop();
 }
 
 // Waits up to the given milliseconds; the result says how the wait ended.
@@ -78,10 +56,6 @@ std::atomic<bool>& holding() {
 }
 
 void add_test_functions(script::FunctionRegistry& registry) {
-  registry.add(record("Left", left, 2, "Text, n"));
-  registry.add(record("Upper", upper, 1, "Text"));
-  registry.add(record("Join", join, 2, "t1, t2"));
-  registry.add(record("T", identity, 1, "Text"));
   registry.add(record("Wait", wait, 1, "ms"));
   registry.add(record("Greedy", greedy, 0, ""));
   registry.add(record("Hold", hold, 1, "ms"));

@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
                       DoEvalRow{R"(&T("{[1][a][b]}"))", "a"}),
     kerfline::test::RowIndex());
 
-TEST_F(EvalApi, InitKeepsNonZeroSettingsAndCountsCalls) {
+TEST_F(EvalApi, InitKeepsNonZeroSettingsCountsCallsAndClearsTheEscape) {
   Evaluator& e = *process_eval().evaluator();
   int owner = 0;
   const std::uint32_t count = process_eval().init_count;
@@ -97,9 +97,7 @@ TEST_F(EvalApi, InitKeepsNonZeroSettingsAndCountsCalls) {
   EXPECT_EQ(e.async_io.load(), 0);
   InitEvalAsync(0, 0, nullptr);
   EXPECT_EQ(e.async_io.load(), 1);
-}
-
-TEST_F(EvalApi, InitClearsTheEscapeFlag) {
+  // Init and EnableEval clear the escape flag.
   EscapeEval();
   EXPECT_TRUE(process_eval().evaluator()->escaped());
   InitEval(0, 0, nullptr);
@@ -109,7 +107,7 @@ TEST_F(EvalApi, InitClearsTheEscapeFlag) {
   EXPECT_FALSE(process_eval().evaluator()->escaped());
 }
 
-TEST_F(EvalApi, SharedVariablesAndLookup) {
+TEST_F(EvalApi, SharedAndScriptVariables) {
   EXPECT_EQ(get_var("Unknown"), "Unknown");
   EXPECT_EQ(SetEvalVar("%Speed%", "800", 0xFFFFFFFFu), 1);
   EXPECT_EQ(get_var("%speed%"), "800");
@@ -130,9 +128,7 @@ TEST_F(EvalApi, SharedVariablesAndLookup) {
   EXPECT_EQ(SetEvalVar("Hidden", "x", 0x1u), 1);
   EXPECT_EQ(get_var("Hidden"), "Hidden");
   EXPECT_EQ(SetEvalVar("", "x", 1), -2);
-}
-
-TEST_F(EvalApi, ScriptVariablesSurviveLaterEvaluationsAndInits) {
+  // A script's variables survive later evaluations and inits.
   EXPECT_EQ(do_eval(R"(&VarSet("n", "5"))"), std::nullopt);
   EXPECT_EQ(do_eval("&T(n)"), "5");
   InitEval(1, 1, nullptr);
@@ -142,7 +138,6 @@ TEST_F(EvalApi, ScriptVariablesSurviveLaterEvaluationsAndInits) {
 TEST(EvalApiUserFunctions, RegisteredBeforeAndAfterInit) {
   EXPECT_EQ(AddEvalUserFunc("Twice", "a", "&Join(a, a)"), 1);
   EXPECT_EQ(AddEvalUserFunc("twice", "a", "a"), 0);
-  kerfline::test::add_test_functions(process_eval().registry());
   InitEval(0, 0, nullptr);
   EXPECT_EQ(AddEvalUserFunc("Pair", "a, b", "Join(b, a)"), 1);
   EXPECT_EQ(AddEvalUserFunc("Left", "a", "a"), 0);
