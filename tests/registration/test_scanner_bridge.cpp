@@ -190,6 +190,10 @@ INSTANTIATE_TEST_SUITE_P(Table, ScannerPositionCounts,
 TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
   const ScannerSuite suite(Plugin::full);
   suite.set_active_jobs("Cut:1", 2);
+  // Without a run the argument is asked; spool names are upper-cased.
+  EXPECT_EQ(IsJobRunning("cut:1"), 2);
+  EXPECT_EQ(IsJobRunning("Other"), 0);
+  EXPECT_EQ(IsJobRunning(nullptr), 0);
   devconfig::set_registration_run_device("Cut:1");
   EXPECT_EQ(LumaProbeInit(&g_record), -4);
   EXPECT_EQ(LumaProbeDoCommand(1, 1, 1), 0);  // nothing was loaded
@@ -198,15 +202,6 @@ TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
   suite.set_active_jobs("Cut:1", 0);
   EXPECT_EQ(LumaProbeInit(&g_record), 7);
   devconfig::set_registration_run_device(std::nullopt);
-}
-
-TEST(ScannerBusyDevice, WithoutARunTheArgumentIsAsked) {
-  const ScannerSuite suite(Plugin::none);
-  suite.set_active_jobs("Cut:1", 3);
-  EXPECT_EQ(IsJobRunning("Cut:1"), 3);
-  EXPECT_EQ(IsJobRunning("cut:1"), 3);  // spool names are upper-cased
-  EXPECT_EQ(IsJobRunning("Other"), 0);
-  EXPECT_EQ(IsJobRunning(nullptr), 0);
 }
 
 // The host's pump empties the spool; the read goes ahead after the next
