@@ -130,36 +130,28 @@ void expect_delaunay_answers(const Points& marks, double lo, double hi) {
   }
 }
 
-TEST_F(Mesh, ScatteredMarksAreLocatedInDelaunayTriangles) {
+// Scattered marks, and a grid whose cells' four corners lie on one circle.
+TEST_F(Mesh, ScatteredAndGridMarksAreLocatedInDelaunayTriangles) {
   std::mt19937 rng(42);
   std::uniform_real_distribution<double> coord(0, 1000);
   Points marks(400);
   for (auto& m : marks) m = {coord(rng), coord(rng)};
   expect_delaunay_answers(marks, -300, 1300);
-}
-
-// A grid: every cell's four corners lie on one circle.
-TEST_F(Mesh, GridMarksAreLocatedInTheirCells) {
-  Points marks;
+  Points grid;
   for (int r = 0; r < 4; ++r) {
-    for (int c = 0; c < 5; ++c) marks.push_back({3.0 + 10.0 * c, 7.0 + 12.5 * r});
+    for (int c = 0; c < 5; ++c) grid.push_back({3.0 + 10.0 * c, 7.0 + 12.5 * r});
   }
-  expect_delaunay_answers(marks, -10, 60);
+  expect_delaunay_answers(grid, -10, 60);
 }
 
-TEST_F(Mesh, MarksWithinTheToleranceOfACornerAllMatchInStoredOrder) {
-  // Mark 0 lies within 0.1 of mark 1, a corner of the triangle that holds
-  // (3, 3): both are written, and mark 3, the third corner, is missed.
-  const Points marks = {{0, 0}, {0.05, 0.05}, {10, 0}, {0, 10}};
-  ASSERT_EQ(CreateDelaunay(4, marks.data()), 1);
+// Mark 0 lies within 0.1 of mark 1, a corner of the triangle that holds
+// (3, 3): both are written, and mark 3, the third corner, is missed.
+TEST_F(Mesh, CloseMarksAllMatchInStoredOrderAndASecondMeshReplacesTheFirst) {
+  const Points first = {{0, 0}, {0.05, 0.05}, {10, 0}, {0, 10}};
+  ASSERT_EQ(CreateDelaunay(4, first.data()), 1);
   EXPECT_EQ(locate({3, 3}), (std::vector<int32_t>{0, 1, 2}));
   EXPECT_EQ(locate({9, 0.01}), (std::vector<int32_t>{0, 1, 2}));
-}
-
-TEST_F(Mesh, ASecondMeshReplacesTheFirst) {
-  const Points first = {{0, 0}, {10, 0}, {0, 10}};
   const Points second = {{100, 100}, {110, 100}, {100, 110}, {110, 110}};
-  ASSERT_EQ(CreateDelaunay(3, first.data()), 1);
   ASSERT_EQ(CreateDelaunay(4, second.data()), 1);  // no FreeDelaunay between
   const auto found = locate({101, 101});
   ASSERT_EQ(found.size(), 3u);
