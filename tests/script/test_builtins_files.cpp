@@ -43,7 +43,7 @@ TEST_F(BuiltinFiles, SizesDatesAndExistence) {
       {"&SizeK(" + quoted("data.bin") + ")", "1.5"},
       {"&SizeK(" + quoted("empty.txt") + ")", "0.0"},
       {"&Size(" + quoted("DATA.BIN") + ")", "1500"},  // names are found without regard to case
-      {"&Size(\"" + windows_path + "\")", "3"},         // and with Windows separators
+      {"&Size(\"" + windows_path + "\")", "3"},       // and with Windows separators
       {"&Date(" + quoted("data.bin") + ")", "Mar 05 2024"},
       {"&Time(" + quoted("data.bin") + ")", "15:07:09"},
       {"&Size(" + quoted("missing.txt") + ")", "<!-- Can't open file: " + missing + " -->"},
