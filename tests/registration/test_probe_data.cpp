@@ -3,7 +3,6 @@
 #include "fixtures/table_names.hpp"
 
 #include <cstring>
-#include <ostream>
 
 #include "kerfline/kerfline.h"
 #include "registration/probe_sets.hpp"
@@ -12,7 +11,9 @@ using kerfline::test::job_with;
 using kerfline::test::mark;
 using kerfline::test::OwnedSet;
 
-TEST(ProbeData, AddKeepsJobsInOrderWithAllTheirWords) {
+// Added jobs keep their order and words; a copy is an empty set with the
+// source's flags.
+TEST(ProbeData, AddKeepsJobsInOrderWithAllTheirWordsAndCopyTakesOnlyTheFlags) {
   OwnedSet s;
   for (int j = 0; j < 3; ++j) {
     PROBEJOB job = job_with({mark(j, 1), mark(j, 2)}, 100 + j);
@@ -28,6 +29,15 @@ TEST(ProbeData, AddKeepsJobsInOrderWithAllTheirWords) {
     EXPECT_EQ(got.pMarks, s.job(j).pMarks);
     EXPECT_EQ(got.dwJobData[65], static_cast<uint32_t>(j * 1000 + 65));
   }
+  OwnedSet dst;
+  s.set.dwFlags = 0x80000011u;
+  dst.set.dwReserved2[2] = 99;
+  EXPECT_EQ(ProbeDataCopy(&dst.set, &s.set), 1);
+  EXPECT_EQ(dst.set.dwFlags, 0x80000011u);
+  EXPECT_EQ(dst.set.nJobCount, 0);
+  EXPECT_EQ(dst.set.pJobs, nullptr);
+  EXPECT_EQ(dst.set.dwReserved2[2], 0u);
+  EXPECT_EQ(s.set.nJobCount, 3);
 }
 
 struct IndexCase {
@@ -35,8 +45,6 @@ struct IndexCase {
   int32_t job_result;   // over two jobs
   int32_t mark_result;  // over three marks
 };
-
-void PrintTo(const IndexCase& c, std::ostream* os) { *os << "index " << c.index; }
 
 class IndexChecks : public ::testing::TestWithParam<IndexCase> {};
 
@@ -67,19 +75,6 @@ INSTANTIATE_TEST_SUITE_P(Table, IndexChecks,
                                            IndexCase{2, 0, 1}, IndexCase{3, 0, 0},
                                            IndexCase{-2147483647 - 1, 0, 0}, IndexCase{2147483647, 0, 0}),
                          kerfline::test::RowIndex());
-
-TEST(ProbeData, CopyGivesAnEmptySetWithTheSourceFlags) {
-  OwnedSet src, dst;
-  src.set.dwFlags = 0x80000011u;
-  src.add(job_with({mark(1, 1), mark(2, 2)}));
-  dst.set.dwReserved2[2] = 99;
-  EXPECT_EQ(ProbeDataCopy(&dst.set, &src.set), 1);
-  EXPECT_EQ(dst.set.dwFlags, 0x80000011u);
-  EXPECT_EQ(dst.set.nJobCount, 0);
-  EXPECT_EQ(dst.set.pJobs, nullptr);
-  EXPECT_EQ(dst.set.dwReserved2[2], 0u);
-  EXPECT_EQ(src.set.nJobCount, 1);
-}
 
 class Offsets : public ::testing::TestWithParam<int> {};
 
@@ -142,8 +137,6 @@ struct CellCase {
   int32_t index, rows, columns;
   int32_t result, row, column;
 };
-
-void PrintTo(const CellCase& c, std::ostream* os) { *os << c.index << " of " << c.rows << "x" << c.columns; }
 
 class Cells : public ::testing::TestWithParam<CellCase> {};
 

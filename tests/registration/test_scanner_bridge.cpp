@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -72,10 +71,25 @@ class ScannerSuite {
 std::int32_t g_record = 42;
 void* const kWindow = reinterpret_cast<void*>(0x1234);  // NOLINT
 
+std::int32_t positions_call() {
+  std::int32_t count = -9;
+  DIGITIZERPOS* positions = nullptr;
+  const std::int32_t result = LumaProbeGetDigitizerPos(&count, &positions);
+  LumaProbeFreeDigitizerPos(&positions);
+  return result;
+}
+
+using Entry = std::int32_t (*)();
+const Entry kInitDigitizer = [] { return LumaProbeInitDigitizer(5); };
+const Entry kInit = [] { return LumaProbeInit(&g_record); };
+const Entry kCommand = [] { return LumaProbeDoCommand(1, 20, 300); };
+const Entry kRead = [] { return LumaProbeRead(&g_record); };
+const Entry kUi = [] { return LumaProbeHandleUI(kWindow, 2, 3, 4); };
+
 struct BridgeRow {
   Plugin plugin;
   bool initialised;  // LumaProbeInit called first
-  std::function<std::int32_t()> call;
+  Entry call;
   std::int32_t result;
   const char* log;  // what the plug-in saw from the call
 };
@@ -92,84 +106,50 @@ TEST_P(ScannerBridge, ForwardsOrRefusesAsTheTableSays) {
   EXPECT_EQ(suite.log(), row.log);
 }
 
-std::int32_t positions_call() {
-  std::int32_t count = -9;
-  DIGITIZERPOS* positions = nullptr;
-  const std::int32_t result = LumaProbeGetDigitizerPos(&count, &positions);
-  LumaProbeFreeDigitizerPos(&positions);
-  return result;
-}
-
+// The forwarding calls without a plug-in are in FindNoPluginAfterUnloading.
 INSTANTIATE_TEST_SUITE_P(
     Table, ScannerBridge,
     ::testing::Values(
-        // Nothing loaded yet.
-        BridgeRow{Plugin::full, false, [] { return LumaProbeDoCommand(1, 2, 3); }, 0, ""},
-        BridgeRow{Plugin::full, false, positions_call, -4, ""},
-        BridgeRow{Plugin::full, false, [] { return LumaProbeFreeDigitizer(); }, -4, ""},
-        BridgeRow{Plugin::full, false, [] { return LumaProbeRead(&g_record); }, 0, ""},
-        BridgeRow{Plugin::full, false, [] { return LumaProbeProcess(); }, 0, ""},
-        BridgeRow{Plugin::full, false, [] { return LumaProbeHandleUI(kWindow, 1, 2, 3); }, 0, ""},
-        BridgeRow{Plugin::full, false, [] { return LumaProbeExit(); }, 0, ""},
-        // No plug-in, or one that cannot load.
-        BridgeRow{Plugin::none, false, [] { return LumaProbeInitDigitizer(5); }, -4, ""},
-        BridgeRow{Plugin::none, false, [] { return LumaProbeInit(&g_record); }, -4, ""},
-        BridgeRow{Plugin::broken, false, [] { return LumaProbeInit(&g_record); }, -4, ""},
-        BridgeRow{Plugin::broken, false, [] { return LumaProbeInitDigitizer(5); }, -4, ""},
+        // Nothing loaded yet, no plug-in, or one that cannot load.
+        BridgeRow{Plugin::full, false, LumaProbeFreeDigitizer, -4, ""},
+        BridgeRow{Plugin::full, false, LumaProbeExit, 0, ""},
+        BridgeRow{Plugin::none, false, kInitDigitizer, -4, ""},
+        BridgeRow{Plugin::broken, false, kInit, -4, ""},
         // Every entry present.
-        BridgeRow{Plugin::full, false, [] { return LumaProbeInitDigitizer(5); }, 105,
-                  "ProbeInitDigitizer(5,0,0);"},
-        BridgeRow{Plugin::full, false, [] { return LumaProbeInit(&g_record); }, 7, "ProbeInit(42,0,0);"},
-        BridgeRow{Plugin::full, true, [] { return LumaProbeDoCommand(1, 20, 300); }, 321,
-                  "ProbeDoCommand(1,20,300);"},
-        BridgeRow{Plugin::full, true, [] { return LumaProbeRead(&g_record); }, 9, "ProbeRead(42,0,0);"},
-        BridgeRow{Plugin::full, true, [] { return LumaProbeProcess(); }, 11, "Process(0,0,0);"},
-        BridgeRow{Plugin::full, true, [] { return LumaProbeHandleUI(kWindow, 2, 3, 4); }, 24,
-                  "HandleUI(4660,2,3);"},
-        BridgeRow{Plugin::full, true, [] { return LumaProbeFreeDigitizer(); }, 5,
-                  "ProbeFreeDigitizer(0,0,0);"},
-        BridgeRow{Plugin::full, true, [] { return LumaProbeExit(); }, 1, "ProbeExit(0,0,0);"},
+        BridgeRow{Plugin::full, false, kInitDigitizer, 105, "ProbeInitDigitizer(5,0,0);"},
+        BridgeRow{Plugin::full, false, kInit, 7, "ProbeInit(42,0,0);"},
+        BridgeRow{Plugin::full, true, kCommand, 321, "ProbeDoCommand(1,20,300);"},
+        BridgeRow{Plugin::full, true, kRead, 9, "ProbeRead(42,0,0);"},
+        BridgeRow{Plugin::full, true, LumaProbeProcess, 11, "Process(0,0,0);"},
+        BridgeRow{Plugin::full, true, kUi, 24, "HandleUI(4660,2,3);"},
+        BridgeRow{Plugin::full, true, LumaProbeFreeDigitizer, 5, "ProbeFreeDigitizer(0,0,0);"},
+        BridgeRow{Plugin::full, true, LumaProbeExit, 1, "ProbeExit(0,0,0);"},
         BridgeRow{Plugin::full, true, positions_call, 3,
                   "ProbeGetDigitizerPos(0,0,0);ProbeGetDigitizerPos(3,1,0);"},
         // Entries missing: the loaded plug-in lacks all but ProbeDoCommand and ProbeExit.
-        BridgeRow{Plugin::some, false, [] { return LumaProbeInitDigitizer(5); }, 1, ""},
-        BridgeRow{Plugin::some, false, [] { return LumaProbeInit(&g_record); }, 1, ""},
-        BridgeRow{Plugin::some, true, [] { return LumaProbeDoCommand(1, 1, 1); }, 3,
-                  "ProbeDoCommand(1,1,1);"},
+        BridgeRow{Plugin::some, false, kInitDigitizer, 1, ""}, BridgeRow{Plugin::some, false, kInit, 1, ""},
+        BridgeRow{Plugin::some, true, kCommand, 321, "ProbeDoCommand(1,20,300);"},
         BridgeRow{Plugin::some, true, positions_call, 0, ""},
-        BridgeRow{Plugin::some, true, [] { return LumaProbeFreeDigitizer(); }, 1, ""},
-        BridgeRow{Plugin::some, true, [] { return LumaProbeRead(&g_record); }, 0, ""},
-        BridgeRow{Plugin::some, true, [] { return LumaProbeProcess(); }, 0, ""},
-        BridgeRow{Plugin::some, true, [] { return LumaProbeHandleUI(kWindow, 1, 1, 1); }, 0, ""},
-        BridgeRow{Plugin::some, true, [] { return LumaProbeExit(); }, 1, "ProbeExit(0,0,0);"},
+        BridgeRow{Plugin::some, true, LumaProbeFreeDigitizer, 1, ""},
+        BridgeRow{Plugin::some, true, kRead, 0, ""}, BridgeRow{Plugin::some, true, LumaProbeProcess, 0, ""},
+        BridgeRow{Plugin::some, true, kUi, 0, ""},
+        BridgeRow{Plugin::some, true, LumaProbeExit, 1, "ProbeExit(0,0,0);"},
         // No positions: nothing is allocated.
         BridgeRow{Plugin::zero, true, positions_call, 0, "ProbeGetDigitizerPos(0,0,0);"}),
     test::RowIndex{});
 
-// After unloading, every forwarding call finds no plug-in.
-struct UnloadRow {
-  std::function<std::int32_t()> call;
-  std::int32_t result;
-};
-
-class AfterUnload : public ::testing::TestWithParam<UnloadRow> {};
-
-TEST_P(AfterUnload, FindsNoPlugin) {
-  const ScannerSuite suite(Plugin::full);
-  ASSERT_EQ(LumaProbeInit(nullptr), 7);
-  ASSERT_EQ(LumaProbeProcess(), 11);  // caches the entry
-  ASSERT_EQ(GetParam().call(), GetParam().result);
-  EXPECT_EQ(LumaProbeProcess(), 0);
-  EXPECT_EQ(LumaProbeHandleUI(kWindow, 1, 1, 1), 0);
-  EXPECT_EQ(LumaProbeRead(nullptr), 0);
-  EXPECT_EQ(LumaProbeDoCommand(1, 1, 1), 0);
-  EXPECT_EQ(positions_call(), -4);
+// After unloading, every forwarding call finds no plug-in, even one whose
+// entry was looked up before.
+TEST(ScannerBridgeUnload, FindNoPluginAfterUnloading) {
+  for (const Entry unload : {&LumaProbeExit, &LumaProbeFreeDigitizer}) {
+    const ScannerSuite suite(Plugin::full);
+    ASSERT_EQ(LumaProbeInit(nullptr), 7);
+    ASSERT_EQ(LumaProbeProcess(), 11);
+    unload();
+    for (const Entry forwarded : {Entry{LumaProbeProcess}, kUi, kRead, kCommand}) EXPECT_EQ(forwarded(), 0);
+    EXPECT_EQ(positions_call(), -4);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, AfterUnload,
-                         ::testing::Values(UnloadRow{[] { return LumaProbeExit(); }, 1},
-                                           UnloadRow{[] { return LumaProbeFreeDigitizer(); }, 5}),
-                         test::RowIndex{});
 
 struct CountRow {
   int reported;  // the plug-in's answer to "how many"
@@ -210,6 +190,10 @@ INSTANTIATE_TEST_SUITE_P(Table, ScannerPositionCounts,
 TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
   const ScannerSuite suite(Plugin::full);
   suite.set_active_jobs("Cut:1", 2);
+  // Without a run the argument is asked; spool names are upper-cased.
+  EXPECT_EQ(IsJobRunning("cut:1"), 2);
+  EXPECT_EQ(IsJobRunning("Other"), 0);
+  EXPECT_EQ(IsJobRunning(nullptr), 0);
   devconfig::set_registration_run_device("Cut:1");
   EXPECT_EQ(LumaProbeInit(&g_record), -4);
   EXPECT_EQ(LumaProbeDoCommand(1, 1, 1), 0);  // nothing was loaded
@@ -218,15 +202,6 @@ TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
   suite.set_active_jobs("Cut:1", 0);
   EXPECT_EQ(LumaProbeInit(&g_record), 7);
   devconfig::set_registration_run_device(std::nullopt);
-}
-
-TEST(ScannerBusyDevice, WithoutARunTheArgumentIsAsked) {
-  const ScannerSuite suite(Plugin::none);
-  suite.set_active_jobs("Cut:1", 3);
-  EXPECT_EQ(IsJobRunning("Cut:1"), 3);
-  EXPECT_EQ(IsJobRunning("cut:1"), 3);  // spool names are upper-cased
-  EXPECT_EQ(IsJobRunning("Other"), 0);
-  EXPECT_EQ(IsJobRunning(nullptr), 0);
 }
 
 // The host's pump empties the spool; the read goes ahead after the next

@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -33,21 +32,13 @@ std::vector<std::filesystem::path> plot_files(const TempDir& dir) {
   return files;
 }
 
-// A file name that a mode-0 call can no longer reach: a failed mode-1 call
-// forgets the remembered file.
-void forget_trace_file(const PROBEDATA& set) {
-  ASSERT_EQ(ProbeDataTrace2PLT(&set, "/nonexistent/kerfline/dir", 1), 0);
-}
-
 }  // namespace
 
+// Pen up on the circle, then a full arc; the numbers read exactly as the C
+// library's "%f" writes them.
 TEST(FrmtHpglCircle, PenUpOnTheCircleThenAFullArc) {
   EXPECT_EQ(circle(1000, 2000, 500), "PU 500.000000,800.000000;\r\nAA 400.000000,800.000000,360;\r\n");
   EXPECT_EQ(circle(-2.5, 1.25, 10), "PU 1.000000,0.500000;\r\nAA -1.000000,0.500000,360;\r\n");
-}
-
-// The numbers read exactly as the C library's "%f" writes them.
-TEST(FrmtHpglCircle, NumbersMatchPrintfFixedNotation) {
   const double values[] = {0.0, -0.0, 1.23456789, -1.0000005, 2.5e-7, -4e-7, 123456789.125, 1e20, 3.0e-300};
   for (const double x : values) {
     for (const double size : {0.0, 1.0, -3.3}) {
@@ -91,19 +82,14 @@ TEST(ProbeDataTrace2PLT, WritesBothHalvesThenAppendsTheMeasuredOnes) {
   EXPECT_EQ(dir.read(name), both_halves + measured_only);
 }
 
+// A failed mode-1 call forgets the file, so mode 0 has none to append to.
 TEST(ProbeDataTrace2PLT, EveryModeOneCallStartsANewFile) {
   OwnedSet s;
   s.add(job_with({mark(1, 1), mark(2, 2)}));
   TempDir dir;
-  ASSERT_EQ(ProbeDataTrace2PLT(&s.set, dir.str().c_str(), 1), 1);
-  ASSERT_EQ(ProbeDataTrace2PLT(&s.set, dir.str().c_str(), 2), 1);
-  ASSERT_EQ(ProbeDataTrace2PLT(&s.set, dir.str().c_str(), -1), 1);
+  for (const int32_t mode : {1, 2, -1}) ASSERT_EQ(ProbeDataTrace2PLT(&s.set, dir.str().c_str(), mode), 1);
   EXPECT_EQ(plot_files(dir).size(), 3u);
-}
-
-TEST(ProbeDataTrace2PLT, ModeZeroWithoutAFileFails) {
-  OwnedSet s;
-  forget_trace_file(s.set);
+  ASSERT_EQ(ProbeDataTrace2PLT(&s.set, "/nonexistent/kerfline/dir", 1), 0);
   EXPECT_EQ(ProbeDataTrace2PLT(&s.set, nullptr, 0), 0);
   EXPECT_EQ(ProbeDataTrace2PLT(&s.set, nullptr, 1), 0);
   EXPECT_EQ(ProbeDataTrace2PLT(nullptr, "/tmp", 1), -2);
@@ -113,8 +99,6 @@ struct PenCase {
   int32_t flag;
   const char* pen;
 };
-
-void PrintTo(const PenCase& c, std::ostream* os) { *os << "flag " << c.flag; }
 
 class PenByFlag : public ::testing::TestWithParam<PenCase> {};
 

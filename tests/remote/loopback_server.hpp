@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <thread>
 
@@ -35,9 +36,6 @@ class LoopbackServer {
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
-  void join() {
-    if (thread_.joinable()) thread_.join();
-  }
 
  private:
   std::uint16_t port_ = 0;
@@ -61,10 +59,19 @@ inline void write_all(platform::ByteStream& s, const std::string& bytes) {
   EXPECT_TRUE(w && *w == bytes.size());
 }
 
+// The message as it goes on the wire; Serialize asks for the room first.
 inline std::string wire(const CSocketDataObject& m) {
   const int32_t needed = -m.Serialize(nullptr, 0);
+  EXPECT_GE(needed, 0);
   std::string out(static_cast<std::size_t>(needed), '\0');
-  m.Serialize(reinterpret_cast<unsigned char*>(out.data()), static_cast<uint32_t>(out.size()));
+  EXPECT_EQ(m.Serialize(reinterpret_cast<unsigned char*>(out.data()), static_cast<uint32_t>(out.size())),
+            needed);
+  return out;
+}
+
+inline std::string bytes(std::initializer_list<int> list) {
+  std::string out;
+  for (const int b : list) out.push_back(static_cast<char>(b));
   return out;
 }
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,16 +12,11 @@
 namespace kerfline::remote {
 namespace {
 
+using test::bytes;
 using test::LoopbackServer;
 using test::read_exactly;
 using test::wire;
 using test::write_all;
-
-std::string raw(std::initializer_list<int> list) {
-  std::string out;
-  for (const int b : list) out.push_back(static_cast<char>(b));
-  return out;
-}
 
 struct HostileRow {
   std::string sent;
@@ -59,30 +53,30 @@ INSTANTIATE_TEST_SUITE_P(
     Table, HostileServer,
     ::testing::Values(
         // A text of 4 GB.
-        HostileRow{raw({2, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}), false,
+        HostileRow{bytes({2, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}), false,
                    ReceiveStatus::Malformed, false},
         // A list of 0xFFFFFFFF texts.
-        HostileRow{raw({4, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1, 'a'}), false,
+        HostileRow{bytes({4, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1, 'a'}), false,
                    ReceiveStatus::Malformed, false},
         // Binary data of 4 GB.
-        HostileRow{raw({3, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0, 1, 2, 3}), false,
+        HostileRow{bytes({3, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0, 1, 2, 3}), false,
                    ReceiveStatus::Malformed, false},
         // A text of 1 MB of which 3 bytes come, then silence.
-        HostileRow{raw({2, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0, 0, 0x10, 0, 'a', 'b', 'c'}), false,
+        HostileRow{bytes({2, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0, 0, 0x10, 0, 'a', 'b', 'c'}), false,
                    ReceiveStatus::TimedOut, true},
         // Half a State message, then silence.
-        HostileRow{raw({1, 0, 0, 0, 1, 0}), false, ReceiveStatus::TimedOut, true},
+        HostileRow{bytes({1, 0, 0, 0, 1, 0}), false, ReceiveStatus::TimedOut, true},
         // Nothing at all.
         HostileRow{"", false, ReceiveStatus::TimedOut, true},
         // Half a message, then the server closes.
-        HostileRow{raw({5, 0, 0, 0, 2, 0, 0, 0, 9, 'a'}), true, ReceiveStatus::Closed, false},
+        HostileRow{bytes({5, 0, 0, 0, 2, 0, 0, 0, 9, 'a'}), true, ReceiveStatus::Closed, false},
         HostileRow{"", true, ReceiveStatus::Closed, false},
         // An unknown type: its 4 bytes are taken, the rest waits.
-        HostileRow{raw({9, 0, 0, 0}), false, ReceiveStatus::UnknownType, true}),
+        HostileRow{bytes({9, 0, 0, 0}), false, ReceiveStatus::UnknownType, true}),
     test::RowIndex());
 
 TEST(RemoteLink, APartialMessageIsCompletedByTheNextReceive) {
-  const std::string whole = raw({1, 0, 0, 0, 2, 0, 0, 0, 7, 0, 0, 0});
+  const std::string whole = bytes({1, 0, 0, 0, 2, 0, 0, 0, 7, 0, 0, 0});
   std::promise<void> step;
   LoopbackServer server([&, next = step.get_future().share()](platform::ByteStream& s) {
     write_all(s, whole.substr(0, 5));
@@ -111,7 +105,7 @@ TEST(RemoteLink, UnknownTypeLeavesItsPayloadToBeReadNext) {
   CSocketDataObjectInt number;
   number.SetData(12);
   LoopbackServer server([&](platform::ByteStream& s) {
-    write_all(s, raw({0x63, 0, 0, 0}) + wire(number));
+    write_all(s, bytes({0x63, 0, 0, 0}) + wire(number));
     (void)read_exactly(s, 1);
   });
   Link link;

@@ -1,7 +1,8 @@
 #include "script_fixture.hpp"
 
-#include <algorithm>
 #include <cstdlib>
+#include <tuple>
+#include <utility>
 
 #include "script/postfix.hpp"
 #include "script/special_functions.hpp"
@@ -9,50 +10,13 @@
 namespace kerfline::test {
 namespace {
 
-script::FunctionRecord record(const char* name, script::NativeRoutine routine, int n,
-                              const char* parameters) {
-  script::FunctionRecord r;
-  r.name = name;
-  r.routine = routine;
-  r.parameter_count = n;
-  r.parameters = parameters;
-  return r;
-}
-
-std::string left(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  const long n = std::strtol(args.pop().c_str(), nullptr, 10);
-  const std::string text = args.pop();
-  return text.substr(0, static_cast<std::size_t>(std::clamp<long>(n, 0, static_cast<long>(text.size()))));
-}
-
-std::string upper(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  std::string text = args.pop();
-  for (char& c : text) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-  return text;
-}
-
-std::string join(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  const std::string second = args.pop();
-  return args.pop() + second;
-}
-
-std::string identity(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator&) {
-  return args.pop();
-}
-
 // Waits up to the given milliseconds; the result says how the wait ended.
 std::string wait(script::ArgStack& args, const script::FunctionRecord&, script::Evaluator& evaluator) {
   const auto ms = static_cast<std::uint32_t>(std::strtoul(args.pop().c_str(), nullptr, 10));
   const script::Evaluator::DeviceRead reading(evaluator);
-  switch (evaluator.wait(ms)) {
-    case script::WaitResult::kEscaped:
-      return "escaped";
-    case script::WaitResult::kSignalled:
-      return "signalled";
-    case script::WaitResult::kTimedOut:
-      return "timed out";
-  }
-  return {};
+  const script::WaitResult result = evaluator.wait(ms);
+  if (result == script::WaitResult::kEscaped) return "escaped";
+  return result == script::WaitResult::kSignalled ? "signalled" : "timed out";
 }
 
 // Waits like Wait, but not as a device read.
@@ -78,13 +42,14 @@ std::atomic<bool>& holding() {
 }
 
 void add_test_functions(script::FunctionRegistry& registry) {
-  registry.add(record("Left", left, 2, "Text, n"));
-  registry.add(record("Upper", upper, 1, "Text"));
-  registry.add(record("Join", join, 2, "t1, t2"));
-  registry.add(record("T", identity, 1, "Text"));
-  registry.add(record("Wait", wait, 1, "ms"));
-  registry.add(record("Greedy", greedy, 0, ""));
-  registry.add(record("Hold", hold, 1, "ms"));
+  for (const auto& [name, routine, count] :
+       {std::tuple{"Wait", &wait, 1}, std::tuple{"Greedy", &greedy, 0}, std::tuple{"Hold", &hold, 1}}) {
+    script::FunctionRecord r;
+    r.name = name;
+    r.routine = routine;
+    r.parameter_count = count;
+    registry.add(std::move(r));
+  }
 }
 
 ScriptBench::ScriptBench() {

@@ -1,6 +1,5 @@
-// An evaluator on its own registry and shared variables, with the handful of
-// text functions the tests call (the same names and counts as the library's
-// built-ins) and functions that record or wait.
+// An evaluator on its own registry (the library's built-ins) and shared
+// variables, with test functions that wait or misbehave.
 #pragma once
 
 #include <atomic>
@@ -13,7 +12,7 @@
 
 namespace kerfline::test {
 
-// Adds Left, Upper, Join, T, Wait, Hold, Greedy (see script_fixture.cpp).
+// Adds Wait, Hold and Greedy (see script_fixture.cpp).
 void add_test_functions(script::FunctionRegistry& registry);
 
 // Set by Hold once it waits (outside a device read), cleared when it returns.

@@ -30,47 +30,38 @@ TEST_P(Arithmetic, Value) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Operators, Arithmetic,
-    ::testing::Values(ValueRow{"1+2*3", 7}, ValueRow{"(1+2)*3", 9}, ValueRow{" 10 / 4 ", 2.5},
-                      ValueRow{"2^3^2", 512}, ValueRow{"-2^2", -4}, ValueRow{"2^-1", 0.5}, ValueRow{"--3", 3},
-                      ValueRow{"+3-1-1", 1}, ValueRow{"1e3+.5", 1000.5}, ValueRow{"2*-3", -6},
-                      ValueRow{"(-8)^(1/3)", std::nullopt}, ValueRow{"(-2)^2", 4},
-                      ValueRow{"0^-1", std::nullopt}, ValueRow{"1/0", std::nullopt},
-                      ValueRow{"1/0.0000000001", std::nullopt}, ValueRow{"", std::nullopt},
-                      ValueRow{"1+", std::nullopt}, ValueRow{"(1", std::nullopt},
-                      ValueRow{"1)", std::nullopt}, ValueRow{"1..2", std::nullopt},
-                      ValueRow{"1e400", std::nullopt}, ValueRow{"abc", std::nullopt},
-                      ValueRow{"1 2", std::nullopt}, ValueRow{"10^400", std::nullopt}),
-    kerfline::test::RowIndex());
-
-INSTANTIATE_TEST_SUITE_P(
-    Functions, Arithmetic,
-    ::testing::Values(ValueRow{"SIN(30)", 0.5}, ValueRow{"sin 90", 1}, ValueRow{"COS(60)", 0.5},
-                      ValueRow{"TAN(45)", 1}, ValueRow{"COT(45)", 1}, ValueRow{"ASIN(1)", 90},
-                      ValueRow{"ACOS(0)", 90}, ValueRow{"ATAN(1)", 45}, ValueRow{"ACOT(1)", 45},
-                      ValueRow{"ACOT(0)", 90}, ValueRow{"SINH(0)", 0}, ValueRow{"COSH(0)", 1},
-                      ValueRow{"TANH(0)", 0}, ValueRow{"COTH(1)", 1 / std::tanh(1.0)},
-                      ValueRow{"ASINH(0)", 0}, ValueRow{"ACOSH(1)", 0},
-                      ValueRow{"ATANH(0.5)", std::atanh(0.5)}, ValueRow{"ACOTH(2)", std::atanh(0.5)},
-                      ValueRow{"LG(1000)", 3}, ValueRow{"LN(EXP(2))", 2}, ValueRow{"SQRT(16)", 4},
-                      ValueRow{"ABS(-3)", 3}, ValueRow{"SIGN(-2)", -1}, ValueRow{"SIGN(0.0000000001)", 0},
-                      ValueRow{"SIGN(5)", 1}, ValueRow{"FAK(5)", 120}, ValueRow{"FAK(0)", 1},
-                      ValueRow{"SWON(1)", 1}, ValueRow{"SWON(0)", 0}, ValueRow{"SWOF(1)", 0},
-                      ValueRow{"SWOFF(-1)", 1}, ValueRow{"2*SQRT 9", 6}, ValueRow{"SIN(180)", 0},
-                      ValueRow{"ASIN(1.0000000001)", 90}),
-    kerfline::test::RowIndex());
-
-INSTANTIATE_TEST_SUITE_P(
-    DomainErrors, Arithmetic,
-    ::testing::Values(ValueRow{"TAN(90)", std::nullopt}, ValueRow{"COT(0)", std::nullopt},
-                      ValueRow{"ASIN(2)", std::nullopt}, ValueRow{"ACOS(-1.1)", std::nullopt},
-                      ValueRow{"LG(0)", std::nullopt}, ValueRow{"LN(-1)", std::nullopt},
-                      ValueRow{"SQRT(-1)", std::nullopt}, ValueRow{"FAK(-1)", std::nullopt},
-                      ValueRow{"FAK(2.5)", std::nullopt}, ValueRow{"FAK(171)", std::nullopt},
-                      ValueRow{"EXP(1000)", std::nullopt}, ValueRow{"ATANH(1)", std::nullopt},
-                      ValueRow{"ACOTH(1)", std::nullopt}, ValueRow{"ACOSH(0)", std::nullopt},
-                      ValueRow{"COTH(0)", std::nullopt}, ValueRow{"SINH(1000)", std::nullopt},
-                      ValueRow{"NOPE(1)", std::nullopt}, ValueRow{"SIN", std::nullopt}),
+    Rows, Arithmetic,
+    ::testing::Values(
+        ValueRow{"1+2*3", 7}, ValueRow{"(1+2)*3", 9}, ValueRow{" 10 / 4 ", 2.5}, ValueRow{"2^3^2", 512},
+        ValueRow{"-2^2", -4}, ValueRow{"2^-1", 0.5}, ValueRow{"--3", 3}, ValueRow{"+3-1-1", 1},
+        ValueRow{"1e3+.5", 1000.5}, ValueRow{"2*-3", -6}, ValueRow{"(-8)^(1/3)", std::nullopt},
+        ValueRow{"(-2)^2", 4}, ValueRow{"0^-1", std::nullopt}, ValueRow{"1/0", std::nullopt},
+        ValueRow{"1/0.0000000001", std::nullopt}, ValueRow{"", std::nullopt}, ValueRow{"1+", std::nullopt},
+        ValueRow{"(1", std::nullopt}, ValueRow{"1)", std::nullopt}, ValueRow{"1..2", std::nullopt},
+        ValueRow{"1e400", std::nullopt}, ValueRow{"abc", std::nullopt}, ValueRow{"1 2", std::nullopt},
+        ValueRow{"10^400", std::nullopt},
+        // Functions, in degrees.
+        ValueRow{"SIN(30)", 0.5}, ValueRow{"sin 90", 1}, ValueRow{"COS(60)", 0.5}, ValueRow{"TAN(45)", 1},
+        ValueRow{"COT(45)", 1}, ValueRow{"ASIN(1)", 90}, ValueRow{"ACOS(0)", 90}, ValueRow{"ATAN(1)", 45},
+        ValueRow{"ACOT(1)", 45}, ValueRow{"ACOT(0)", 90}, ValueRow{"SINH(0)", 0}, ValueRow{"COSH(0)", 1},
+        ValueRow{"TANH(0)", 0}, ValueRow{"COTH(1)", 1 / std::tanh(1.0)}, ValueRow{"ASINH(0)", 0},
+        ValueRow{"ACOSH(1)", 0}, ValueRow{"ATANH(0.5)", std::atanh(0.5)},
+        ValueRow{"ACOTH(2)", std::atanh(0.5)}, ValueRow{"LG(1000)", 3}, ValueRow{"LN(EXP(2))", 2},
+        ValueRow{"SQRT(16)", 4}, ValueRow{"ABS(-3)", 3}, ValueRow{"SIGN(-2)", -1},
+        ValueRow{"SIGN(0.0000000001)", 0}, ValueRow{"SIGN(5)", 1}, ValueRow{"FAK(5)", 120},
+        ValueRow{"FAK(0)", 1}, ValueRow{"SWON(1)", 1}, ValueRow{"SWON(0)", 0}, ValueRow{"SWOF(1)", 0},
+        ValueRow{"SWOFF(-1)", 1}, ValueRow{"2*SQRT 9", 6}, ValueRow{"SIN(180)", 0},
+        ValueRow{"ASIN(1.0000000001)", 90},
+        // Outside a function's domain.
+        ValueRow{"TAN(90)", std::nullopt}, ValueRow{"COT(0)", std::nullopt},
+        ValueRow{"ASIN(2)", std::nullopt}, ValueRow{"ACOS(-1.1)", std::nullopt},
+        ValueRow{"LG(0)", std::nullopt}, ValueRow{"LN(-1)", std::nullopt}, ValueRow{"SQRT(-1)", std::nullopt},
+        ValueRow{"FAK(-1)", std::nullopt}, ValueRow{"FAK(2.5)", std::nullopt},
+        ValueRow{"FAK(171)", std::nullopt}, ValueRow{"EXP(1000)", std::nullopt},
+        ValueRow{"ATANH(1)", std::nullopt}, ValueRow{"ACOTH(1)", std::nullopt},
+        ValueRow{"ACOSH(0)", std::nullopt}, ValueRow{"COTH(0)", std::nullopt},
+        ValueRow{"SINH(1000)", std::nullopt}, ValueRow{"NOPE(1)", std::nullopt},
+        ValueRow{"SIN", std::nullopt}),
     kerfline::test::RowIndex());
 
 TEST(ArithmeticBounds, DeepNestingFailsInsteadOfOverflowing) {

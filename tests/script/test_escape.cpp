@@ -1,13 +1,15 @@
-// Escaping from a second thread while an evaluation waits in a device
-// function; also run under ThreadSanitizer (preset tsan).
+// Escaping from a second thread while an evaluation waits, in a device
+// function or for a file; also run under ThreadSanitizer (preset tsan).
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 #include "script/process_state.hpp"
 #include "script_fixture.hpp"
@@ -17,6 +19,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+bool device_read_started() {
+  return DoEval(nullptr) != nullptr && process_eval().evaluator()->device_read_waiting();
+}
+
 class Escape : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -24,93 +30,84 @@ class Escape : public ::testing::Test {
     InitEval(0, 0, nullptr);
   }
 
-  // Runs DoEval(templ) here while a second thread waits for the device read
-  // to start (seen through the busy query) and then calls act().
-  template <typename Act>
-  std::optional<std::string> run_and(const char* templ, Act act, bool& saw_busy) {
+  // Runs DoEval(templ) here while a second thread waits until ready() and
+  // then calls act(); saw_ready_ tells whether it did before the end.
+  template <typename Ready, typename Act>
+  std::optional<std::string> run_and(const std::string& templ, Ready ready, Act act) {
     std::atomic<bool> done{false};
-    std::atomic<bool> busy_seen{false};
+    saw_ready_ = false;
     std::thread other([&] {
-      while (!done.load()) {
-        if (DoEval(nullptr) != nullptr && process_eval().evaluator()->device_read_waiting()) {
-          busy_seen.store(true);
-          act();
-          return;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      }
+      while (!done.load() && !ready()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      if (done.load()) return;
+      saw_ready_ = true;
+      act();
     });
-    char* block = DoEval(templ);
+    char* block = DoEval(templ.c_str());
     done.store(true);
     other.join();
-    saw_busy = busy_seen.load();
     if (block == nullptr) return std::nullopt;
     std::string result(block);
     FreeEval(block);
     return result;
   }
+  bool saw_ready_ = false;
 };
 
-TEST_F(Escape, FromAnotherThreadEndsAWaitAtOnce) {
-  bool saw_busy = false;
+TEST_F(Escape, FromAnotherThreadEndsEveryWaitOfTheEvaluationAtOnce) {
   const auto start = Clock::now();
-  // The second call's queue is not even started once escaped.
-  const auto result = run_and(
-      "&Wait(600000)&Wait(600000)", [] { EscapeEval(); }, saw_busy);
-  const auto elapsed = Clock::now() - start;
-  EXPECT_TRUE(saw_busy);
-  EXPECT_EQ(result, "escaped");
+  // Both operands of the block wait, then a call of the template pass does.
+  // The escaped wait gives "escaped"; the later calls take no symbol.
+  EXPECT_EQ(run_and("{[&Wait(600000) == &Wait(600000)][same][differ]}|&Wait(600000)", device_read_started,
+                    EscapeEval),
+            "differ|");
+  EXPECT_TRUE(saw_ready_);
   // Far below the ten-minute wait: the wait did not run out.
-  EXPECT_LT(elapsed, std::chrono::seconds(60));
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(60));
   EXPECT_EQ(DoEval(nullptr), nullptr);
   EXPECT_FALSE(process_eval().evaluator()->escaped());
 }
 
-TEST_F(Escape, OneEscapeEndsEveryLaterWaitOfTheEvaluation) {
-  bool saw_busy = false;
-  const auto start = Clock::now();
-  // Both operands of the block wait, then a call of the template pass does.
-  // The escaped wait gives "escaped"; the later calls take no symbol.
-  const auto result = run_and(
-      "{[&Wait(30000) == &Wait(30000)][same][differ]}|&Wait(30000)", [] { EscapeEval(); }, saw_busy);
-  const auto elapsed = Clock::now() - start;
-  EXPECT_TRUE(saw_busy);
-  EXPECT_EQ(result, "differ|");
-  EXPECT_LT(elapsed, std::chrono::seconds(20));
-  EXPECT_FALSE(process_eval().evaluator()->escaped());
-}
-
 TEST_F(Escape, ASignalWakesTheWaiterWithoutEscaping) {
-  bool saw_busy = false;
-  const auto result = run_and(
-      "&Wait(600000)|&Wait(1)", [] { process_eval().evaluator()->signal(0); }, saw_busy);
-  EXPECT_TRUE(saw_busy);
-  EXPECT_EQ(result, "signalled|timed out");
+  EXPECT_EQ(
+      run_and("&Wait(600000)|&Wait(1)", device_read_started, [] { process_eval().evaluator()->signal(0); }),
+      "signalled|timed out");
+  EXPECT_TRUE(saw_ready_);
 }
 
-TEST_F(Escape, TheBusyQueryReportsARunningEvaluation) {
-  std::atomic<bool> busy_while_holding{false};
-  std::thread other([&] {
-    while (!kerfline::test::holding().load()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    busy_while_holding.store(DoEval(nullptr) != nullptr &&
-                             !process_eval().evaluator()->device_read_waiting());
-    EscapeEval();
-  });
-  char* block = DoEval("&Hold(600000)");
-  other.join();
-  ASSERT_NE(block, nullptr);
-  EXPECT_STREQ(block, "escaped");
-  FreeEval(block);
-  EXPECT_TRUE(busy_while_holding.load());
+TEST_F(Escape, TheBusyQueryReportsARunningEvaluationOutsideADeviceRead) {
+  bool busy_while_holding = false;
+  EXPECT_EQ(run_and(
+                "&Hold(600000)", [] { return kerfline::test::holding().load(); },
+                [&] {
+                  busy_while_holding = DoEval(nullptr) != nullptr && !device_read_started();
+                  EscapeEval();
+                }),
+            "escaped");
+  EXPECT_TRUE(busy_while_holding);
   EXPECT_EQ(DoEval(nullptr), nullptr);
 }
 
 TEST_F(Escape, AnEscapeBeforeTheEvaluationIsForgotten) {
   EscapeEval();
-  char* block = DoEval("&Wait(1)");
-  ASSERT_NE(block, nullptr);
-  EXPECT_STREQ(block, "timed out");
-  FreeEval(block);
+  EXPECT_EQ(run_and(
+                "&Wait(1)", [] { return false; }, [] {}),
+            "timed out");
+}
+
+// FWrite "WaitForRemoved" is no device read, yet an escape ends it too.
+TEST_F(Escape, EndsAWaitForAFileToBeRemoved) {
+  test::TempDir dir;
+  const std::filesystem::path file = dir.path() / "wait.cmd";
+  const auto start = Clock::now();
+  // Nobody takes the file away: only the escape can end the wait.
+  EXPECT_EQ(run_and(
+                "[&FWrite(\"" + file.generic_string() + "\", \"x\", \"WaitForRemoved\")]",
+                [&] { return std::filesystem::exists(file); }, EscapeEval),
+            "[]");
+  EXPECT_TRUE(saw_ready_);
+  EXPECT_TRUE(std::filesystem::exists(file));
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));  // the wait has no limit of its own
+  EXPECT_EQ(DoEval(nullptr), nullptr);
 }
 
 }  // namespace

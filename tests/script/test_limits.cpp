@@ -55,43 +55,28 @@ TEST(CallNesting, IsBoundedWithoutTouchingTheStack) {
   EXPECT_EQ(bench.evaluator->evaluate(nested_calls(100000), -1), "[internal recursion limit reached]");
 }
 
-TEST(ImportChain, SelfImportEndsWithTheLimitTextInPlaceOfTheValue) {
+// An imported text sees the caller's variables but keeps its own; a limit
+// or an error inside stays in place of the value.
+TEST(ImportChain, RunsInItsOwnScopeAndFailsInPlace) {
   kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "self.txt").generic_string();
-  dir.write("self.txt", "<&Import(\"" + path + "\")>");
+  const auto import = [&dir](const std::string& leaf, const std::string& text) {
+    dir.write(leaf, text);
+    return "&Import(\"" + (dir.path() / leaf).generic_string() + "\")";
+  };
   kerfline::test::ScriptBench bench;
-  const std::string out = bench.evaluator->evaluate("&Import(\"" + path + "\")", -1);
-  // The top-level evaluation and fifteen imported ones; the sixteenth import
-  // is refused.
-  EXPECT_EQ(out, std::string(15, '<') + "[internal recursion limit reached]" + std::string(15, '>'));
+  const std::string self = (dir.path() / "self.txt").generic_string();
+  EXPECT_EQ(bench.evaluator->evaluate(import("self.txt", "<&Import(\"" + self + "\")>"), -1),
+            // The top-level evaluation and fifteen imported ones; the sixteenth is refused.
+            std::string(15, '<') + "[internal recursion limit reached]" + std::string(15, '>'));
   EXPECT_FALSE(bench.evaluator->error());
-}
-
-TEST(ImportChain, ImportedTextSeesTheCallersVariablesButKeepsItsOwn) {
-  kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "vars.txt").generic_string();
-  dir.write("vars.txt", R"(&T(a)&VarSet("b", "inner")&T(b))");
-  kerfline::test::ScriptBench bench;
-  bench.evaluator->own_variables().set("o", "own", 0xFFFFFFFFu);
-  EXPECT_EQ(bench.evaluator->evaluate(R"(&VarSet("a", "outer")&Import(")" + path + "\")", -1), "outerinner");
-  EXPECT_EQ(bench.evaluator->lookup_or_name("b"), "b");
-}
-
-TEST(ImportChain, AnErrorInsideStaysInPlaceOfTheValue) {
-  kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "bad.txt").generic_string();
-  dir.write("bad.txt", R"(&Left("A"))");
-  kerfline::test::ScriptBench bench;
-  EXPECT_EQ(bench.evaluator->evaluate("x&Import(\"" + path + "\")y", -1),
+  EXPECT_EQ(bench.evaluator->evaluate("x" + import("bad.txt", R"(&Left("A"))") + "y", -1),
             "x[incorrect number of parameters: Operator Left expects 2 parameters]y");
   EXPECT_FALSE(bench.evaluator->error());
-}
-
-TEST(ImportChain, AnUnreadableFileGivesItsMessage) {
-  kerfline::test::TempDir dir;
-  const std::string path = (dir.path() / "missing.txt").generic_string();
-  kerfline::test::ScriptBench bench;
-  EXPECT_EQ(bench.evaluator->evaluate("&Import(\"" + path + "\")", -1), "Unable to read the file: " + path);
+  bench.evaluator->own_variables().set("o", "own", 0xFFFFFFFFu);
+  EXPECT_EQ(bench.evaluator->evaluate(
+                R"(&VarSet("a", "outer"))" + import("vars.txt", R"(&T(a)&VarSet("b", "inner")&T(b))"), -1),
+            "outerinner");
+  EXPECT_EQ(bench.evaluator->lookup_or_name("b"), "b");
 }
 
 }  // namespace

@@ -19,16 +19,15 @@ using kerfline::test::HostRecorder;
 constexpr const char* kCounter = "Dim n\nFunction f(x)\n n = n + 1\n f = x * 10 + n\nEnd Function\n";
 constexpr const char* kBroken = "Dim x\nx = = 1\n";
 constexpr const char* kLooping = "Function again()\n again = \"<VBStart>again()<VBEnd>\"\nEnd Function\n";
-constexpr const char* kSyntaxErrorExpression = "1 +";
 // Wine's Script Control leaves an error's description and source text empty.
 constexpr bool kEngineNamesSource = false;
 #else
 constexpr const char* kCounter = "n = 0\nfunction f(x)\n n = n + 1\n return x * 10 + n\nend\n";
 constexpr const char* kBroken = "local x\nx = = 1\n";
 constexpr const char* kLooping = "function again() return '<VBStart>again()<VBEnd>' end\n";
-constexpr const char* kSyntaxErrorExpression = "1 +";
 constexpr bool kEngineNamesSource = true;
 #endif
+constexpr const char* kSyntaxErrorExpression = "1 +";
 
 struct Expansion {
   std::string text;
