@@ -114,12 +114,4 @@ TEST(IniMalformed, DegenerateFiles) {
   }
 }
 
-TEST(IniMalformed, DirectoryInPlaceOfTheFileReadsAsMissing) {
-  IniFile file;
-  std::filesystem::create_directory(file.path());
-  std::vector<char> buffer(8, '#');
-  EXPECT_EQ(ini::get_string("s", "k", "d", buffer.data(), 8, file.path()), 1u);
-  EXPECT_EQ(ini::get_section_names(buffer.data(), 8, file.path()), 0u);
-}
-
 }  // namespace
