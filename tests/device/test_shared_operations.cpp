@@ -29,53 +29,43 @@ struct Guarded {
 };
 
 struct FieldRow {
-  int code;
-  bool set;            // else get
+  int set, get;        // the two codes of a field
   std::size_t offset;  // of the field in the block
-  std::size_t width;   // 8 for a double, 4 for value G
+  std::size_t width = 8;
 };
-
-std::vector<FieldRow> field_rows() {
-  // Coordinate entry e (0 to 5) has six consecutive codes from 6, 14, 20, ...:
-  // set first, second, third, then get first, second, third.
-  std::vector<FieldRow> rows;
-  for (std::size_t e = 0; e < 6; ++e) {
-    const int base = e == 0 ? 6 : 8 + 6 * static_cast<int>(e);
-    for (int k = 0; k < 6; ++k)
-      rows.push_back({base + k, k < 3, 8 + 48 * static_cast<std::size_t>(k % 3) + 8 * e, 8});
-  }
-  const FieldRow values[] = {{44, true, 152, 8},  {45, false, 152, 8}, {46, true, 160, 8},   // D, E
-                             {47, false, 160, 8}, {48, true, 168, 8},  {49, false, 168, 8},  // F
-                             {50, true, 176, 4},  {51, false, 176, 4},                       // G
-                             {52, true, 184, 8},  {54, false, 184, 8},                       // H
-                             {53, true, 192, 8},  {55, false, 192, 8}};                      // I
-  rows.insert(rows.end(), std::begin(values), std::end(values));
-  return rows;
-}
 
 class FieldCode : public ::testing::TestWithParam<FieldRow> {};
 
-TEST_P(FieldCode, TouchesOnlyItsField) {
+TEST_P(FieldCode, SetAndGetTouchOnlyTheirField) {
   const FieldRow row = GetParam();
   Guarded g;
   const double d = -1234.5625;
   const std::int32_t i = -77;
   const void* value = row.width == 8 ? static_cast<const void*>(&d) : &i;
   std::vector<unsigned char> expected = g.bytes();
-  EXPECT_EQ(g.run(row.code, nullptr), KERFLINE_BAD_ARGUMENT);
-  if (row.set) {
-    EXPECT_EQ(g.run(row.code, value), 1);
-  } else {
-    std::memcpy(reinterpret_cast<unsigned char*>(&g.block) + row.offset, value, row.width);
-    unsigned char out[8] = {};
-    EXPECT_EQ(g.run(row.code, out), 1);
-    EXPECT_EQ(std::memcmp(out, value, row.width), 0);
-  }
   std::memcpy(expected.data() + row.offset, value, row.width);
+  EXPECT_EQ(g.run(row.set, nullptr), KERFLINE_BAD_ARGUMENT);
+  EXPECT_EQ(g.run(row.get, nullptr), KERFLINE_BAD_ARGUMENT);
+  EXPECT_EQ(g.run(row.set, value), 1);
+  EXPECT_EQ(g.bytes(), expected);
+  unsigned char out[8] = {};
+  EXPECT_EQ(g.run(row.get, out), 1);
+  EXPECT_EQ(std::memcmp(out, value, row.width), 0);
   EXPECT_EQ(g.bytes(), expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(AllCodes, FieldCode, ::testing::ValuesIn(field_rows()), test::RowIndex());
+// Coordinate entries 0 to 5 (first, second, third value each), then values D to I.
+INSTANTIATE_TEST_SUITE_P(AllCodes, FieldCode,
+                         ::testing::Values(FieldRow{6, 9, 8}, FieldRow{7, 10, 56}, FieldRow{8, 11, 104},
+                                           FieldRow{14, 17, 16}, FieldRow{15, 18, 64}, FieldRow{16, 19, 112},
+                                           FieldRow{20, 23, 24}, FieldRow{21, 24, 72}, FieldRow{22, 25, 120},
+                                           FieldRow{26, 29, 32}, FieldRow{27, 30, 80}, FieldRow{28, 31, 128},
+                                           FieldRow{32, 35, 40}, FieldRow{33, 36, 88}, FieldRow{34, 37, 136},
+                                           FieldRow{38, 41, 48}, FieldRow{39, 42, 96}, FieldRow{40, 43, 144},
+                                           FieldRow{44, 45, 152}, FieldRow{46, 47, 160},
+                                           FieldRow{48, 49, 168}, FieldRow{50, 51, 176, 4},
+                                           FieldRow{52, 54, 184}, FieldRow{53, 55, 192}),
+                         test::RowIndex());
 
 struct FlagRow {
   std::uint32_t set, clear, mask;  // codes 1, 2, then 3
