@@ -34,9 +34,10 @@ TEST_P(CancelPlotmanFlag, PostsTheStopMessageOnlyForZero) {
   host.broadcast_answer = 5;
   EXPECT_EQ(CancelPlotman(GetParam()), 1);
   ASSERT_EQ(host.broadcasts.size(), GetParam() == 0 ? 1u : 0u);
-  for (const auto& b : host.broadcasts)
+  for (const auto& b : host.broadcasts) {
     EXPECT_EQ(std::tie(b.message, b.w_param, b.l_param, b.wait),
               std::tuple("Umsg_StopPlotman", 0u, 0, false));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, CancelPlotmanFlag, ::testing::Values(0, 1, -1, 2),

@@ -36,7 +36,7 @@ TEST(IniMalformed, BinaryFileReadsAndWritesSafely) {
     GTEST_SKIP() << "Wine's profile functions: a write re-encodes bytes of a binary file it did not touch";
   IniFile file;
   std::mt19937 random(7);
-  std::string bytes(64 * 1024, '\0');
+  std::string bytes(std::size_t{64} * 1024, '\0');
   for (char& c : bytes) c = static_cast<char>(random() % 256);
   // Enough structure that sections and keys exist among the noise.
   for (std::size_t at = 0; at + 16 < bytes.size(); at += 997) bytes.replace(at, 10, "\r\n[s]\r\nk=v");
