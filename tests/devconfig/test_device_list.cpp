@@ -24,6 +24,7 @@ std::vector<Listed> list_all() {
   int32_t count = -1;
   std::unique_ptr<CUTDEVICE, void (*)(CUTDEVICE*)> list(GetCutDeviceList(&count), FreeCutDeviceList);
   EXPECT_NE(list, nullptr);
+  EXPECT_GE(count, 0);
   std::vector<Listed> out;
   for (int32_t i = 0; i < count; ++i) {
     const CUTDEVICE& d = list.get()[i];
