@@ -2,6 +2,7 @@
 // values) and exactly which lines it writes back, in which order.
 #include <functional>
 #include <memory>
+#include <sstream>
 
 #include "devconfig/suite_fixture.hpp"
 #include "fixtures/table_names.hpp"
@@ -17,109 +18,80 @@ Factory make() {
   return [] { return std::unique_ptr<CBaseDeviceSettings>(new T); };
 }
 
-struct KeyRow {
-  Factory factory;
-  std::vector<std::string> input;     // lines of section [DEV] before the read
-  std::vector<std::string> expected;  // lines of [DEV] written to a fresh file
-  const char* list_section;           // where the device is listed
-};
-
-const std::vector<std::string> kBaseDefaults = {"DevOut=",        "DevIn={HOME}SPOOLER/SL_DEV",
-                                                "DevSuffix=*.*;", "DevFlgAsk=0",
-                                                "DevFlgBreak=0",  "DevPlotToFile=0",
-                                                "DevFlgWav=0",    "DevDefCount=1",
-                                                "DevType=1",      "DevDefSavedCount=5"};
-
-std::vector<std::string> with_type(std::vector<std::string> lines, const std::string& type) {
-  for (auto& l : lines) {
-    if (l.rfind("DevType=", 0) == 0) l = "DevType=" + type;
-  }
+// Section lines are written "a|b|c" here.
+std::vector<std::string> split(const std::string& text) {
+  std::vector<std::string> lines;
+  std::stringstream in(text);
+  for (std::string line; std::getline(in, line, '|');) lines.push_back(line);
   return lines;
 }
 
-std::vector<std::string> operator+(std::vector<std::string> a, const std::vector<std::string>& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
+struct KeyRow {
+  Factory factory;
+  std::string input;                         // lines of section [DEV] before the read
+  std::string expected;                      // lines of [DEV] written to a fresh file
+  const char* list_section = "DeviceNames";  // where the device is listed
+};
+
+const std::string kBase =
+    "DevOut=|DevIn={HOME}SPOOLER/SL_DEV|DevSuffix=*.*;|DevFlgAsk=0|DevFlgBreak=0|DevPlotToFile=0|DevFlgWav=0|"
+    "DevDefCount=1|DevType=1|DevDefSavedCount=5";
+const std::string kDriver = "|DevDrvPath={HOME}cutter/|DevDrvFileName=|DevDrvInfo=";
+
+// The base lines with another "DevType".
+std::string base(char type) {
+  std::string lines = kBase;
+  lines[lines.find("DevType=") + 8] = type;
+  return lines;
 }
 
-const std::vector<std::string> kDriverDefaults = {"DevDrvPath={HOME}cutter/",
-                                                  "DevDrvFileName=", "DevDrvInfo="};
+const std::string kCutterDefaults = base('2') + kDriver +
+                                    "|IP_ADDR=0.0.0.0|IP_PORT=0|DevFlgUseSpooler=0|DevFlgServer=0|ActJobNr=0|"
+                                    "DevUsbDeviceName=|DevPortType=2";
+const std::string kCutterValues =
+    "IP_ADDR=10.1.2.3|IP_PORT=9100|DevFlgUseSpooler=1|DevFlgServer=1|ActJobNr=4294967295|"
+    "DevUsbDeviceName=/dev/usb/lp0|DevPortType=4|DevServerPort=7";
 
 const KeyRow kKeyRows[] = {
     // Base: defaults; the reader's sound default (0) overrides the constructor's 1.
-    {make<CBaseDeviceSettings>(), {}, kBaseDefaults, "DeviceNames"},
+    {make<CBaseDeviceSettings>(), "", kBase},
     // Base: values; "DevFlgBreak" 2 makes it inactive, written back as 1; "DevIn" follows "DevIni".
     {make<CBaseDeviceSettings>(),
-     {"DevOut=/dev/ttyS0", "DevIn=/old/", "DevSuffix=*.plt", "DevIni=/sp/x/index.hot", "DevFlgAsk=1",
-      "DevFlgBreak=2", "DevFlgWav=1", "DevNotifyWavFile=ding.wav", "DevPlotToFile=1", "DevDefCount=3",
-      "DevDefSavedCount=0", "DevType=6"},
-     {"DevOut=/dev/ttyS0", "DevIn=/sp/x/", "DevSuffix=*.plt;", "DevIni=/sp/x/index.hot", "DevFlgAsk=1",
-      "DevFlgBreak=1", "DevPlotToFile=1", "DevFlgWav=1", "DevNotifyWavFile=ding.wav", "DevDefCount=3",
-      "DevType=1", "DevDefSavedCount=0"},
-     "DeviceNames"},
+     "DevOut=/dev/ttyS0|DevIn=/old/|DevSuffix=*.plt|DevIni=/sp/x/index.hot|DevFlgAsk=1|DevFlgBreak=2|"
+     "DevFlgWav=1|DevNotifyWavFile=ding.wav|DevPlotToFile=1|DevDefCount=3|DevDefSavedCount=0|DevType=6",
+     "DevOut=/dev/ttyS0|DevIn=/sp/x/|DevSuffix=*.plt;|DevIni=/sp/x/index.hot|DevFlgAsk=1|DevFlgBreak=1|"
+     "DevPlotToFile=1|DevFlgWav=1|DevNotifyWavFile=ding.wav|DevDefCount=3|DevType=1|DevDefSavedCount=0"},
     // The sound file is read only with the flag set.
-    {make<CBaseDeviceSettings>(), {"DevFlgWav=0", "DevNotifyWavFile=ding.wav"}, kBaseDefaults, "DeviceNames"},
-    {make<CDriverDeviceSettings>(), {}, kBaseDefaults + kDriverDefaults, "DeviceNames"},
-    {make<CDriverDeviceSettings>(),
-     {"DevDrvPath=/drv/", "DevDrvFileName=gx24.vmd", "DevDrvInfo=Graphtec GX-24"},
-     kBaseDefaults +
-         std::vector<std::string>{"DevDrvPath=/drv/", "DevDrvFileName=gx24.vmd", "DevDrvInfo=Graphtec GX-24"},
-     "DeviceNames"},
+    {make<CBaseDeviceSettings>(), "DevFlgWav=0|DevNotifyWavFile=ding.wav", kBase},
+    {make<CDriverDeviceSettings>(), "", kBase + kDriver},
+    {make<CDriverDeviceSettings>(), "DevDrvPath=/drv/|DevDrvFileName=gx24.vmd|DevDrvInfo=Graphtec GX-24",
+     kBase + "|DevDrvPath=/drv/|DevDrvFileName=gx24.vmd|DevDrvInfo=Graphtec GX-24"},
     // An empty "DevDrvPath" keeps the constructor's default.
-    {make<CClientDeviceSettings>(), {"DevDrvPath="}, kBaseDefaults + kDriverDefaults, "DeviceNames"},
-    {make<CCutterDeviceSettings>(),
-     {},
-     with_type(kBaseDefaults, "2") + kDriverDefaults +
-         std::vector<std::string>{"IP_ADDR=0.0.0.0", "IP_PORT=0", "DevFlgUseSpooler=0", "DevFlgServer=0",
-                                  "ActJobNr=0", "DevUsbDeviceName=", "DevPortType=2"},
-     "DeviceNames"},
+    {make<CClientDeviceSettings>(), "DevDrvPath=", kBase + kDriver},
+    {make<CCutterDeviceSettings>(), "", kCutterDefaults},
     // "DevServerPort" is read and written only while the server flag is set.
-    {make<CCutterDeviceSettings>(),
-     {"IP_ADDR=10.1.2.3", "IP_PORT=9100", "DevFlgUseSpooler=1", "DevFlgServer=1", "ActJobNr=4294967295",
-      "DevUsbDeviceName=/dev/usb/lp0", "DevPortType=4", "DevServerPort=7"},
-     with_type(kBaseDefaults, "2") + kDriverDefaults +
-         std::vector<std::string>{"IP_ADDR=10.1.2.3", "IP_PORT=9100", "DevFlgUseSpooler=1", "DevFlgServer=1",
-                                  "ActJobNr=4294967295", "DevUsbDeviceName=/dev/usb/lp0", "DevPortType=4",
-                                  "DevServerPort=7"},
-     "DeviceNames"},
-    {make<CCutterDeviceSettings>(),
-     {"DevFlgServer=0", "DevServerPort=7", "IP_ADDR=300.1.1.1"},
-     with_type(kBaseDefaults, "2") + kDriverDefaults +
-         std::vector<std::string>{"IP_ADDR=0.0.0.0", "IP_PORT=0", "DevFlgUseSpooler=0", "DevFlgServer=0",
-                                  "ActJobNr=0", "DevUsbDeviceName=", "DevPortType=2"},
-     "DeviceNames"},
+    {make<CCutterDeviceSettings>(), kCutterValues, base('2') + kDriver + "|" + kCutterValues},
+    {make<CCutterDeviceSettings>(), "DevFlgServer=0|DevServerPort=7|IP_ADDR=300.1.1.1", kCutterDefaults},
     {make<CRemoteDeviceSettings>(),
-     {"DevRemoteIndexFile=r.hot", "DevRemoteIni=r.ini", "DevRemoteDevName=Far", "DevDrvFileName=f.vmd",
-      "DevDrvInfo=Far cutter"},
-     with_type(kBaseDefaults, "5") +
-         std::vector<std::string>{"DevDrvPath={HOME}cutter/", "DevDrvFileName=f.vmd", "DevDrvInfo=Far cutter",
-                                  "DevRemoteIndexFile=r.hot", "DevRemoteIni=r.ini", "DevRemoteDevName=Far"},
-     "DeviceNames"},
+     "DevRemoteIndexFile=r.hot|DevRemoteIni=r.ini|DevRemoteDevName=Far|DevDrvFileName=f.vmd|DevDrvInfo=Far "
+     "cutter",
+     base('5') +
+         "|DevDrvPath={HOME}cutter/|DevDrvFileName=f.vmd|DevDrvInfo=Far cutter|DevRemoteIndexFile=r.hot|"
+         "DevRemoteIni=r.ini|DevRemoteDevName=Far"},
     // The TCP/IP client skips the driver class's keys; its address defaults to empty.
     {make<CTcpIpClientDeviceSettings>(),
-     {"DevDrvPath=/ignored/", "DevServerDevName=Srv", "IP_ADDR=127.0.0.1", "IP_PORT=5", "TcpIpType=1",
-      "DevDrvFileName=s.vmd", "DevDrvInfo=S", "TcpIpHostname=plotman.local"},
-     with_type(kBaseDefaults, "6") +
-         std::vector<std::string>{"DevServerDevName=Srv", "IP_ADDR=127.0.0.1", "IP_PORT=5", "TcpIpType=1",
-                                  "DevDrvFileName=s.vmd", "DevDrvInfo=S", "TcpIpHostname=plotman.local"},
-     "DeviceNames"},
-    {make<CHFDeviceSettings>(),
-     {"DevHfStartAppTmpl=run %f", "DevFlgComLptHf=1", "DevFlgStartApp=1", "DevPortType=3"},
-     kBaseDefaults + std::vector<std::string>{"DevHfStartAppTmpl=run %f", "DevFlgComLptHf=1",
-                                              "DevFlgStartApp=1", "DevPortType=3"},
-     "DeviceNames"},
+     "DevDrvPath=/ignored/|DevServerDevName=Srv|IP_ADDR=127.0.0.1|IP_PORT=5|TcpIpType=1|DevDrvFileName=s.vmd|"
+     "DevDrvInfo=S|TcpIpHostname=plotman.local",
+     base('6') + "|DevServerDevName=Srv|IP_ADDR=127.0.0.1|IP_PORT=5|TcpIpType=1|DevDrvFileName=s.vmd|"
+                 "DevDrvInfo=S|TcpIpHostname=plotman.local"},
+    {make<CHFDeviceSettings>(), "DevHfStartAppTmpl=run %f|DevFlgComLptHf=1|DevFlgStartApp=1|DevPortType=3",
+     kBase + "|DevHfStartAppTmpl=run %f|DevFlgComLptHf=1|DevFlgStartApp=1|DevPortType=3"},
     // "RipMinPercent" is left to WriteRipMinSize.
-    {make<CExtHFDeviceSettings>(),
-     {"rip=1", "mask=*.tif", "OutBufSize=4096", "RipMinPercent=9"},
-     kBaseDefaults + std::vector<std::string>{"DevHfStartAppTmpl=", "DevFlgComLptHf=0", "DevFlgStartApp=0",
-                                              "DevPortType=0", "IP_ADDR=0.0.0.0", "IP_PORT=0",
-                                              "DevUsbDeviceName=", "DevUsbFriendlyName=", "mask=*.tif",
-                                              "rip=1", "LastDir=", "OutBufSize=4096"},
-     "DeviceNames"},
-    {make<CLocaleDeviceSettings>(),
-     {"DevPortType=2", "LastDir=/home/u"},
-     with_type(kBaseDefaults, "4") + std::vector<std::string>{"DevPortType=2", "LastDir=/home/u"},
-     "LocaleDevices"},
+    {make<CExtHFDeviceSettings>(), "rip=1|mask=*.tif|OutBufSize=4096|RipMinPercent=9",
+     kBase + "|DevHfStartAppTmpl=|DevFlgComLptHf=0|DevFlgStartApp=0|DevPortType=0|IP_ADDR=0.0.0.0|IP_PORT=0|"
+             "DevUsbDeviceName=|DevUsbFriendlyName=|mask=*.tif|rip=1|LastDir=|OutBufSize=4096"},
+    {make<CLocaleDeviceSettings>(), "DevPortType=2|LastDir=/home/u",
+     base('4') + "|DevPortType=2|LastDir=/home/u", "LocaleDevices"},
 };
 
 class KeyTable : public SuiteDir, public ::testing::WithParamInterface<KeyRow> {};
@@ -127,7 +99,7 @@ class KeyTable : public SuiteDir, public ::testing::WithParamInterface<KeyRow> {
 TEST_P(KeyTable, ReadsThenWritesExactlyTheseLines) {
   const KeyRow& row = GetParam();
   std::string in = "[DEV]\n";
-  for (const auto& l : row.input) in += expand(l) + "\n";
+  for (const auto& l : split(row.input)) in += l + "\n";
   dir_.write("in.ini", in);
 
   auto settings = row.factory();
@@ -136,7 +108,7 @@ TEST_P(KeyTable, ReadsThenWritesExactlyTheseLines) {
   settings->WriteToIni(file("out.ini").c_str());
 
   std::vector<std::string> expected;
-  for (const auto& l : row.expected) expected.push_back(expand(l));
+  for (const auto& l : split(row.expected)) expected.push_back(expand(l));
   EXPECT_EQ(lines("DEV", "out.ini"), expected);
   EXPECT_EQ(lines(row.list_section, "out.ini"), std::vector<std::string>{"DEV=1"});
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
@@ -25,28 +26,21 @@ TEST(GetPlotManPath, CopiesTheSuiteDirectoryWithItsSeparator) {
   kerfline::platform::set_home_dir("");
 }
 
-struct CancelRow {
-  int flag;
-  std::size_t posts;
-};
+class CancelPlotmanFlag : public ::testing::TestWithParam<int> {};
 
-class CancelPlotmanFlag : public ::testing::TestWithParam<CancelRow> {};
-
+// Only flag 0 posts the stop message; whatever the receivers say, the result stays 1.
 TEST_P(CancelPlotmanFlag, PostsTheStopMessageOnlyForZero) {
   HostRecorder host;
-  host.broadcast_answer = 5;  // whatever the receivers say, the result stays 1
-  EXPECT_EQ(CancelPlotman(GetParam().flag), 1);
-  ASSERT_EQ(host.broadcasts.size(), GetParam().posts);
-  if (GetParam().posts == 0) return;
-  EXPECT_EQ(host.broadcasts[0].message, "Umsg_StopPlotman");
-  EXPECT_EQ(host.broadcasts[0].w_param, 0u);
-  EXPECT_EQ(host.broadcasts[0].l_param, 0);
-  EXPECT_FALSE(host.broadcasts[0].wait);
+  host.broadcast_answer = 5;
+  EXPECT_EQ(CancelPlotman(GetParam()), 1);
+  ASSERT_EQ(host.broadcasts.size(), GetParam() == 0 ? 1u : 0u);
+  for (const auto& b : host.broadcasts) {
+    EXPECT_EQ(std::tie(b.message, b.w_param, b.l_param, b.wait),
+              std::tuple("Umsg_StopPlotman", 0u, 0, false));
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, CancelPlotmanFlag,
-                         ::testing::Values(CancelRow{0, 1}, CancelRow{1, 0}, CancelRow{-1, 0},
-                                           CancelRow{2, 0}),
+INSTANTIATE_TEST_SUITE_P(Table, CancelPlotmanFlag, ::testing::Values(0, 1, -1, 2),
                          kerfline::test::RowIndex{});
 
 }  // namespace

@@ -25,6 +25,7 @@ TEST_P(Boundary, MapsEveryOutcome) {
   EXPECT_EQ(kerfline::platform::guarded(row.failure, row.body), row.expected);
 }
 
+// A value passes; out of memory has its own code; anything else thrown is the caller's failure.
 INSTANTIATE_TEST_SUITE_P(Rows, Boundary,
                          ::testing::Values(BoundaryRow{[] { return 7; }, KERFLINE_BAD_ARGUMENT, 7},
                                            BoundaryRow{[]() -> std::int32_t { throw std::bad_alloc(); },

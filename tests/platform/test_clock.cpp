@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <tuple>
 
 #include "platform/clock.hpp"
 
@@ -48,14 +49,8 @@ TEST(FileTime, LocalCalendarFieldsInUtc) {
   // 2024-02-29 13:45:07.250 UTC, a Thursday.
   const std::uint64_t ft = kp::file_time_from_unix(1709214307, 250000000);
   ASSERT_TRUE(kp::local_time_from_file_time(ft, t));
-  EXPECT_EQ(t.year, 2024);
-  EXPECT_EQ(t.month, 2);
-  EXPECT_EQ(t.day, 29);
-  EXPECT_EQ(t.day_of_week, 4);
-  EXPECT_EQ(t.hour, 13);
-  EXPECT_EQ(t.minute, 45);
-  EXPECT_EQ(t.second, 7);
-  EXPECT_EQ(t.millisecond, 250);
+  EXPECT_EQ(std::tie(t.year, t.month, t.day, t.day_of_week, t.hour, t.minute, t.second, t.millisecond),
+            std::tuple(2024, 2, 29, 4, 13, 45, 7, 250));
   kerfline::platform::unset_environment("TZ");
   ::tzset();
 }

@@ -4,6 +4,7 @@
 #include "platform/environment.hpp"
 
 #include <cstdlib>
+#include <tuple>
 
 #include "fixtures/host_recorder.hpp"
 #include "platform/host_hooks.hpp"
@@ -37,11 +38,12 @@ INSTANTIATE_TEST_SUITE_P(
                       BoxDefaultCase{KERFLINE_MB_YESNOCANCEL, KERFLINE_IDNO}),
     kerfline::test::RowIndex());
 
-TEST(DefaultKeys, DiagnosticEnvironmentHoldsCtrlAndShift) {
+TEST(DefaultHooks, DiagnosticEnvironmentHoldsCtrlAndShift) {
   host::install(nullptr);
   kerfline::platform::unset_environment("KERFLINE_DIAG");
   EXPECT_FALSE(host::is_key_down(KERFLINE_VK_CONTROL));
   EXPECT_FALSE(host::diagnostics_requested());
+  EXPECT_EQ(host::broadcast("Umsg_StopPlotman", 0, 0, true), -1) << "nobody answers";
 
   kerfline::platform::set_environment("KERFLINE_DIAG", "1");
   EXPECT_TRUE(host::is_key_down(KERFLINE_VK_CONTROL));
@@ -54,11 +56,6 @@ TEST(DefaultKeys, DiagnosticEnvironmentHoldsCtrlAndShift) {
   kerfline::platform::unset_environment("KERFLINE_DIAG");
 }
 
-TEST(DefaultBroadcast, NobodyAnswers) {
-  host::install(nullptr);
-  EXPECT_EQ(host::broadcast("Umsg_StopPlotman", 0, 0, true), -1);
-}
-
 TEST(InstalledHooks, ReceiveEveryCallWithItsArguments) {
   HostRecorder rec;
   rec.queue_answer(KERFLINE_IDYES);
@@ -68,9 +65,8 @@ TEST(InstalledHooks, ReceiveEveryCallWithItsArguments) {
   EXPECT_EQ(host::message_box("Retry?", "Kerfline", KERFLINE_MB_YESNO), KERFLINE_IDYES);
   EXPECT_EQ(host::message_box("Again?", "Kerfline", KERFLINE_MB_YESNO), KERFLINE_IDOK);
   ASSERT_EQ(rec.boxes.size(), 2U);
-  EXPECT_EQ(rec.boxes[0].text, "Retry?");
-  EXPECT_EQ(rec.boxes[0].caption, "Kerfline");
-  EXPECT_EQ(rec.boxes[0].type, KERFLINE_MB_YESNO);
+  const auto& box = rec.boxes[0];
+  EXPECT_EQ(std::tie(box.text, box.caption, box.type), std::tuple("Retry?", "Kerfline", KERFLINE_MB_YESNO));
 
   EXPECT_TRUE(host::is_key_down(KERFLINE_VK_CONTROL));
   EXPECT_FALSE(host::diagnostics_requested());  // Shift is up
@@ -83,10 +79,9 @@ TEST(InstalledHooks, ReceiveEveryCallWithItsArguments) {
 
   EXPECT_EQ(host::broadcast("Umsg_StartDeviceDlg", 3, -4, false), 42);
   ASSERT_EQ(rec.broadcasts.size(), 1U);
-  EXPECT_EQ(rec.broadcasts[0].message, "Umsg_StartDeviceDlg");
-  EXPECT_EQ(rec.broadcasts[0].w_param, 3U);
-  EXPECT_EQ(rec.broadcasts[0].l_param, -4);
-  EXPECT_FALSE(rec.broadcasts[0].wait);
+  const auto& b = rec.broadcasts[0];
+  EXPECT_EQ(std::tie(b.message, b.w_param, b.l_param, b.wait),
+            std::tuple("Umsg_StartDeviceDlg", 3U, -4, false));
 
   { host::WaitCursor busy; }
   EXPECT_EQ(rec.cursor_changes, (std::vector<int>{1, 0}));

@@ -52,10 +52,10 @@ const std::string kSample =
 struct GetCase {
   const char* section;
   const char* key;
-  const char* default_value;
-  std::uint32_t size;
   std::uint32_t result;
   const char* text;  // what the buffer holds before its NUL; nullptr: untouched
+  const char* default_value = "d";
+  std::uint32_t size = 64;
 };
 
 class GetString : public ::testing::TestWithParam<GetCase> {};
@@ -79,29 +79,25 @@ TEST_P(GetString, GivesValueOrDefaultWithWin32Count) {
 INSTANTIATE_TEST_SUITE_P(
     Table, GetString,
     ::testing::Values(
-        GetCase{"section1", "name1", "d", 64, 4, "val1"}, GetCase{"SECTION1", "NAME1", "d", 64, 4, "val1"},
-        GetCase{"section1", "name1", "d", 5, 4, "val1"}, GetCase{"section1", "name1", "d", 4, 3, "val"},
-        GetCase{"section1", "name1", "d", 1, 0, ""}, GetCase{"section1", "name1", "d", 0, 0, nullptr},
-        GetCase{"section1", "name2", "d", 64, 0, ""}, GetCase{"section1", "name3", "d", 64, 1, "d"},
-        GetCase{"section1", "name4", "d", 64, 4, "val4"}, GetCase{"section1", "", "d", 64, 4, "val5"},
-        GetCase{"section2", "key", "d", 64, 12, "spaced value"},
-        GetCase{"section2", "quoted", "d", 64, 4, "val2"}, GetCase{"section2", "single", "d", 64, 4, "val2"},
-        GetCase{"section2", "mixed", "d", 64, 6, "\"val2'"}, GetCase{"section2", "half", "d", 64, 1, "\""},
-        GetCase{"section2", "inline", "d", 64, 4, "v ;x"}, GetCase{"section2", "name", "d", 64, 1, "d"},
-        GetCase{"section2", ";name", "d", 64, 1, "d"}, GetCase{"section2", "#hash", "d", 64, 3, "yes"},
-        GetCase{"section2", "eq", "d", 64, 3, "a=b"}, GetCase{"section1", "extra", "d", 64, 1, "d"},
-        GetCase{"section3", "dup", "d", 64, 5, "first"},
-        GetCase{"section3", "\xE4RGER", "d", 64, 6, "umlaut"},
-        GetCase{"section3", "[no bracket", "d", 64, 1, "d"}, GetCase{"a]b", "k", "d", 64, 6, "in a]b"},
-        GetCase{"a]b", "last", "d", 64, 3, "end"}, GetCase{"", "orphan", "d", 64, 1, "d"},
-        GetCase{"nosuch", "name1", "default  ", 64, 7, "default"},
-        GetCase{"section1", "nosuch", nullptr, 64, 0, ""},
+        GetCase{"section1", "name1", 4, "val1"}, GetCase{"SECTION1", "NAME1", 4, "val1"},
+        GetCase{"section1", "name1", 4, "val1", "d", 5}, GetCase{"section1", "name1", 3, "val", "d", 4},
+        GetCase{"section1", "name1", 0, "", "d", 1}, GetCase{"section1", "name1", 0, nullptr, "d", 0},
+        GetCase{"section1", "name2", 0, ""}, GetCase{"section1", "name3", 1, "d"},
+        GetCase{"section1", "name4", 4, "val4"}, GetCase{"section1", "", 4, "val5"},
+        GetCase{"section2", "key", 12, "spaced value"}, GetCase{"section2", "quoted", 4, "val2"},
+        GetCase{"section2", "single", 4, "val2"}, GetCase{"section2", "mixed", 6, "\"val2'"},
+        GetCase{"section2", "half", 1, "\""}, GetCase{"section2", "inline", 4, "v ;x"},
+        GetCase{"section2", "name", 1, "d"}, GetCase{"section2", ";name", 1, "d"},
+        GetCase{"section2", "#hash", 3, "yes"}, GetCase{"section2", "eq", 3, "a=b"},
+        GetCase{"section1", "extra", 1, "d"}, GetCase{"section3", "dup", 5, "first"},
+        GetCase{"section3", "\xE4RGER", 6, "umlaut"}, GetCase{"section3", "[no bracket", 1, "d"},
+        GetCase{"a]b", "k", 6, "in a]b"}, GetCase{"a]b", "last", 3, "end"}, GetCase{"", "orphan", 1, "d"},
+        GetCase{"nosuch", "name1", 7, "default", "default  "}, GetCase{"section1", "nosuch", 0, "", nullptr},
         // A default loses trailing blanks only.
-        GetCase{"section1", "nosuch", "  lead \t", 64, 8, "  lead \t"},
-        GetCase{"section1", "nosuch", "d\v\f\x1a  ", 64, 4, "d\v\f\x1a"},
+        GetCase{"section1", "nosuch", 8, "  lead \t", "  lead \t"},
+        GetCase{"section1", "nosuch", 4, "d\v\f\x1a", "d\v\f\x1a  "},
         // Names given by the caller are trimmed like the file's own.
-        GetCase{" section1\t", "\tname1 ", "d", 64, 4, "val1"},
-        GetCase{"section1", "nosuch", "default", 4, 3, "def"}),
+        GetCase{" section1\t", "\tname1 ", 4, "val1"}, GetCase{"section1", "nosuch", 3, "def", "default", 4}),
     kerfline::test::RowIndex());
 
 // The list forms, with the whole buffer checked: '#' marks bytes that must
@@ -120,6 +116,7 @@ const std::string kLists =
     "k\r\n";
 
 enum class ListKind { kSectionNames, kNamesViaGetString, kKeyNames, kWholeSection };
+using enum ListKind;
 
 struct ListCase {
   ListKind kind;
@@ -139,16 +136,16 @@ TEST_P(ListForms, FillTheBufferAsWindowsDoes) {
   std::string buffer(c.buffer.size(), '#');
   std::uint32_t result = 0;
   switch (c.kind) {
-    case ListKind::kSectionNames:
+    case kSectionNames:
       result = ini::get_section_names(buffer.data(), c.size, file.path());
       break;
-    case ListKind::kNamesViaGetString:
+    case kNamesViaGetString:
       result = ini::get_string(nullptr, "ignored", "ignored", buffer.data(), c.size, file.path());
       break;
-    case ListKind::kKeyNames:
+    case kKeyNames:
       result = ini::get_string(c.section, nullptr, "dflt ", buffer.data(), c.size, file.path());
       break;
-    case ListKind::kWholeSection:
+    case kWholeSection:
       result = ini::get_section(c.section, buffer.data(), c.size, file.path());
       break;
   }
@@ -159,27 +156,24 @@ TEST_P(ListForms, FillTheBufferAsWindowsDoes) {
 INSTANTIATE_TEST_SUITE_P(
     Table, ListForms,
     ::testing::Values(
-        ListCase{ListKind::kSectionNames, nullptr, 29, 27, "section1\0section2\0section3\0\0"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 28, 26, "section1\0section2\0section3\0\0"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 27, 25, "section1\0section2\0section\0\0"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 16, 14, "section1\0secti\0\0##"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 40, 27, "section1\0section2\0section3\0\0###"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 2, 0, "\0\0#"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 1, 0, "\0#"_b},
-        ListCase{ListKind::kSectionNames, nullptr, 0, 0, "#"_b},
-        ListCase{ListKind::kNamesViaGetString, nullptr, 16, 14, "section1\0secti\0\0#"_b},
-        ListCase{ListKind::kNamesViaGetString, nullptr, 29, 27, "section1\0section2\0section3\0\0"_b},
-        ListCase{ListKind::kWholeSection, "section1", 40, 35,
-                 "name1=val1\0name2=\0name3\0name4=val4\0\0###"_b},
-        ListCase{ListKind::kWholeSection, "SECTION1", 24, 22, "name1=val1\0name2=\0name\0\0#"_b},
-        ListCase{ListKind::kWholeSection, "section3", 16, 8, "=val5\0k\0\0###"_b},
-        ListCase{ListKind::kWholeSection, "section2", 16, 0, "\0\0##"_b},
-        ListCase{ListKind::kWholeSection, "nosuch", 16, 0, "\0\0##"_b},
-        ListCase{ListKind::kKeyNames, "section1", 32, 18, "name1\0name2\0name4\0\0###"_b},
-        ListCase{ListKind::kKeyNames, "section1", 10, 8, "name1\0na\0\0#"_b},
-        ListCase{ListKind::kKeyNames, "section2", 16, 4, "dflt\0#"_b},
-        ListCase{ListKind::kKeyNames, "section3", 16, 4, "dflt\0#"_b},
-        ListCase{ListKind::kKeyNames, "nosuch", 3, 2, "df\0#"_b}),
+        ListCase{kSectionNames, nullptr, 29, 27, "section1\0section2\0section3\0\0"_b},
+        ListCase{kSectionNames, nullptr, 28, 26, "section1\0section2\0section3\0\0"_b},
+        ListCase{kSectionNames, nullptr, 27, 25, "section1\0section2\0section\0\0"_b},
+        ListCase{kSectionNames, nullptr, 16, 14, "section1\0secti\0\0##"_b},
+        ListCase{kSectionNames, nullptr, 40, 27, "section1\0section2\0section3\0\0###"_b},
+        ListCase{kSectionNames, nullptr, 2, 0, "\0\0#"_b}, ListCase{kSectionNames, nullptr, 1, 0, "\0#"_b},
+        ListCase{kSectionNames, nullptr, 0, 0, "#"_b},
+        ListCase{kNamesViaGetString, nullptr, 16, 14, "section1\0secti\0\0#"_b},
+        ListCase{kNamesViaGetString, nullptr, 29, 27, "section1\0section2\0section3\0\0"_b},
+        ListCase{kWholeSection, "section1", 40, 35, "name1=val1\0name2=\0name3\0name4=val4\0\0###"_b},
+        ListCase{kWholeSection, "SECTION1", 24, 22, "name1=val1\0name2=\0name\0\0#"_b},
+        ListCase{kWholeSection, "section3", 16, 8, "=val5\0k\0\0###"_b},
+        ListCase{kWholeSection, "section2", 16, 0, "\0\0##"_b},
+        ListCase{kWholeSection, "nosuch", 16, 0, "\0\0##"_b},
+        ListCase{kKeyNames, "section1", 32, 18, "name1\0name2\0name4\0\0###"_b},
+        ListCase{kKeyNames, "section1", 10, 8, "name1\0na\0\0#"_b},
+        ListCase{kKeyNames, "section2", 16, 4, "dflt\0#"_b},
+        ListCase{kKeyNames, "section3", 16, 4, "dflt\0#"_b}, ListCase{kKeyNames, "nosuch", 3, 2, "df\0#"_b}),
     kerfline::test::RowIndex());
 
 TEST(IniLists, ShowDuplicatesAsTheyStand) {

@@ -115,7 +115,9 @@ TEST(IniWriteFails, WithoutAPlaceToWrite) {
   EXPECT_FALSE(ini::write_value("a", "k", "v", file.dir().str() + "missing/test.ini"));
   std::filesystem::create_directory(file.path());
   EXPECT_FALSE(ini::write_value("a", "k", "v", file.path())) << "a directory in the file's place";
-  EXPECT_EQ(ini::read_string("a", "k", "dflt", file.path()), "dflt");
+  EXPECT_EQ(ini::read_string("a", "k", "dflt", file.path()), "dflt") << "and read as missing";
+  char buffer[8];
+  EXPECT_EQ(ini::get_section_names(buffer, sizeof buffer, file.path()), 0u);
 }
 
 TEST(IniCache, ParsesAnUnchangedFileOnce) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -19,31 +20,23 @@ class SharedMemoryTest : public ::testing::Test {
 
 bool all_zero(const SharedMemory& m) {
   const auto* p = static_cast<const unsigned char*>(m.data());
-  for (std::size_t k = 0; k < m.size(); ++k) {
-    if (p[k] != 0) return false;
-  }
-  return true;
+  return std::all_of(p, p + m.size(), [](unsigned char b) { return b == 0; });
 }
 
-TEST_F(SharedMemoryTest, TwoOpensShareTheBytes) {
-  auto a = SharedMemory::open(name_, 4096);
-  ASSERT_TRUE(a) << a.error().message;
-  EXPECT_TRUE(all_zero(*a));
-  std::memcpy(a->data(), "shared", 7);
-  auto b = SharedMemory::open("/" + name_, 4096);
-  ASSERT_TRUE(b) << b.error().message;
-  EXPECT_NE(a->data(), b->data());
-  EXPECT_STREQ(static_cast<const char*>(b->data()), "shared");
-}
-
-TEST_F(SharedMemoryTest, StartsZeroAgainOnceNobodyHasItOpen) {
+// Two opens share the bytes while either is open; once nobody has the block
+// open it starts zeroed again.
+TEST_F(SharedMemoryTest, OpensShareTheBytesUntilTheLastCloses) {
   {
     auto a = SharedMemory::open(name_, 4096);
-    ASSERT_TRUE(a);
+    ASSERT_TRUE(a) << a.error().message;
+    EXPECT_TRUE(all_zero(*a));
     std::memset(a->data(), 0x5A, a->size());
-    auto b = SharedMemory::open(name_, 4096);  // a still open: contents kept
-    ASSERT_TRUE(b);
-    EXPECT_EQ(static_cast<const unsigned char*>(b->data())[4095], 0x5A);
+    auto b = SharedMemory::open("/" + name_, 4096);
+    ASSERT_TRUE(b) << b.error().message;
+    EXPECT_NE(a->data(), b->data());
+    const auto* seen = static_cast<const unsigned char*>(b->data());
+    EXPECT_EQ(seen[0], 0x5A);
+    EXPECT_EQ(seen[4095], 0x5A);
   }
   auto c = SharedMemory::open(name_, 4096);
   ASSERT_TRUE(c);

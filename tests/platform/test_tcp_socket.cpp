@@ -2,6 +2,7 @@
 
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "fixtures/table_names.hpp"
 #include "platform/tcp_socket.hpp"
@@ -20,6 +21,13 @@ std::string read_some(ByteStream& s, std::size_t want, int timeout_ms = 2000) {
   }
   return got;
 }
+
+// A listener on the IPv4 loopback and a client connected to it; a failure
+// throws and fails the test.
+struct Link {
+  TcpListener listener = std::move(TcpListener::listen("127.0.0.1", 0).value());
+  ByteStream client = std::move(tcp_connect("127.0.0.1", listener.port(), 2000).value());
+};
 
 struct LoopbackRow {
   const char* listen_on;
@@ -61,18 +69,15 @@ INSTANTIATE_TEST_SUITE_P(Addresses, TcpLoopback,
                          test::RowIndex{});
 
 TEST(TcpSocket, ReadWithoutDataTimesOutWithoutClosing) {
-  auto listener = TcpListener::listen("127.0.0.1", 0);
-  ASSERT_TRUE(listener);
-  auto client = tcp_connect("127.0.0.1", listener->port(), 2000);
-  ASSERT_TRUE(client);
+  Link link;
   char buf[8];
-  auto r = client->read(buf, sizeof(buf), 50);
+  auto r = link.client.read(buf, sizeof(buf), 50);
   ASSERT_TRUE(r);
   EXPECT_TRUE(r->timed_out());
-  auto none = listener->accept(0);  // the pending connection is there
-  ASSERT_TRUE(none);
-  EXPECT_TRUE(none->has_value());
-  auto idle = listener->accept(30);
+  auto pending = link.listener.accept(0);
+  ASSERT_TRUE(pending);
+  EXPECT_TRUE(pending->has_value());
+  auto idle = link.listener.accept(30);
   ASSERT_TRUE(idle);
   EXPECT_FALSE(idle->has_value());
 }
@@ -95,29 +100,23 @@ TEST(TcpSocket, ConnectFailuresAreErrorsWithText) {
 }
 
 TEST(TcpSocket, WritingToAVanishedPeerIsAnErrorNotASignal) {
-  auto listener = TcpListener::listen("127.0.0.1", 0);
-  ASSERT_TRUE(listener);
-  auto client = tcp_connect("127.0.0.1", listener->port(), 2000);
-  ASSERT_TRUE(client);
+  Link link;
   {
-    auto accepted = listener->accept(2000);
+    auto accepted = link.listener.accept(2000);
     ASSERT_TRUE(accepted && accepted->has_value());
   }  // the server side closes here
   const std::string block(64 * 1024, 'x');
   bool failed = false;
-  for (int i = 0; i < 50 && !failed; ++i) failed = !client->write(block.data(), block.size(), 200);
+  for (int i = 0; i < 50 && !failed; ++i) failed = !link.client.write(block.data(), block.size(), 200);
   EXPECT_TRUE(failed);
 }
 
 TEST(TcpSocket, AWriteThePeerDoesNotTakeStopsAtTheTimeOut) {
-  auto listener = TcpListener::listen("127.0.0.1", 0);
-  ASSERT_TRUE(listener);
-  auto client = tcp_connect("127.0.0.1", listener->port(), 2000);
-  ASSERT_TRUE(client);
-  auto accepted = listener->accept(2000);
+  Link link;
+  auto accepted = link.listener.accept(2000);
   ASSERT_TRUE(accepted && accepted->has_value());
   const std::string big(64 * 1024 * 1024, 'y');  // far beyond both socket buffers
-  auto w = client->write(big.data(), big.size(), 100);
+  auto w = link.client.write(big.data(), big.size(), 100);
   ASSERT_TRUE(w);
   EXPECT_GT(*w, 0u);
   EXPECT_LT(*w, big.size());
