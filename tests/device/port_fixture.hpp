@@ -3,11 +3,13 @@
 // waits routed to the test, and a count of open descriptors.
 #pragma once
 
-#include <fcntl.h>
-#include <poll.h>
-#include <pty.h>
-#include <termios.h>
-#include <unistd.h>
+#ifndef _WIN32
+#  include <fcntl.h>
+#  include <poll.h>
+#  include <pty.h>
+#  include <termios.h>
+#  include <unistd.h>
+#endif
 
 #include <atomic>
 #include <chrono>
@@ -30,6 +32,7 @@
 
 namespace kerfline::test {
 
+#ifndef _WIN32
 inline int open_descriptors() {
   int n = 0;
   for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator("/proc/self/fd")) ++n;
@@ -111,6 +114,7 @@ class Pty {
   std::atomic<bool> stop_{false};
   std::string received_;
 };
+#endif
 
 // A driver document held by a VMV6DRV record, with the given variables.
 class DriverVars {

@@ -19,59 +19,6 @@ using kerfline::test::RowIndex;
 
 namespace {
 
-using Vars = std::vector<std::pair<std::string, std::string>>;
-
-struct LinkRow {
-  Vars vars;
-  std::int32_t port_type;
-  dev::EDeviceLink link;
-  const char* usb_name;
-};
-
-class LinkDecision : public ::testing::TestWithParam<LinkRow> {};
-
-const LinkRow kLinks[] = {
-    {{}, 4, dev::LinkPort, ""},
-    {{{"%RolandUSB%", "1"}, {"%RolandUSBDevName%", "GX-24"}}, 4, dev::LinkRdgUsb, "GX-24"},
-    {{{"%RolandUSB%", "1"}, {"%RolandUSBDevName%", "GX-24"}}, 2, dev::LinkPort, ""},
-    {{{"%RolandUSB%", "2"}, {"%RolandUSBDevName%", "SLOT"}}, 4, dev::LinkSlotReader, "SLOT"},
-    {{{"%RolandUSB%", "2"}}, 4, dev::LinkSlotReader, ""},
-    {{{"%RolandUSB%", "0"}, {"%USBApi%", "1"}, {"%TCPIPApi%", "1"}}, 4, dev::LinkPort, ""},
-    {{{"%USBApi%", "1"}}, 4, dev::LinkUsbApi, ""},
-    {{{"%USBApi%", "2"}}, 4, dev::LinkUsbPipeSingle, ""},
-    {{{"%USBApi%", "3"}}, 4, dev::LinkGraphtecUsb, ""},
-    {{{"%USBApi%", "3"}}, 2, dev::LinkPort, ""},
-    {{{"%USBApi%", "0"}, {"%TCPIPApi%", "1"}}, 2, dev::LinkPort, ""},
-    {{{"%TCPIPApi%", "1"}}, 2, dev::LinkTcpIp, ""},
-    {{{"%TCPIPApi%", "1"}}, 0, dev::LinkTcpIp, ""},
-    {{{"%TCPIPApi%", "1 "}}, 2, dev::LinkPort, ""},
-    {{{"%USBApi%", " 1"}}, 4, dev::LinkPort, ""},
-};
-
-TEST_P(LinkDecision, FollowsTheDriverVariablesInOrder) {
-  const LinkRow& row = GetParam();
-  DeviceEnv env;
-  env.devices["Cutter"].port_type = row.port_type;
-  DriverVars vars(row.vars);
-  std::string usb_name = "untouched";
-  EXPECT_EQ(dev::DecideDeviceLink(vars.drv(), "Cutter", usb_name), row.link);
-  const bool named = row.link == dev::LinkRdgUsb || row.link == dev::LinkSlotReader;
-  EXPECT_EQ(usb_name, named ? row.usb_name : "untouched");
-  EXPECT_FALSE(dev::link_state().out_flag_4);
-}
-INSTANTIATE_TEST_SUITE_P(Table, LinkDecision, ::testing::ValuesIn(kLinks), RowIndex());
-
-TEST(LinkDecision, OutFlag4IsSetWhateverTheLinkAndNeverCleared) {
-  DeviceEnv env;
-  DriverVars on({{"%OutFlag_4%", "1"}, {"%TCPIPApi%", "1"}});
-  DriverVars off(Vars{{"%OutFlag_4%", "0"}});
-  std::string name;
-  EXPECT_EQ(dev::DecideDeviceLink(on.drv(), "Cutter", name), dev::LinkTcpIp);
-  EXPECT_TRUE(dev::link_state().out_flag_4);
-  dev::DecideDeviceLink(off.drv(), "Cutter", name);
-  EXPECT_TRUE(dev::link_state().out_flag_4);
-}
-
 struct OpenRow {
   const char* device;
   std::int32_t port_type;
@@ -127,34 +74,6 @@ TEST_P(OpenCodes, GiveTheCodeAndLeakNothing) {
   EXPECT_EQ(open_descriptors(), before);
 }
 INSTANTIATE_TEST_SUITE_P(Table, OpenCodes, ::testing::ValuesIn(kOpens), RowIndex());
-
-struct UsbRow {
-  std::vector<dev::UsbEntry> present;
-  const char* stored_name;
-  const char* stored_path;
-  const char* resolved;
-};
-class UsbPaths : public ::testing::TestWithParam<UsbRow> {};
-TEST_P(UsbPaths, FindTheDeviceAgainByName) {
-  const UsbRow& row = GetParam();
-  EXPECT_EQ(dev::resolve_usb_path(row.present, row.stored_name, row.stored_path), row.resolved);
-}
-INSTANTIATE_TEST_SUITE_P(
-    Table, UsbPaths,
-    ::testing::Values(UsbRow{{{"CE6000", "/dev/usb/lp0"}}, "CE6000", "/dev/usb/lp0", "/dev/usb/lp0"},
-                      UsbRow{{{"CE6000", "/dev/usb/lp1"}}, "CE6000", "/dev/usb/lp0", "/dev/usb/lp1"},
-                      UsbRow{{{"GX-24", "/dev/usb/lp0"}}, "CE6000", "/dev/usb/lp3", "/dev/usb/lp3"},
-                      UsbRow{{}, "CE6000", "/dev/usb/lp3", "/dev/usb/lp3"},
-                      UsbRow{{{"CE6000", "/dev/usb/lp1"}, {"CE6000", "/dev/usb/lp2"}},
-                             "CE6000",
-                             "/dev/usb/lp9",
-                             "/dev/usb/lp1"},
-                      UsbRow{{{"CE6000", "/dev/usb/lp1"}, {"CE6000", "/dev/usb/lp2"}},
-                             "CE6000",
-                             "/dev/usb/lp2",
-                             "/dev/usb/lp2"},
-                      UsbRow{{{"ce6000", "/dev/usb/lp1"}}, "CE6000", "/dev/usb/lp0", "/dev/usb/lp0"}),
-    RowIndex());
 
 // Retries: ten silent attempts with their waits, then the prompt; Yes starts
 // ten more, No gives the side's code.

@@ -1,5 +1,5 @@
-// The platform port layer: mode texts, port names, device ids, the USB list
-// and the handles it never hands out.
+// The POSIX side of the port layer: termios set-up of a line, the USB list
+// from sysfs and the descriptors an open never hands out.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -19,74 +19,48 @@ using kerfline::test::TempDir;
 
 namespace {
 
-struct ModeRow {
+// A pseudo-terminal keeps 8 data bits without parity whatever it is told,
+// so speed, stop bits and flow control are what can be seen on it. A text
+// that does not parse (speed B0) leaves the line as it was.
+struct LineRow {
   const char* text;
-  bool parses;
-  std::uint32_t baud;
   speed_t speed;
-  char parity;
-  int data_bits;
-  int stop_tenths;
+  bool two_stop;
   bool xon;
   bool rts_cts;
 };
-
-class ModeTexts : public ::testing::TestWithParam<ModeRow> {};
-
-const ModeRow kModes[] = {
-    {"9600,n,8,1,x", true, 9600, B9600, 'n', 8, 10, true, false},
-    {"baud=9600 parity=N data=8 stop=1", true, 9600, B9600, 'n', 8, 10, false, true},  // "p" of "parity"
-    {"96,e,7,2", true, 9600, B9600, 'e', 7, 20, false, false},
-    {"19200,o,8,1,p", true, 19200, B19200, 'o', 8, 10, false, true},
-    {"4800,M,5,1.5", true, 4800, B4800, 'm', 5, 15, false, false},
-    {"baud=115200 data=8 xon=on", true, 115200, B115200, 'n', 8, 10, true, false},
-    {"9600,n,8,1,x,p", false, 0, B0, 'n', 0, 0, false, false},
-    {"FILE", false, 0, B0, 'n', 0, 0, false, false},
-    {"", false, 0, B0, 'n', 0, 0, false, false},
-    {"9600,q,8,1", false, 0, B0, 'n', 0, 0, false, false},
-    {"9600,n,9,1", false, 0, B0, 'n', 0, 0, false, false},
-    {"baud=9600 colour=blue", false, 0, B0, 'n', 0, 0, false, false},
-};
-
-TEST_P(ModeTexts, GiveTheLineSettings) {
-  const ModeRow& row = GetParam();
-  const auto s = port::line_settings_for(row.text);
-  ASSERT_EQ(s.has_value(), row.parses);
-  if (!s) return;
-  EXPECT_EQ(s->baud, row.baud);
-  EXPECT_EQ(s->parity, row.parity);
-  EXPECT_EQ(s->data_bits, row.data_bits);
-  EXPECT_EQ(s->stop_bits, row.stop_tenths);
-  EXPECT_EQ(s->xon_xoff, row.xon);
-  EXPECT_EQ(s->rts_cts, row.rts_cts);
-}
-
-// A pseudo-terminal keeps 8 data bits without parity whatever it is told,
-// so speed, stop bits and flow control are what can be seen on it.
-TEST_P(ModeTexts, SetUpTheLineOrLeaveItAsItIs) {
-  const ModeRow& row = GetParam();
+class LineSetUp : public ::testing::TestWithParam<LineRow> {};
+TEST_P(LineSetUp, SetsUpTheLineOrLeavesItAsItIs) {
+  const LineRow& row = GetParam();
   Pty pty;
   auto opened = port::open_existing(pty.path(), port::Access::kReadWrite);
   ASSERT_TRUE(opened.ok());
   const port::Handle h = opened.value();
   termios before{};
   ASSERT_EQ(::tcgetattr(static_cast<int>(h), &before), 0);
-  EXPECT_EQ(port::setup_serial(h, pty.path() + ":", row.text), row.parses);
+  EXPECT_EQ(port::setup_serial(h, pty.path() + ":", row.text), row.speed != B0);
   termios after{};
   ASSERT_EQ(::tcgetattr(static_cast<int>(h), &after), 0);
-  if (!row.parses) {
+  if (row.speed == B0) {
     EXPECT_EQ(std::memcmp(&before, &after, sizeof before), 0);
   } else {
     EXPECT_EQ(::cfgetospeed(&after), row.speed);
-    EXPECT_EQ((after.c_cflag & CSTOPB) != 0, row.stop_tenths > 10);
+    EXPECT_EQ((after.c_cflag & CSTOPB) != 0, row.two_stop);
     EXPECT_EQ((after.c_iflag & IXON) != 0 && (after.c_iflag & IXOFF) != 0, row.xon);
     EXPECT_EQ((after.c_cflag & CRTSCTS) != 0, row.rts_cts);
   }
   EXPECT_TRUE(port::close(h));
 }
-INSTANTIATE_TEST_SUITE_P(Table, ModeTexts, ::testing::ValuesIn(kModes), RowIndex());
+INSTANTIATE_TEST_SUITE_P(Table, LineSetUp,
+                         ::testing::Values(LineRow{"9600,n,8,1,x", B9600, false, true, false},
+                                           LineRow{"96,e,7,2", B9600, true, false, false},
+                                           LineRow{"19200,o,8,1,p", B19200, false, false, true},
+                                           LineRow{"baud=115200 data=8 xon=on", B115200, false, true, false},
+                                           LineRow{"9600,n,9,1", B0, false, false, false},
+                                           LineRow{"FILE", B0, false, false, false}),
+                         RowIndex());
 
-TEST(ModeTexts, SetUpIsSkippedWhereThereIsNoLine) {
+TEST(NoLine, SetUpIsSkippedOnAFile) {
   TempDir dir;
   const auto file = dir.write("out.plt", "");
   auto opened = port::open_existing(file.string(), port::Access::kReadWrite);
@@ -96,37 +70,6 @@ TEST(ModeTexts, SetUpIsSkippedWhereThereIsNoLine) {
   EXPECT_FALSE(port::purge(opened.value()));
   port::close(opened.value());
 }
-
-using NameRow = std::pair<const char*, const char*>;
-class PortNames : public ::testing::TestWithParam<NameRow> {};
-TEST_P(PortNames, MapWindowsNamesOnly) {
-  EXPECT_EQ(port::map_port_name(GetParam().first), GetParam().second);
-}
-INSTANTIATE_TEST_SUITE_P(Table, PortNames,
-                         ::testing::Values(NameRow{"COM1", "/dev/ttyS0"}, NameRow{"com3:", "/dev/ttyS2"},
-                                           NameRow{"LPT1", "/dev/lp0"}, NameRow{"LPT2:", "/dev/lp1"},
-                                           NameRow{"COM", "COM"}, NameRow{"COM0", "COM0"},
-                                           NameRow{"COMX1", "COMX1"}, NameRow{"COM1234", "COM1234"},
-                                           NameRow{"/dev/ttyUSB0", "/dev/ttyUSB0"},
-                                           NameRow{"out.plt", "out.plt"}),
-                         RowIndex());
-
-struct IdRow {
-  const char* id;
-  const char* key;
-  const char* value;
-};
-class DeviceIds : public ::testing::TestWithParam<IdRow> {};
-TEST_P(DeviceIds, GiveTheFieldAsked) {
-  EXPECT_EQ(usb::ieee1284_field(GetParam().id, GetParam().key), GetParam().value);
-}
-INSTANTIATE_TEST_SUITE_P(Table, DeviceIds,
-                         ::testing::Values(IdRow{"MFG:Graphtec;MDL:CE6000-60;CMD:HPGL;", "MDL", "CE6000-60"},
-                                           IdRow{"MANUFACTURER:Roland DG;MODEL:GX-24;", "MFG", "Roland DG"},
-                                           IdRow{" mfg : Acme ; mdl:Cut 1", "MDL", "Cut 1"},
-                                           IdRow{"MFG:;MDL", "MDL", ""}, IdRow{";;;:::", "MFG", ""},
-                                           IdRow{"", "MFG", ""}),
-                         RowIndex());
 
 TEST(UsbList, ReadsPrintersAndSerialAdaptersFromTheTree) {
   namespace fs = std::filesystem;
