@@ -1,10 +1,11 @@
-// A pseudo-terminal: the host opens the printed device path as a serial port.
+// A line pair (a pseudo-terminal; a named pipe on Windows): the host opens the
+// printed device path as a serial port.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <system_error>
 
-#include "platform/pseudo_terminal.hpp"
+#include "platform/line_pair.hpp"
 #include "transports.hpp"
 
 namespace kerfline::sim {
@@ -27,7 +28,7 @@ bool write_path_file(const std::string& file, const std::string& line) {
 }  // namespace
 
 int serve_pty(Simulator& sim) {
-  auto pty = platform::PseudoTerminal::open();
+  auto pty = platform::LinePair::open();
   if (!pty) {
     std::cerr << "kerfline-sim: " << pty.error().message << "\n";
     return 1;
@@ -41,11 +42,11 @@ int serve_pty(Simulator& sim) {
   // it any number of times; with --once it lets go once a host has written,
   // so that host's close ends the run.
   auto release = [&] {
-    if (sim.options.once) pty->release_slave();
+    if (sim.options.once) pty->release_device();
   };
   for (;;) {
-    const SessionEnd end = serve_session(sim, pty->master(), pty->master(), release);
-    // A dropped line closes the master: the device disappears for good.
+    const SessionEnd end = serve_session(sim, pty->stream(), pty->stream(), release);
+    // A dropped line closes this end: the device disappears for good.
     if (end != SessionEnd::peer_closed || sim.options.once) return end == SessionEnd::failed ? 1 : 0;
   }
 }
