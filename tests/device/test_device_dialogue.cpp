@@ -1,5 +1,5 @@
 // The script's device functions and the device readers against a device
-// on a pseudo-terminal (a scripted peer, or kerfline-sim) and kerfline-sim
+// on a line (a scripted peer, or kerfline-sim) and kerfline-sim
 // on a loopback port; profile, registry, mail and the host's hooks.
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 using kerfline::test::DeviceEnv;
 using kerfline::test::DriverVars;
 using kerfline::test::HostRecorder;
-using kerfline::test::Pty;
+using kerfline::test::Line;
 using kerfline::test::SimProcess;
 using namespace std::chrono_literals;
 
@@ -71,14 +71,14 @@ const DialogueRow kDialogue[] = {
 TEST_P(Dialogue, AsksTheDeviceAndReadsTheAnswer) {
   const DialogueRow& row = GetParam();
   DeviceEnv env;
-  Pty pty;
-  env.devices["Dev"] = {2, pty.path(), "", "", "", 0};
-  pty.serve(';', 0ms, row.answer);
+  Line line;
+  env.devices["Dev"] = {2, line.path(), "", "", "", 0};
+  line.serve(';', 0ms, row.answer);
   EXPECT_EQ(eval(row.call), row.result);
   if (row.variable != nullptr) {
     EXPECT_EQ(var(row.variable), row.value);
   }
-  EXPECT_EQ(pty.stop().substr(0, row.sent.size()), row.sent);
+  EXPECT_EQ(line.stop().substr(0, row.sent.size()), row.sent);
 }
 INSTANTIATE_TEST_SUITE_P(Rows, Dialogue, ::testing::ValuesIn(kDialogue));
 
@@ -129,8 +129,9 @@ const FaultRow kFaults[] = {
 
 TEST_P(Faults, EndInBoundedTime) {
   DeviceEnv env;
-  Pty pty;  // never answers
-  env.devices["Dev"] = {2, pty.path(), "", "", "", 0};
+  Line line;
+  env.devices["Dev"] = {2, line.path(), "", "", "", 0};
+  line.serve();  // never answers
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(eval(GetParam().call), GetParam().result);
   EXPECT_GE(elapsed_since(start), GetParam().at_least);
@@ -144,8 +145,9 @@ class Escape : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Escape, EndsTheWaitAtOnce) {
   DeviceEnv env;
-  Pty pty;
-  env.devices["Dev"] = {2, pty.path(), "", "", "", 0};
+  Line line;
+  env.devices["Dev"] = {2, line.path(), "", "", "", 0};
+  line.serve();
   SimProcess sim({"--tcp", "0", "--silent"});
   std::string call = GetParam();
   if (const auto at = call.find("PORT"); at != std::string::npos) call.replace(at, 4, sim.ready_line());

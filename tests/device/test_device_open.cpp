@@ -1,16 +1,15 @@
-// Deciding the link and opening the device: driver variables, port types,
-// error codes, the USB path and the retry prompts.
+// Opening the device: port types and their error codes, the retry prompts
+// and the Graphtec library's two sides.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <cstdlib>
 
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
+#include "platform/environment.hpp"
 #include "port_fixture.hpp"
 
 namespace dev = kerfline::device;
 namespace port = kerfline::platform::port;
+using kerfline::platform::set_environment;
 using kerfline::test::DeviceEnv;
 using kerfline::test::DriverVars;
 using kerfline::test::HostRecorder;
@@ -50,7 +49,7 @@ TEST_P(OpenCodes, GiveTheCodeAndLeakNothing) {
   DeviceEnv env;
   HostRecorder host;
   env.dir.write("out.plt", "");
-  ::mkdir((env.dir.path() / "dir").c_str(), 0700);
+  std::filesystem::create_directory(env.dir.path() / "dir");
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = row.port_type;
   s.write_to = *row.write_to ? (env.dir.path() / row.write_to).string() : "";
@@ -94,7 +93,7 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
   HostRecorder host;
   host.queue_answer(KERFLINE_IDYES);
   host.queue_answer(KERFLINE_IDNO);
-  ::mkdir((env.dir.path() / "usb").c_str(), 0700);
+  std::filesystem::create_directory(env.dir.path() / "usb");
   if (row.out_pipe_exists) env.dir.write("usb/PIPE01", "");
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = 4;
@@ -109,7 +108,7 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
   EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), -1);
   EXPECT_EQ(error, row.error);
   ASSERT_EQ(host.boxes.size(), 2u);
-  const std::string pipe_path = s.usb_device_path + "/" + row.prompted_pipe;
+  const std::string pipe_path = kerfline::platform::join_path(s.usb_device_path, row.prompted_pipe);
   for (const auto& box : host.boxes) {
     EXPECT_EQ(box.caption, row.title);
     EXPECT_EQ(box.text, pipe_path);
@@ -140,56 +139,6 @@ INSTANTIATE_TEST_SUITE_P(
                  "PIPE00"}),
     RowIndex());
 
-TEST(OpenUsb, PipesComeFromTheDriverAndAMovedDeviceIsFoundByName) {
-  DeviceEnv env;
-  HostRecorder host;
-  env.dir.write("usb/UP", "");
-  env.dir.write("usb/DOWN", "");
-  // The stored path is stale: enumeration finds the device elsewhere.
-  env.dir.write("sys/devices/1-1/product", "CE6000\n");
-  std::filesystem::create_directories(env.dir.path() / "sys/devices/1-1/1-1:1.0");
-  std::filesystem::create_directories(env.dir.path() / "sys/class/usbmisc/lp0");
-  std::filesystem::create_directory_symlink(env.dir.path() / "sys/devices/1-1/1-1:1.0",
-                                            env.dir.path() / "sys/class/usbmisc/lp0/device");
-  std::filesystem::create_directories(env.dir.path() / "dev/usb");
-  std::filesystem::create_directory_symlink(env.dir.path() / "usb", env.dir.path() / "dev/usb/lp0");
-  ::setenv("KERFLINE_SYSTEM_ROOT", env.dir.path().c_str(), 1);
-  dev::PortSettings& s = env.devices["Cutter"];
-  s.port_type = 4;
-  s.usb_device_name = "CE6000";
-  s.usb_device_path = "/nowhere";
-  DriverVars vars({{"%USBIn%", "UP"}, {"%USBOut%", "DOWN"}});
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
-  EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), 0);
-  EXPECT_NE(read, write);
-  EXPECT_TRUE(dev::link_state().pipe_flag);
-  EXPECT_TRUE(host.boxes.empty());
-  const char text[] = "PU0,0;";
-  EXPECT_TRUE(port::write(write, text, 6).ok);
-  dev::close_pair(read, write);
-  EXPECT_EQ(env.dir.read("usb/DOWN"), "PU0,0;");
-  ::unsetenv("KERFLINE_SYSTEM_ROOT");
-}
-
-TEST(OpenUsb, ACharacterDeviceIsOpenedItselfForBothPipes) {
-  DeviceEnv env;
-  dev::PortSettings& s = env.devices["Cutter"];
-  s.port_type = 4;
-  s.usb_device_path = "/dev/null";
-  DriverVars vars({});
-  dev::link_state().single_handle_request = true;
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
-  ASSERT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), 0);
-  EXPECT_EQ(read, write);
-  EXPECT_FALSE(dev::link_state().single_handle_request);
-  EXPECT_TRUE(dev::link_state().pipe_flag);
-  dev::close_pair(read, write);
-}
-
 struct GraphtecRow {
   const char* library_dir;  // "" leaves the library out
   int refusals;
@@ -206,13 +155,14 @@ TEST_P(GraphtecOpen, RetriesEachSideAndAsks) {
   HostRecorder host;
   for (int a : row.answers) host.queue_answer(a);
   if (*row.library_dir) {
-    std::filesystem::copy_file(std::string(KERFLINE_FAKE_VENDOR_DIR) + "/libgitkusbp.so",
-                               env.dir.path() / "libgitkusbp.so");
+    const std::string file =
+        std::string(KERFLINE_FAKE_VENDOR_PREFIX) + "gitkusbp" KERFLINE_FAKE_VENDOR_SUFFIX;
+    std::filesystem::copy_file(std::string(KERFLINE_FAKE_VENDOR_DIR) + "/" + file, env.dir.path() / file);
   }
   env.dir.write("out", "");
   env.dir.write("in", "answer");
-  ::setenv("FAKE_VENDOR_DIR", env.dir.path().c_str(), 1);
-  ::setenv("FAKE_VENDOR_FAILS", std::to_string(row.refusals).c_str(), 1);
+  set_environment("FAKE_VENDOR_DIR", env.dir.path().string());
+  set_environment("FAKE_VENDOR_FAILS", std::to_string(row.refusals));
   env.devices["Cutter"].port_type = 4;
   dev::link_state().graphtec_request = true;
   DriverVars vars({});
