@@ -27,7 +27,7 @@ const char* const kUsage =
     "Output and behaviour:\n"
     "  --svg FILE         write what was cut as an SVG picture at exit\n"
     "  --log FILE         write every byte received to FILE\n"
-    "  --path-file FILE   --pty: also write the device path to FILE once ready\n"
+    "  --path-file FILE   also write the printed line to FILE once ready\n"
     "  --once             exit after the first peer closed its connection\n"
     "  --id TEXT          identification answered to OI (default KERFLINE-SIM)\n"
     "  --clip W,H         hard-clip limits in plotter units (default 24000,16000)\n"
