@@ -77,8 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Table, OpenCodes, ::testing::ValuesIn(kOpens), RowIndex
 // Retries: ten silent attempts with their waits, then the prompt; Yes starts
 // ten more, No gives the side's code.
 struct RetryRow {
-  const char* variable;  // "%USBApi%" value "2" asks for the single pipe
-  bool single;
+  bool single;           // the single read-write pipe was asked for
   bool out_pipe_exists;  // a regular file stands in for a pipe that opens
   std::int32_t error;
   const char* title;
@@ -123,21 +122,12 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
             0);
   EXPECT_EQ(open_descriptors(), before);
 }
-INSTANTIATE_TEST_SUITE_P(
-    Table, OpenRetries,
-    ::testing::Values(
-        RetryRow{
-            "single", true, false, -4, "Error from CreateFile(RW): Retry ?", {2000, 1000, 1000}, "PIPE00"},
-        RetryRow{
-            "out", false, false, -3, "Error from CreateFile(Out, ErrorCode= 2 ): Retry ?", {2000}, "PIPE01"},
-        RetryRow{"in",
-                 false,
-                 true,
-                 -4,
-                 "Error from CreateFile(In, ErrorCode= 2 ): Retry ?",
-                 {2000, 1000, 1000},
-                 "PIPE00"}),
-    RowIndex());
+const RetryRow kRetries[] = {
+    {true, false, -4, "Error from CreateFile(RW): Retry ?", {2000, 1000, 1000}, "PIPE00"},
+    {false, false, -3, "Error from CreateFile(Out, ErrorCode= 2 ): Retry ?", {2000}, "PIPE01"},
+    {false, true, -4, "Error from CreateFile(In, ErrorCode= 2 ): Retry ?", {2000, 1000, 1000}, "PIPE00"},
+};
+INSTANTIATE_TEST_SUITE_P(Table, OpenRetries, ::testing::ValuesIn(kRetries), RowIndex());
 
 struct GraphtecRow {
   const char* library_dir;  // "" leaves the library out

@@ -4,9 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <thread>
 
@@ -42,18 +40,12 @@ bool peer_closed(ByteStream& s, int timeout_ms = 3000) {
   return !r || r->closed;
 }
 
-std::string file_text(const std::filesystem::path& p) {
-  std::ifstream in(p, std::ios::binary);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
-
-// A connection to a running simulator: one stream to write, one to read.
+// A connection to a running simulator: one stream both ways, or the FIFO
+// pair's two.
 struct Link {
   ByteStream to_sim;
-  ByteStream from_sim_storage;
-  ByteStream* from_sim = nullptr;
+  ByteStream from_fifo;
+  ByteStream& from_sim() { return from_fifo.is_open() ? from_fifo : to_sim; }
 };
 
 // line: the device path; tcp: a loopback connection; fifo: the pipe pair.
@@ -80,7 +72,6 @@ Running start(Kind kind, std::vector<std::string> extra = {}) {
 // Connects as a host would: the line's device is opened once, read-write.
 Link connect(Kind kind, const Running& r) {
   Link link;
-  link.from_sim = &link.to_sim;
   if (kind == Kind::tcp) {
     auto s = platform::tcp_connect("127.0.0.1", static_cast<std::uint16_t>(std::stoi(r.ready)), 3000);
     if (s) link.to_sim = std::move(*s);
@@ -90,10 +81,9 @@ Link connect(Kind kind, const Running& r) {
   } else {
     const auto dir = std::filesystem::path(r.ready);
     auto rd = platform::open_fifo_reader((dir / "PIPE00").string());
-    if (rd) link.from_sim_storage = std::move(*rd);
+    if (rd) link.from_fifo = std::move(*rd);
     auto s = platform::open_fifo_writer((dir / "PIPE01").string());
     if (s) link.to_sim = std::move(*s);
-    link.from_sim = &link.from_sim_storage;
   }
   return link;
 }
@@ -101,7 +91,7 @@ Link connect(Kind kind, const Running& r) {
 std::string ask(Link& link, const std::string& sent, std::size_t want) {
   auto w = link.to_sim.write(sent.data(), sent.size(), 2000);
   if (!w || *w != sent.size()) return "<write failed>";
-  return read_answer(*link.from_sim, want);
+  return read_answer(link.from_sim(), want);
 }
 
 class Transports : public ::testing::TestWithParam<Kind> {};
@@ -118,9 +108,7 @@ TEST_P(Transports, AnswerEveryRowOfTheTableInOneSession) {
 
 TEST_P(Transports, OnceEndsTheRunWhenThePeerClosesWithTheCutAsSvgAndWhatCameAsLog) {
   TempDir out;
-  const auto svg = out.path() / "cut.svg";
-  const auto log = out.path() / "in.log";
-  auto r = start(GetParam(), {"--once", "--svg", svg.string(), "--log", log.string()});
+  auto r = start(GetParam(), {"--once", "--svg", out.str("cut.svg"), "--log", out.str("in.log")});
   const std::string square = "IN;SP1;PU0,0;PD400,0,400,400,0,400,0,0;PU;OA;";
   {
     Link link = connect(GetParam(), r);
@@ -128,8 +116,9 @@ TEST_P(Transports, OnceEndsTheRunWhenThePeerClosesWithTheCutAsSvgAndWhatCameAsLo
     EXPECT_EQ(r.sim->wait_exit(300), -1);  // still serving while connected
   }
   ASSERT_EQ(r.sim->wait_exit(5000), 0);
-  EXPECT_EQ(file_text(log), square);
-  EXPECT_NE(file_text(svg).find("<polyline points=\"0,0 400,0 400,400 0,400 0,0\"/>"), std::string::npos);
+  EXPECT_EQ(out.read("in.log"), square);
+  EXPECT_NE(out.read("cut.svg").find("<polyline points=\"0,0 400,0 400,400 0,400 0,0\"/>"),
+            std::string::npos);
 }
 
 TEST_P(Transports, SilentAndDelayedAnswers) {
@@ -140,8 +129,8 @@ TEST_P(Transports, SilentAndDelayedAnswers) {
   auto slow = start(GetParam(), {"--delay-ms", "400"});
   Link link = connect(GetParam(), slow);
   ASSERT_TRUE(link.to_sim.write("OF;", 3, 1000));
-  EXPECT_EQ(read_answer(*link.from_sim, 1, 100), "");  // not before the delay
-  EXPECT_EQ(read_answer(*link.from_sim, 6), "40,40\r");
+  EXPECT_EQ(read_answer(link.from_sim(), 1, 100), "");  // not before the delay
+  EXPECT_EQ(read_answer(link.from_sim(), 6), "40,40\r");
 }
 
 TEST_P(Transports, FloodAnswersTheWholeAmount) {
@@ -149,7 +138,7 @@ TEST_P(Transports, FloodAnswersTheWholeAmount) {
   Link link = connect(GetParam(), r);
   const std::string got = ask(link, "OI;", 300000);
   EXPECT_EQ(got.size(), 300000u);
-  EXPECT_EQ(read_answer(*link.from_sim, 1, 200), "");
+  EXPECT_EQ(read_answer(link.from_sim(), 1, 200), "");
 }
 
 #ifdef _WIN32
@@ -170,12 +159,11 @@ TEST(SimFaults, DefaultFloodIsTenMegabytesOnTcp) {
 
 TEST(SimFaults, DropAfterHangsUpMidInstructionWithoutAnswering) {
   TempDir out;
-  const auto log = out.path() / "drop.log";
-  auto r = start(Kind::tcp, {"--drop-after", "5", "--log", log.string()});
+  auto r = start(Kind::tcp, {"--drop-after", "5", "--log", out.str("drop.log")});
   {
     Link link = connect(Kind::tcp, r);
     ASSERT_TRUE(link.to_sim.write("OI;OH;", 6, 1000));
-    EXPECT_TRUE(peer_closed(*link.from_sim));
+    EXPECT_TRUE(peer_closed(link.from_sim()));
   }
   {
     Link again = connect(Kind::tcp, r);  // each connection gets the same treatment
@@ -185,14 +173,14 @@ TEST(SimFaults, DropAfterHangsUpMidInstructionWithoutAnswering) {
 #ifndef _WIN32  // a stop signal ends the run normally; Windows ends it outright
   EXPECT_EQ(r.sim->wait_exit(0), 0);
 #endif
-  EXPECT_EQ(file_text(log), "OI;OHOF;");
+  EXPECT_EQ(out.read("drop.log"), "OI;OHOF;");
 }
 
 TEST(SimFaults, DropAfterOnALineMakesTheDeviceDisappear) {
   auto r = start(Kind::line, {"--drop-after", "2"});
   Link link = connect(Kind::line, r);
   ASSERT_TRUE(link.to_sim.write("OI;", 3, 1000));
-  EXPECT_TRUE(peer_closed(*link.from_sim));
+  EXPECT_TRUE(peer_closed(link.from_sim()));
   EXPECT_EQ(r.sim->wait_exit(5000), 0);
 }
 
@@ -201,7 +189,7 @@ TEST(SimFaults, RefusedTcpConnectionsAreClosedBeforeAnyAnswer) {
   for (int i = 0; i < 2; ++i) {
     Link link = connect(Kind::tcp, r);
     link.to_sim.write("OF;", 3, 1000);
-    EXPECT_TRUE(peer_closed(*link.from_sim)) << "connection " << i;
+    EXPECT_TRUE(peer_closed(link.from_sim())) << "connection " << i;
   }
   Link third = connect(Kind::tcp, r);
   EXPECT_EQ(ask(third, "OF;", 6), "40,40\r");
