@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <thread>
 
 #include "../sim/sim_process.hpp"
@@ -26,23 +27,29 @@ namespace {
 std::string eval(const std::string& text, VMV6DRV* drv = nullptr, const char* device = "Dev") {
   InitEval(0, 0, nullptr);
   SetEvalDevice(drv, device);
-  char* out = DoEval(text.c_str());
-  std::string result = out != nullptr ? out : "";
-  FreeEval(out);
+  const std::unique_ptr<char, decltype(&FreeEval)> out(DoEval(text.c_str()), FreeEval);
+  std::string result = out ? out.get() : "";
   SetEvalDevice(nullptr, nullptr);
   return result;
 }
 
 std::string var(const char* name) {
-  char* v = GetEvalVar(name);
-  std::string s = v != nullptr ? v : "";
-  FreeEvalVar(v);
-  return s;
+  const std::unique_ptr<char, decltype(&FreeEvalVar)> v(GetEvalVar(name), FreeEvalVar);
+  return v ? v.get() : "";
 }
 
 std::chrono::milliseconds elapsed_since(std::chrono::steady_clock::time_point t) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - t);
 }
+
+// The evaluator's device "Dev" on a line whose far end the test serves.
+template <typename Row>
+class OnLine : public ::testing::TestWithParam<Row> {
+ protected:
+  OnLine() { env.devices["Dev"] = {2, line.path(), "", "", "", 0}; }
+  DeviceEnv env;
+  Line line;
+};
 
 struct DialogueRow {
   std::string call;
@@ -52,7 +59,7 @@ struct DialogueRow {
   const char* variable;
   std::string value;
 };
-class Dialogue : public ::testing::TestWithParam<DialogueRow> {};
+class Dialogue : public OnLine<DialogueRow> {};
 
 const DialogueRow kDialogue[] = {
     {R"(&ReadVar("OH;", "%[0-9]%", "PosX", "d"))", "123,456\r", "OH;", "123", "PosX", "123"},
@@ -70,9 +77,6 @@ const DialogueRow kDialogue[] = {
 
 TEST_P(Dialogue, AsksTheDeviceAndReadsTheAnswer) {
   const DialogueRow& row = GetParam();
-  DeviceEnv env;
-  Line line;
-  env.devices["Dev"] = {2, line.path(), "", "", "", 0};
   line.serve(';', 0ms, row.answer);
   EXPECT_EQ(eval(row.call), row.result);
   if (row.variable != nullptr) {
@@ -117,7 +121,7 @@ struct FaultRow {
   std::string result;
   std::chrono::milliseconds at_least, at_most;
 };
-class Faults : public ::testing::TestWithParam<FaultRow> {};
+class Faults : public OnLine<FaultRow> {};
 
 const FaultRow kFaults[] = {
     {R"(&ReadVarT("OH;", "%[0-9]%", "W", "none", 1))", "none", 900ms, 1600ms},
@@ -128,9 +132,6 @@ const FaultRow kFaults[] = {
 };
 
 TEST_P(Faults, EndInBoundedTime) {
-  DeviceEnv env;
-  Line line;
-  env.devices["Dev"] = {2, line.path(), "", "", "", 0};
   line.serve();  // never answers
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(eval(GetParam().call), GetParam().result);
@@ -141,12 +142,9 @@ INSTANTIATE_TEST_SUITE_P(Rows, Faults, ::testing::ValuesIn(kFaults));
 
 // EscapeEval from another thread ends each kind of wait at once, and the
 // busy query reports the device read while it waits.
-class Escape : public ::testing::TestWithParam<std::string> {};
+class Escape : public OnLine<std::string> {};
 
 TEST_P(Escape, EndsTheWaitAtOnce) {
-  DeviceEnv env;
-  Line line;
-  env.devices["Dev"] = {2, line.path(), "", "", "", 0};
   line.serve();
   SimProcess sim({"--tcp", "0", "--silent"});
   std::string call = GetParam();
