@@ -1,13 +1,14 @@
-// Shared parts of the port-access tests: a pseudo-terminal with a peer on
-// its master side, a driver document with chosen variables, settings and
-// waits routed to the test, and a count of open descriptors.
+// Shared parts of the port-access tests: a line (a pseudo-terminal; a named
+// pipe on Windows) with a peer on its far end, a driver document with chosen
+// variables, settings and waits routed to the test, and a count of open
+// descriptors (handles on Windows).
 #pragma once
 
-#include <fcntl.h>
-#include <poll.h>
-#include <pty.h>
-#include <termios.h>
-#include <unistd.h>
+#ifdef _WIN32
+// kerfline.h has a VARDESC of its own, as OLE has: leave OLE out.
+#  define WIN32_LEAN_AND_MEAN
+#  include <windows.h>
+#endif
 
 #include <atomic>
 #include <chrono>
@@ -15,6 +16,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -26,75 +28,68 @@
 #include "driver/vm6drv.hpp"
 #include "fixtures/driver_items.hpp"
 #include "fixtures/temp_dir.hpp"
+#include "platform/line_pair.hpp"
 #include "platform/paths.hpp"
 
 namespace kerfline::test {
 
 inline int open_descriptors() {
+#ifdef _WIN32
+  DWORD n = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &n);
+  return static_cast<int>(n);
+#else
   int n = 0;
   for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator("/proc/self/fd")) ++n;
   return n;
+#endif
 }
 
-// A raw pseudo-terminal; the slave side is closed until a test opens its path.
-class Pty {
+// A raw line whose far end a test serves; its device path is what the
+// library opens as a port.
+class Line {
  public:
-  Pty() {
-    int slave = -1;
-    if (::openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) return;
-    termios t{};
-    ::tcgetattr(slave, &t);
-    ::cfmakeraw(&t);
-    ::tcsetattr(slave, TCSANOW, &t);
-    path_ = ::ttyname(slave);
-    // The peer must notice a stop while the slave side reads nothing.
-    ::fcntl(master_, F_SETFL, ::fcntl(master_, F_GETFL) | O_NONBLOCK);
-    // Kept open so the master never sees a hang-up between the test's opens.
-    keep_slave_ = slave;
+  Line() {
+    auto pair = platform::LinePair::open();
+    if (pair) pair_.emplace(std::move(*pair));
   }
-  ~Pty() {
-    stop();
-    if (keep_slave_ >= 0) ::close(keep_slave_);
-    if (master_ >= 0) ::close(master_);
-  }
-  Pty(const Pty&) = delete;
-  Pty& operator=(const Pty&) = delete;
+  ~Line() { stop(); }
+  Line(const Line&) = delete;
+  Line& operator=(const Line&) = delete;
 
-  [[nodiscard]] const std::string& path() const { return path_; }
-  [[nodiscard]] int master() const { return master_; }
+  [[nodiscard]] std::string path() const { return pair_ ? pair_->device_path() : ""; }
+
+  // Sends bytes from the device's side.
+  bool send(const std::string& bytes) {
+    auto w = pair_->stream().write(bytes.data(), bytes.size(), 1000);
+    return w.ok() && *w == bytes.size();
+  }
 
   // Reads what arrives until `instruction_end` is seen, then after `delay`
   // writes `answer` (which may be huge) and keeps reading until stopped.
-  void serve(char instruction_end, std::chrono::milliseconds delay, std::string answer) {
+  void serve(char instruction_end = '\0', std::chrono::milliseconds delay = {}, std::string answer = "") {
     peer_ = std::thread([this, instruction_end, delay, answer = std::move(answer)] {
       bool answered = false;
+      char buf[512];
       while (!stop_) {
-        pollfd p{master_, POLLIN, 0};
-        if (::poll(&p, 1, 20) <= 0) continue;
-        char buf[512];
-        const ssize_t n = ::read(master_, buf, sizeof buf);
-        if (n <= 0) continue;
-        received_.append(buf, static_cast<std::size_t>(n));
-        if (!answered && received_.find(instruction_end) != std::string::npos) {
-          answered = true;
-          std::this_thread::sleep_for(delay);
-          for (std::size_t at = 0; at < answer.size() && !stop_;) {
-            const ssize_t w = ::write(master_, answer.data() + at, answer.size() - at);
-            if (w > 0) at += static_cast<std::size_t>(w);
-            if (w <= 0) {
-              pollfd out{master_, POLLOUT, 0};
-              ::poll(&out, 1, 20);
-            }
-          }
+        auto r = pair_->stream().read(buf, sizeof buf, 20);
+        if (!r.ok() || r->closed) break;
+        received_.append(buf, r->count);
+        if (answered || received_.find(instruction_end) == std::string::npos) continue;
+        answered = true;
+        std::this_thread::sleep_for(delay);
+        for (std::size_t at = 0; at < answer.size() && !stop_;) {
+          auto w = pair_->stream().write(answer.data() + at, answer.size() - at, 20);
+          if (!w.ok()) break;
+          at += *w;
         }
       }
     });
   }
-  // The device disappears: the master side is closed.
+  // The device disappears: this end is closed.
   void hang_up() {
     stop();
-    if (master_ >= 0) ::close(master_);
-    master_ = -1;
+    pair_.reset();
   }
   // Ends the peer; what it received.
   std::string stop() {
@@ -104,9 +99,7 @@ class Pty {
   }
 
  private:
-  int master_ = -1;
-  int keep_slave_ = -1;
-  std::string path_;
+  std::optional<platform::LinePair> pair_;
   std::thread peer_;
   std::atomic<bool> stop_{false};
   std::string received_;

@@ -1,11 +1,12 @@
 // The script's device functions and the device readers against a device
-// on a pseudo-terminal (a scripted peer, or kerfline-sim) and kerfline-sim
+// on a line (a scripted peer, or kerfline-sim) and kerfline-sim
 // on a loopback port; profile, registry, mail and the host's hooks.
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <thread>
 
 #include "../sim/sim_process.hpp"
@@ -16,7 +17,7 @@
 using kerfline::test::DeviceEnv;
 using kerfline::test::DriverVars;
 using kerfline::test::HostRecorder;
-using kerfline::test::Pty;
+using kerfline::test::Line;
 using kerfline::test::SimProcess;
 using namespace std::chrono_literals;
 
@@ -26,23 +27,29 @@ namespace {
 std::string eval(const std::string& text, VMV6DRV* drv = nullptr, const char* device = "Dev") {
   InitEval(0, 0, nullptr);
   SetEvalDevice(drv, device);
-  char* out = DoEval(text.c_str());
-  std::string result = out != nullptr ? out : "";
-  FreeEval(out);
+  const std::unique_ptr<char, decltype(&FreeEval)> out(DoEval(text.c_str()), FreeEval);
+  std::string result = out ? out.get() : "";
   SetEvalDevice(nullptr, nullptr);
   return result;
 }
 
 std::string var(const char* name) {
-  char* v = GetEvalVar(name);
-  std::string s = v != nullptr ? v : "";
-  FreeEvalVar(v);
-  return s;
+  const std::unique_ptr<char, decltype(&FreeEvalVar)> v(GetEvalVar(name), FreeEvalVar);
+  return v ? v.get() : "";
 }
 
 std::chrono::milliseconds elapsed_since(std::chrono::steady_clock::time_point t) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - t);
 }
+
+// The evaluator's device "Dev" on a line whose far end the test serves.
+template <typename Row>
+class OnLine : public ::testing::TestWithParam<Row> {
+ protected:
+  OnLine() { env.devices["Dev"] = {2, line.path(), "", "", "", 0}; }
+  DeviceEnv env;
+  Line line;
+};
 
 struct DialogueRow {
   std::string call;
@@ -52,7 +59,7 @@ struct DialogueRow {
   const char* variable;
   std::string value;
 };
-class Dialogue : public ::testing::TestWithParam<DialogueRow> {};
+class Dialogue : public OnLine<DialogueRow> {};
 
 const DialogueRow kDialogue[] = {
     {R"(&ReadVar("OH;", "%[0-9]%", "PosX", "d"))", "123,456\r", "OH;", "123", "PosX", "123"},
@@ -70,15 +77,12 @@ const DialogueRow kDialogue[] = {
 
 TEST_P(Dialogue, AsksTheDeviceAndReadsTheAnswer) {
   const DialogueRow& row = GetParam();
-  DeviceEnv env;
-  Pty pty;
-  env.devices["Dev"] = {2, pty.path(), "", "", "", 0};
-  pty.serve(';', 0ms, row.answer);
+  line.serve(';', 0ms, row.answer);
   EXPECT_EQ(eval(row.call), row.result);
   if (row.variable != nullptr) {
     EXPECT_EQ(var(row.variable), row.value);
   }
-  EXPECT_EQ(pty.stop().substr(0, row.sent.size()), row.sent);
+  EXPECT_EQ(line.stop().substr(0, row.sent.size()), row.sent);
 }
 INSTANTIATE_TEST_SUITE_P(Rows, Dialogue, ::testing::ValuesIn(kDialogue));
 
@@ -117,7 +121,7 @@ struct FaultRow {
   std::string result;
   std::chrono::milliseconds at_least, at_most;
 };
-class Faults : public ::testing::TestWithParam<FaultRow> {};
+class Faults : public OnLine<FaultRow> {};
 
 const FaultRow kFaults[] = {
     {R"(&ReadVarT("OH;", "%[0-9]%", "W", "none", 1))", "none", 900ms, 1600ms},
@@ -128,9 +132,7 @@ const FaultRow kFaults[] = {
 };
 
 TEST_P(Faults, EndInBoundedTime) {
-  DeviceEnv env;
-  Pty pty;  // never answers
-  env.devices["Dev"] = {2, pty.path(), "", "", "", 0};
+  line.serve();  // never answers
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(eval(GetParam().call), GetParam().result);
   EXPECT_GE(elapsed_since(start), GetParam().at_least);
@@ -140,12 +142,10 @@ INSTANTIATE_TEST_SUITE_P(Rows, Faults, ::testing::ValuesIn(kFaults));
 
 // EscapeEval from another thread ends each kind of wait at once, and the
 // busy query reports the device read while it waits.
-class Escape : public ::testing::TestWithParam<std::string> {};
+class Escape : public OnLine<std::string> {};
 
 TEST_P(Escape, EndsTheWaitAtOnce) {
-  DeviceEnv env;
-  Pty pty;
-  env.devices["Dev"] = {2, pty.path(), "", "", "", 0};
+  line.serve();
   SimProcess sim({"--tcp", "0", "--silent"});
   std::string call = GetParam();
   if (const auto at = call.find("PORT"); at != std::string::npos) call.replace(at, 4, sim.ready_line());
@@ -186,7 +186,14 @@ TEST(Sockets, TalkToTheSimulatorOverLoopback) {
   EXPECT_EQ(eval(R"(&WriteSocket("OI;", ""))"), "0");
 }
 
-// The readers against the simulator: through the port and over TCP/IP.
+// The readers against the simulator: through the port and over TCP/IP. The
+// instruction comes from the script engine: VBScript on Windows, Lua here.
+#ifdef _WIN32
+const char* const kReadScript = R"(<VBStart>"O" & "H;"<VBEnd>)";
+#else
+const char* const kReadScript = R"(<VBStart>"O" .. "H;"<VBEnd>)";
+#endif
+
 TEST(Readers, GiveTheSimulatedMediaWidth) {
   for (const bool tcp : {false, true}) {
     DeviceEnv env;
@@ -196,7 +203,7 @@ TEST(Readers, GiveTheSimulatedMediaWidth) {
     env.devices["Dev"] = tcp ? kerfline::device::PortSettings{5, "", "", "", "127.0.0.1", std::stoi(where)}
                              : kerfline::device::PortSettings{2, where, "", "", "", 0};
     DriverVars vars({{"%TCPIPApi%", tcp ? "1" : "0"},
-                     {"%Read%", "<VBStart>'O' .. 'H;'<VBEnd>"},
+                     {"%Read%", kReadScript},
                      {"%ReadFormat%", "%[!%s!]%,%[!%s!]%,%[!%IMatWidth%!]%"}});
     KERFLINE_DEVICE_ANSWER a{};
     EXPECT_EQ(GetWidthFromDevice(vars.drv(), "Dev", &a), 1) << tcp;
@@ -220,6 +227,7 @@ TEST(Readers, TakeTheUsersAnswerWithCtrlAndShiftHeld) {
   EXPECT_EQ(a.dValues[0], 1234.0);
 }
 
+#ifndef _WIN32  // registry.ini stands in for the registry, cp for a mail program
 // Functions that need no device, the trace, and mail through a configured
 // program (cp stands in for a mail submission program).
 TEST(HostFunctions, ProfileRegistryMailAndBoxes) {
@@ -261,5 +269,7 @@ TEST(HostFunctions, ProfileRegistryMailAndBoxes) {
   EXPECT_NE(std::fgets(line, sizeof line, log), nullptr);
   EXPECT_STREQ(line, "ReadVar: no device named for the evaluation\r\n");
 }
+
+#endif
 
 }  // namespace

@@ -1,16 +1,15 @@
-// Deciding the link and opening the device: driver variables, port types,
-// error codes, the USB path and the retry prompts.
+// Opening the device: port types and their error codes, the retry prompts
+// and the Graphtec library's two sides.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <cstdlib>
 
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
+#include "platform/environment.hpp"
 #include "port_fixture.hpp"
 
 namespace dev = kerfline::device;
 namespace port = kerfline::platform::port;
+using kerfline::platform::set_environment;
 using kerfline::test::DeviceEnv;
 using kerfline::test::DriverVars;
 using kerfline::test::HostRecorder;
@@ -18,59 +17,6 @@ using kerfline::test::open_descriptors;
 using kerfline::test::RowIndex;
 
 namespace {
-
-using Vars = std::vector<std::pair<std::string, std::string>>;
-
-struct LinkRow {
-  Vars vars;
-  std::int32_t port_type;
-  dev::EDeviceLink link;
-  const char* usb_name;
-};
-
-class LinkDecision : public ::testing::TestWithParam<LinkRow> {};
-
-const LinkRow kLinks[] = {
-    {{}, 4, dev::LinkPort, ""},
-    {{{"%RolandUSB%", "1"}, {"%RolandUSBDevName%", "GX-24"}}, 4, dev::LinkRdgUsb, "GX-24"},
-    {{{"%RolandUSB%", "1"}, {"%RolandUSBDevName%", "GX-24"}}, 2, dev::LinkPort, ""},
-    {{{"%RolandUSB%", "2"}, {"%RolandUSBDevName%", "SLOT"}}, 4, dev::LinkSlotReader, "SLOT"},
-    {{{"%RolandUSB%", "2"}}, 4, dev::LinkSlotReader, ""},
-    {{{"%RolandUSB%", "0"}, {"%USBApi%", "1"}, {"%TCPIPApi%", "1"}}, 4, dev::LinkPort, ""},
-    {{{"%USBApi%", "1"}}, 4, dev::LinkUsbApi, ""},
-    {{{"%USBApi%", "2"}}, 4, dev::LinkUsbPipeSingle, ""},
-    {{{"%USBApi%", "3"}}, 4, dev::LinkGraphtecUsb, ""},
-    {{{"%USBApi%", "3"}}, 2, dev::LinkPort, ""},
-    {{{"%USBApi%", "0"}, {"%TCPIPApi%", "1"}}, 2, dev::LinkPort, ""},
-    {{{"%TCPIPApi%", "1"}}, 2, dev::LinkTcpIp, ""},
-    {{{"%TCPIPApi%", "1"}}, 0, dev::LinkTcpIp, ""},
-    {{{"%TCPIPApi%", "1 "}}, 2, dev::LinkPort, ""},
-    {{{"%USBApi%", " 1"}}, 4, dev::LinkPort, ""},
-};
-
-TEST_P(LinkDecision, FollowsTheDriverVariablesInOrder) {
-  const LinkRow& row = GetParam();
-  DeviceEnv env;
-  env.devices["Cutter"].port_type = row.port_type;
-  DriverVars vars(row.vars);
-  std::string usb_name = "untouched";
-  EXPECT_EQ(dev::DecideDeviceLink(vars.drv(), "Cutter", usb_name), row.link);
-  const bool named = row.link == dev::LinkRdgUsb || row.link == dev::LinkSlotReader;
-  EXPECT_EQ(usb_name, named ? row.usb_name : "untouched");
-  EXPECT_FALSE(dev::link_state().out_flag_4);
-}
-INSTANTIATE_TEST_SUITE_P(Table, LinkDecision, ::testing::ValuesIn(kLinks), RowIndex());
-
-TEST(LinkDecision, OutFlag4IsSetWhateverTheLinkAndNeverCleared) {
-  DeviceEnv env;
-  DriverVars on({{"%OutFlag_4%", "1"}, {"%TCPIPApi%", "1"}});
-  DriverVars off(Vars{{"%OutFlag_4%", "0"}});
-  std::string name;
-  EXPECT_EQ(dev::DecideDeviceLink(on.drv(), "Cutter", name), dev::LinkTcpIp);
-  EXPECT_TRUE(dev::link_state().out_flag_4);
-  dev::DecideDeviceLink(off.drv(), "Cutter", name);
-  EXPECT_TRUE(dev::link_state().out_flag_4);
-}
 
 struct OpenRow {
   const char* device;
@@ -103,7 +49,7 @@ TEST_P(OpenCodes, GiveTheCodeAndLeakNothing) {
   DeviceEnv env;
   HostRecorder host;
   env.dir.write("out.plt", "");
-  ::mkdir((env.dir.path() / "dir").c_str(), 0700);
+  std::filesystem::create_directory(env.dir.path() / "dir");
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = row.port_type;
   s.write_to = *row.write_to ? (env.dir.path() / row.write_to).string() : "";
@@ -128,39 +74,10 @@ TEST_P(OpenCodes, GiveTheCodeAndLeakNothing) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, OpenCodes, ::testing::ValuesIn(kOpens), RowIndex());
 
-struct UsbRow {
-  std::vector<dev::UsbEntry> present;
-  const char* stored_name;
-  const char* stored_path;
-  const char* resolved;
-};
-class UsbPaths : public ::testing::TestWithParam<UsbRow> {};
-TEST_P(UsbPaths, FindTheDeviceAgainByName) {
-  const UsbRow& row = GetParam();
-  EXPECT_EQ(dev::resolve_usb_path(row.present, row.stored_name, row.stored_path), row.resolved);
-}
-INSTANTIATE_TEST_SUITE_P(
-    Table, UsbPaths,
-    ::testing::Values(UsbRow{{{"CE6000", "/dev/usb/lp0"}}, "CE6000", "/dev/usb/lp0", "/dev/usb/lp0"},
-                      UsbRow{{{"CE6000", "/dev/usb/lp1"}}, "CE6000", "/dev/usb/lp0", "/dev/usb/lp1"},
-                      UsbRow{{{"GX-24", "/dev/usb/lp0"}}, "CE6000", "/dev/usb/lp3", "/dev/usb/lp3"},
-                      UsbRow{{}, "CE6000", "/dev/usb/lp3", "/dev/usb/lp3"},
-                      UsbRow{{{"CE6000", "/dev/usb/lp1"}, {"CE6000", "/dev/usb/lp2"}},
-                             "CE6000",
-                             "/dev/usb/lp9",
-                             "/dev/usb/lp1"},
-                      UsbRow{{{"CE6000", "/dev/usb/lp1"}, {"CE6000", "/dev/usb/lp2"}},
-                             "CE6000",
-                             "/dev/usb/lp2",
-                             "/dev/usb/lp2"},
-                      UsbRow{{{"ce6000", "/dev/usb/lp1"}}, "CE6000", "/dev/usb/lp0", "/dev/usb/lp0"}),
-    RowIndex());
-
 // Retries: ten silent attempts with their waits, then the prompt; Yes starts
 // ten more, No gives the side's code.
 struct RetryRow {
-  const char* variable;  // "%USBApi%" value "2" asks for the single pipe
-  bool single;
+  bool single;           // the single read-write pipe was asked for
   bool out_pipe_exists;  // a regular file stands in for a pipe that opens
   std::int32_t error;
   const char* title;
@@ -175,7 +92,7 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
   HostRecorder host;
   host.queue_answer(KERFLINE_IDYES);
   host.queue_answer(KERFLINE_IDNO);
-  ::mkdir((env.dir.path() / "usb").c_str(), 0700);
+  std::filesystem::create_directory(env.dir.path() / "usb");
   if (row.out_pipe_exists) env.dir.write("usb/PIPE01", "");
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = 4;
@@ -190,7 +107,7 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
   EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), -1);
   EXPECT_EQ(error, row.error);
   ASSERT_EQ(host.boxes.size(), 2u);
-  const std::string pipe_path = s.usb_device_path + "/" + row.prompted_pipe;
+  const std::string pipe_path = kerfline::platform::join_path(s.usb_device_path, row.prompted_pipe);
   for (const auto& box : host.boxes) {
     EXPECT_EQ(box.caption, row.title);
     EXPECT_EQ(box.text, pipe_path);
@@ -205,71 +122,12 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
             0);
   EXPECT_EQ(open_descriptors(), before);
 }
-INSTANTIATE_TEST_SUITE_P(
-    Table, OpenRetries,
-    ::testing::Values(
-        RetryRow{
-            "single", true, false, -4, "Error from CreateFile(RW): Retry ?", {2000, 1000, 1000}, "PIPE00"},
-        RetryRow{
-            "out", false, false, -3, "Error from CreateFile(Out, ErrorCode= 2 ): Retry ?", {2000}, "PIPE01"},
-        RetryRow{"in",
-                 false,
-                 true,
-                 -4,
-                 "Error from CreateFile(In, ErrorCode= 2 ): Retry ?",
-                 {2000, 1000, 1000},
-                 "PIPE00"}),
-    RowIndex());
-
-TEST(OpenUsb, PipesComeFromTheDriverAndAMovedDeviceIsFoundByName) {
-  DeviceEnv env;
-  HostRecorder host;
-  env.dir.write("usb/UP", "");
-  env.dir.write("usb/DOWN", "");
-  // The stored path is stale: enumeration finds the device elsewhere.
-  env.dir.write("sys/devices/1-1/product", "CE6000\n");
-  std::filesystem::create_directories(env.dir.path() / "sys/devices/1-1/1-1:1.0");
-  std::filesystem::create_directories(env.dir.path() / "sys/class/usbmisc/lp0");
-  std::filesystem::create_directory_symlink(env.dir.path() / "sys/devices/1-1/1-1:1.0",
-                                            env.dir.path() / "sys/class/usbmisc/lp0/device");
-  std::filesystem::create_directories(env.dir.path() / "dev/usb");
-  std::filesystem::create_directory_symlink(env.dir.path() / "usb", env.dir.path() / "dev/usb/lp0");
-  ::setenv("KERFLINE_SYSTEM_ROOT", env.dir.path().c_str(), 1);
-  dev::PortSettings& s = env.devices["Cutter"];
-  s.port_type = 4;
-  s.usb_device_name = "CE6000";
-  s.usb_device_path = "/nowhere";
-  DriverVars vars({{"%USBIn%", "UP"}, {"%USBOut%", "DOWN"}});
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
-  EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), 0);
-  EXPECT_NE(read, write);
-  EXPECT_TRUE(dev::link_state().pipe_flag);
-  EXPECT_TRUE(host.boxes.empty());
-  const char text[] = "PU0,0;";
-  EXPECT_TRUE(port::write(write, text, 6).ok);
-  dev::close_pair(read, write);
-  EXPECT_EQ(env.dir.read("usb/DOWN"), "PU0,0;");
-  ::unsetenv("KERFLINE_SYSTEM_ROOT");
-}
-
-TEST(OpenUsb, ACharacterDeviceIsOpenedItselfForBothPipes) {
-  DeviceEnv env;
-  dev::PortSettings& s = env.devices["Cutter"];
-  s.port_type = 4;
-  s.usb_device_path = "/dev/null";
-  DriverVars vars({});
-  dev::link_state().single_handle_request = true;
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
-  ASSERT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), 0);
-  EXPECT_EQ(read, write);
-  EXPECT_FALSE(dev::link_state().single_handle_request);
-  EXPECT_TRUE(dev::link_state().pipe_flag);
-  dev::close_pair(read, write);
-}
+const RetryRow kRetries[] = {
+    {true, false, -4, "Error from CreateFile(RW): Retry ?", {2000, 1000, 1000}, "PIPE00"},
+    {false, false, -3, "Error from CreateFile(Out, ErrorCode= 2 ): Retry ?", {2000}, "PIPE01"},
+    {false, true, -4, "Error from CreateFile(In, ErrorCode= 2 ): Retry ?", {2000, 1000, 1000}, "PIPE00"},
+};
+INSTANTIATE_TEST_SUITE_P(Table, OpenRetries, ::testing::ValuesIn(kRetries), RowIndex());
 
 struct GraphtecRow {
   const char* library_dir;  // "" leaves the library out
@@ -287,13 +145,14 @@ TEST_P(GraphtecOpen, RetriesEachSideAndAsks) {
   HostRecorder host;
   for (int a : row.answers) host.queue_answer(a);
   if (*row.library_dir) {
-    std::filesystem::copy_file(std::string(KERFLINE_FAKE_VENDOR_DIR) + "/libgitkusbp.so",
-                               env.dir.path() / "libgitkusbp.so");
+    const std::string file =
+        std::string(KERFLINE_FAKE_VENDOR_PREFIX) + "gitkusbp" KERFLINE_FAKE_VENDOR_SUFFIX;
+    std::filesystem::copy_file(std::string(KERFLINE_FAKE_VENDOR_DIR) + "/" + file, env.dir.path() / file);
   }
   env.dir.write("out", "");
   env.dir.write("in", "answer");
-  ::setenv("FAKE_VENDOR_DIR", env.dir.path().c_str(), 1);
-  ::setenv("FAKE_VENDOR_FAILS", std::to_string(row.refusals).c_str(), 1);
+  set_environment("FAKE_VENDOR_DIR", env.dir.path().string());
+  set_environment("FAKE_VENDOR_FAILS", std::to_string(row.refusals));
   env.devices["Cutter"].port_type = 4;
   dev::link_state().graphtec_request = true;
   DriverVars vars({});

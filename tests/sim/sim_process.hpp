@@ -1,76 +1,68 @@
 // Runs the built kerfline-sim as a child process and reads the line it
-// prints when it is ready (its device path, directory or port).
+// gives when it is ready (its device path, directory or port) from the
+// path file it is asked to write.
 #pragma once
 
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
-extern char** environ;
+#include "fixtures/temp_dir.hpp"
+#include "platform/process.hpp"
 
 namespace kerfline::test {
+
+// The built simulator: where the build says, else below the test binary
+// directory CTest names.
+inline std::string sim_program() {
+#ifdef KERFLINE_SIM
+  return KERFLINE_SIM;
+#else
+  const char* dir = std::getenv("KERFLINE_TEST_BINARY_DIR");
+  return std::string(dir != nullptr ? dir : ".") + "/bin/kerfline-sim";
+#endif
+}
 
 class SimProcess {
  public:
   explicit SimProcess(const std::vector<std::string>& args) {
-    int out[2];
-    if (::pipe2(out, O_CLOEXEC) != 0) return;
-    posix_spawn_file_actions_t fa;
-    posix_spawn_file_actions_init(&fa);
-    posix_spawn_file_actions_adddup2(&fa, out[1], 1);
-    std::vector<std::string> all{KERFLINE_SIM};
-    all.insert(all.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (auto& a : all) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    if (::posix_spawn(&pid_, KERFLINE_SIM, &fa, nullptr, argv.data(), environ) != 0) pid_ = -1;
-    posix_spawn_file_actions_destroy(&fa);
-    ::close(out[1]);
-    stdout_ = out[0];
+    std::string line = quoted(sim_program());
+    for (const auto& a : args) line += " " + quoted(a);
+    auto child = platform::ChildProcess::spawn(line + " --path-file " + quoted(ready_file()), 0);
+    if (child) child_.emplace(std::move(*child));
   }
-  ~SimProcess() {
-    if (pid_ > 0) {
-      ::kill(pid_, SIGKILL);
-      ::waitpid(pid_, nullptr, 0);
-    }
-    if (stdout_ >= 0) ::close(stdout_);
-  }
-  SimProcess(const SimProcess&) = delete;
-  SimProcess& operator=(const SimProcess&) = delete;
 
-  // The first line of stdout, waiting at most 10 s.
+  // The ready line, waiting at most 10 s and no longer than the simulator runs.
   std::string ready_line() {
-    std::string line;
-    char c = 0;
-    pollfd p{stdout_, POLLIN, 0};
-    while (::poll(&p, 1, 10000) > 0 && ::read(stdout_, &c, 1) == 1 && c != '\n') line += c;
-    return line;
+    for (int i = 0; i < 1000 && child_; ++i) {
+      std::ifstream in(ready_file());
+      if (std::string line; std::getline(in, line)) return line;
+      if (child_->has_ended()) break;
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return "";
   }
 
-  void signal(int sig) const { ::kill(pid_, sig); }
+  // Stops it as SIGTERM does; Windows has no such request and ends it.
+  void stop() {
+    if (child_) child_->terminate();
+  }
 
   // Waits at most timeout_ms for the exit; its code, or -1 while it runs on.
   int wait_exit(int timeout_ms) {
-    for (int waited = 0; waited <= timeout_ms; waited += 20) {
-      int status = 0;
-      if (::waitpid(pid_, &status, WNOHANG) == pid_) {
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-      }
-      ::usleep(20000);
-    }
-    return -1;
+    if (!child_ || !child_->wait_for(static_cast<std::uint32_t>(timeout_ms))) return -1;
+    return child_->exit_code().value_or(-1);
   }
 
  private:
-  pid_t pid_ = -1;
-  int stdout_ = -1;
+  static std::string quoted(const std::string& s) { return "\"" + s + "\""; }
+  [[nodiscard]] std::string ready_file() const { return (dir_.path() / "ready").string(); }
+  TempDir dir_;
+  std::optional<platform::ChildProcess> child_;
 };
 
 }  // namespace kerfline::test

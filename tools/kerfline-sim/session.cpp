@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -37,6 +39,24 @@ bool write_answer(Simulator& sim, platform::ByteStream& out, const std::string& 
 }
 
 }  // namespace
+
+bool announce(const std::string& line, const std::string& path_file) {
+  std::cout << line << std::endl;
+  if (path_file.empty()) return true;
+  const std::string part = path_file + ".part";
+  {
+    std::ofstream out(part, std::ios::binary | std::ios::trunc);
+    out << line << "\n";
+    if (!out.flush()) {
+      std::cerr << "kerfline-sim: cannot write " << path_file << "\n";
+      return false;
+    }
+  }
+  std::error_code ec;
+  std::filesystem::rename(part, path_file, ec);
+  if (ec) std::cerr << "kerfline-sim: cannot write " << path_file << "\n";
+  return !ec;
+}
 
 bool pause_unless_stopped(int ms) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);

@@ -36,7 +36,7 @@ int serve_fifo(Simulator& sim) {
   };
   // Refusing opens: the pipes are not there yet, so a host's opens fail.
   if (sim.options.refuse == 0 && !make_pipes()) return 1;
-  std::cout << dir.string() << std::endl;
+  if (!announce(dir.string(), sim.options.path_file)) return 1;
   if (sim.options.refuse > 0) {
     if (!pause_unless_stopped(kRefusalMs * sim.options.refuse)) return 0;
     if (!make_pipes()) return 1;

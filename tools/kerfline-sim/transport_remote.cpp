@@ -15,17 +15,20 @@
 #include "remote/link.hpp"
 #include "remote/message_json.hpp"
 #include "remote_server.hpp"
+#include "session.hpp"
 
 namespace kerfline::sim {
 
 namespace {
 
 const char* const kRemoteUsage =
-    "usage: kerfline-sim --remote PORT [--bind ADDRESS] [--log FILE] [--once] [--no-ack] [--unasked N]\n"
+    "usage: kerfline-sim --remote PORT [--bind ADDRESS] [--log FILE] [--path-file FILE] [--once] [--no-ack]\n"
+    "                    [--unasked N]\n"
     "A reference remote plot manager for TCP/IP client devices (device type 6).\n"
     "  --remote PORT   TCP port to listen on (0: the system picks one); prints the port\n"
     "  --bind ADDRESS  address to listen on (default 127.0.0.1)\n"
     "  --log FILE      write a line per received message to FILE instead of stderr\n"
+    "  --path-file FILE  also write the port to FILE once ready\n"
     "  --once          exit after the first client has gone\n"
     "  --no-ack        answer a disconnect with an Int message instead of a State\n"
     "  --unasked N     send N unasked Msg messages with every answer, after it\n";
@@ -34,6 +37,7 @@ struct RemoteOptions {
   std::string bind = "127.0.0.1";
   std::uint16_t port = 0;
   std::string log_file;
+  std::string path_file;
   bool once = false;
   bool no_ack = false;
   int unasked = 0;
@@ -53,6 +57,8 @@ std::optional<RemoteOptions> parse(const std::vector<std::string>& args, std::st
         out.bind = args[++i];
       } else if (a == "--log" && has_value) {
         out.log_file = args[++i];
+      } else if (a == "--path-file" && has_value) {
+        out.path_file = args[++i];
       } else if (a == "--unasked" && has_value) {
         out.unasked = std::stoi(args[++i]);
       } else if (a == "--usage") {
@@ -141,7 +147,7 @@ int serve_remote(const std::vector<std::string>& args) {
     std::cerr << "kerfline-sim: " << listener.error().message << "\n";
     return 1;
   }
-  std::cout << listener->port() << std::endl;
+  if (!announce(std::to_string(listener->port()), options->path_file)) return 1;
   while (!platform::stop_requested()) {
     auto accepted = listener->accept(250);
     if (!accepted) {

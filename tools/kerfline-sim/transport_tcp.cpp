@@ -13,7 +13,7 @@ int serve_tcp(Simulator& sim) {
     std::cerr << "kerfline-sim: " << listener.error().message << "\n";
     return 1;
   }
-  std::cout << listener->port() << std::endl;
+  if (!announce(std::to_string(listener->port()), sim.options.path_file)) return 1;
   int refused = 0;
   while (!platform::stop_requested()) {
     auto accepted = listener->accept(250);

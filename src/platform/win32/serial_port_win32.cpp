@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cstring>
 
+#include "platform/clock.hpp"
 #include "platform/serial_port.hpp"
-#include "platform/win32/win32_support.hpp"
+#include "platform/win32/pipe_io_win32.hpp"
 
 namespace kerfline::platform::port {
 namespace {
@@ -12,6 +14,46 @@ bool is_comm(HANDLE h) {
   DCB dcb{};
   dcb.DCBlength = sizeof(dcb);
   return GetCommState(h, &dcb) != 0;
+}
+
+// A named pipe is a line without line settings: reads and writes keep the
+// comm port's time-outs by waiting on overlapped transfers themselves.
+IoResult pipe_read(HANDLE h, unsigned char* out, std::size_t size, ReadTimeouts timeouts) {
+  IoResult r;
+  DWORD wait = timeouts.total_ms;
+  while (r.count < size) {
+    const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(size - r.count, 1U << 20));
+    const auto t = win32::pipe_transfer(h, false, out + r.count, chunk, wait);
+    r.count += t.count;
+    if (t.error == ERROR_OPERATION_ABORTED || win32::peer_gone(t.error)) break;
+    if (t.error != 0) {
+      r.error = static_cast<int>(t.error);
+      return r;
+    }
+    if (t.count == 0) break;
+    wait = timeouts.interval_ms;
+  }
+  r.ok = true;
+  return r;
+}
+
+IoResult pipe_write(HANDLE h, const unsigned char* in, std::size_t size, std::uint64_t budget_ms) {
+  IoResult r;
+  const std::uint64_t deadline = tick_ms64() + budget_ms;
+  while (r.count < size) {
+    const std::uint64_t now = tick_ms64();
+    const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(size - r.count, 1U << 16));
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): WriteFile reads it only
+    const auto t = win32::pipe_transfer(h, true, const_cast<unsigned char*>(in + r.count), chunk,
+                                        now >= deadline ? 0 : static_cast<DWORD>(deadline - now));
+    r.count += t.count;
+    if (t.error != 0) {
+      r.error = t.error == ERROR_OPERATION_ABORTED ? WAIT_TIMEOUT : static_cast<int>(t.error);
+      return r;
+    }
+  }
+  r.ok = true;
+  return r;
 }
 
 }  // namespace
@@ -26,7 +68,9 @@ Result<Handle> open_existing(const std::string& path, Access access) {
     rights = GENERIC_WRITE;
     share = FILE_SHARE_WRITE;
   }
-  HANDLE h = CreateFileA(path.c_str(), rights, share, nullptr, OPEN_EXISTING, 0, nullptr);
+  HANDLE h = win32::is_pipe_name(path)
+                 ? win32::open_pipe_client(path, rights)
+                 : CreateFileA(path.c_str(), rights, share, nullptr, OPEN_EXISTING, 0, nullptr);
   if (h == INVALID_HANDLE_VALUE) return win32::last_error("CreateFile " + path);
   return reinterpret_cast<Handle>(h);  // NOLINT
 }
@@ -39,6 +83,8 @@ IoResult read(Handle h, void* buffer, std::size_t size, ReadTimeouts timeouts) {
     r.error = ERROR_INVALID_HANDLE;
     return r;
   }
+  if (win32::is_pipe(handle_of(h)))
+    return pipe_read(handle_of(h), static_cast<unsigned char*>(buffer), size, timeouts);
   if (is_comm(handle_of(h))) {
     COMMTIMEOUTS t{};
     GetCommTimeouts(handle_of(h), &t);
@@ -66,6 +112,10 @@ IoResult write(Handle h, const void* bytes, std::size_t size, std::uint32_t per_
     r.error = ERROR_INVALID_HANDLE;
     return r;
   }
+  if (win32::is_pipe(handle_of(h))) {
+    return pipe_write(handle_of(h), static_cast<const unsigned char*>(bytes), size,
+                      static_cast<std::uint64_t>(per_byte_ms) * size + total_ms);
+  }
   if (is_comm(handle_of(h))) {
     COMMTIMEOUTS t{};
     GetCommTimeouts(handle_of(h), &t);
@@ -88,6 +138,13 @@ IoResult write(Handle h, const void* bytes, std::size_t size, std::uint32_t per_
 bool is_terminal(Handle h) { return is_open_handle(h) && is_comm(handle_of(h)); }
 
 Result<std::uint32_t> input_count(Handle h) {
+  if (is_open_handle(h) && win32::is_pipe(handle_of(h))) {
+    DWORD available = 0;
+    if (PeekNamedPipe(handle_of(h), nullptr, 0, nullptr, &available, nullptr) == 0) {
+      return win32::last_error("PeekNamedPipe");
+    }
+    return static_cast<std::uint32_t>(available);
+  }
   DWORD errors = 0;
   COMSTAT stat{};
   if (!is_open_handle(h) || ClearCommError(handle_of(h), &errors, &stat) == 0) {
@@ -97,11 +154,29 @@ Result<std::uint32_t> input_count(Handle h) {
 }
 
 bool purge(Handle h) {
+  if (is_open_handle(h) && win32::is_pipe(handle_of(h))) {
+    // What waits now is dropped; the pipe has no output queue of ours.
+    auto waiting = input_count(h);
+    std::uint32_t left = waiting.ok() ? waiting.value() : 0;
+    char discard[512];
+    while (left > 0) {
+      const auto t =
+          win32::pipe_transfer(handle_of(h), false, discard, std::min<DWORD>(left, sizeof discard), 0);
+      if (t.count == 0) break;
+      left -= std::min<std::uint32_t>(left, t.count);
+    }
+    return waiting.ok();
+  }
   return is_open_handle(h) &&
          PurgeComm(handle_of(h), PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR) != 0;
 }
 
-bool flush_buffers(Handle h) { return is_open_handle(h) && FlushFileBuffers(handle_of(h)) != 0; }
+// FlushFileBuffers on a pipe waits until the peer has read everything: a
+// stopped peer would hang the caller, as a stopped line must not.
+bool flush_buffers(Handle h) {
+  if (is_open_handle(h) && win32::is_pipe(handle_of(h))) return true;
+  return is_open_handle(h) && FlushFileBuffers(handle_of(h)) != 0;
+}
 
 bool apply_line_settings(Handle h, const LineSettings& s) {
   if (!is_terminal(h)) return false;

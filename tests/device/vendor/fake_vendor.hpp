@@ -30,4 +30,8 @@ inline void log_call(const std::string& line) {
 
 }  // namespace fake
 
-#define FAKE_EXPORT extern "C" __attribute__((visibility("default")))
+#ifdef _WIN32
+#  define FAKE_EXPORT extern "C" __declspec(dllexport)
+#else
+#  define FAKE_EXPORT extern "C" __attribute__((visibility("default")))
+#endif

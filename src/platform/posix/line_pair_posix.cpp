@@ -4,25 +4,25 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "platform/line_pair.hpp"
 #include "platform/posix/fd_stream.hpp"
 #include "platform/posix/unique_fd.hpp"
-#include "platform/pseudo_terminal.hpp"
 
 namespace kerfline::platform {
 
-struct PseudoTerminal::Impl {
+struct LinePair::Impl {
   explicit Impl(int slave_fd) : slave(slave_fd) {}
   ByteStream master;
   UniqueFd slave;
   std::string path;
 };
 
-PseudoTerminal::PseudoTerminal(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
-PseudoTerminal::PseudoTerminal(PseudoTerminal&&) noexcept = default;
-PseudoTerminal& PseudoTerminal::operator=(PseudoTerminal&&) noexcept = default;
-PseudoTerminal::~PseudoTerminal() = default;
+LinePair::LinePair(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+LinePair::LinePair(LinePair&&) noexcept = default;
+LinePair& LinePair::operator=(LinePair&&) noexcept = default;
+LinePair::~LinePair() = default;
 
-Result<PseudoTerminal> PseudoTerminal::open() {
+Result<LinePair> LinePair::open() {
   UniqueFd master(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (master.get() < 0) return os_error(errno, "posix_openpt");
   if (::grantpt(master.get()) != 0) return os_error(errno, "grantpt");
@@ -39,16 +39,22 @@ Result<PseudoTerminal> PseudoTerminal::open() {
   impl->path = name;
   const int fd = master.release();
   impl->master = make_fd_stream(fd, fd, false);
-  return PseudoTerminal(std::move(impl));
+  return LinePair(std::move(impl));
 }
 
-const std::string& PseudoTerminal::device_path() const { return impl_->path; }
+const std::string& LinePair::device_path() const { return impl_->path; }
 
-ByteStream& PseudoTerminal::master() { return impl_->master; }
+ByteStream& LinePair::stream() { return impl_->master; }
 
-void PseudoTerminal::release_slave() {
+void LinePair::release_device() {
   const int fd = impl_->slave.release();
   if (fd >= 0) ::close(fd);
+}
+
+Result<ByteStream> open_line_device(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (fd < 0) return os_error(errno, "open " + path);
+  return make_fd_stream(fd, fd, false);
 }
 
 }  // namespace kerfline::platform
