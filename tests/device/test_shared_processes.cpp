@@ -1,18 +1,15 @@
 // SharedDataMan between real processes: the test binary runs itself again as
-// a child whose role an environment variable selects. Every process of one
-// run uses the private block named in KERFLINE_SHM_NAME.
+// a child in a role. Every process of one run uses the private block named in
+// KERFLINE_SHM_NAME.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <random>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "fixtures/self_spawn.hpp"
 #include "kerfline/kerfline.h"
@@ -20,7 +17,6 @@
 
 namespace {
 
-constexpr const char* kRoleVariable = "KERFLINE_TEST_SHARED_ROLE";
 constexpr auto kPatience = std::chrono::seconds(30);
 
 std::uintptr_t arg(const void* p) { return reinterpret_cast<std::uintptr_t>(p); }
@@ -90,62 +86,19 @@ int hammer_flags(std::uint32_t first_bit) {
   return lost == 0 ? 0 : 1;
 }
 
-int run_role(const std::string& role) {
-  if (role == "server") return serve_one_request();
-  if (role == "low") return hammer_flags(0);
-  if (role == "high") return hammer_flags(16);
-  return 99;
-}
-
-// Children never reach the test runner.
-const bool kChildRan = [] {
-  if (const char* role = std::getenv(kRoleVariable)) std::_Exit(run_role(role));
-  return false;
-}();
+[[maybe_unused]] const bool kChild = kerfline::test::run_role({
+    {"server", serve_one_request},
+    {"low", [] { return hammer_flags(0); }},
+    {"high", [] { return hammer_flags(16); }},
+});
 
 // --- Parent side -------------------------------------------------------------
-
-class Child {
- public:
-  explicit Child(const std::string& role) {
-    pid_ = kerfline::test::spawn_self({std::string(kRoleVariable) + "=" + role});
-  }
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-  ~Child() {
-    if (pid_ > 0) {
-      kill(pid_, SIGKILL);
-      waitpid(pid_, nullptr, 0);
-    }
-  }
-
-  [[nodiscard]] bool started() const { return pid_ > 0; }
-
-  // The exit code, or -1 if it did not end normally in time.
-  int wait() {
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
-    while (pid_ > 0) {
-      int status = 0;
-      const pid_t r = waitpid(pid_, &status, WNOHANG);
-      if (r == pid_) {
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-      }
-      if (std::chrono::steady_clock::now() > deadline) return -1;
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return -1;
-  }
-
- private:
-  pid_t pid_ = -1;
-};
 
 // One private block per test process, removed when the run ends.
 class PrivateBlock : public ::testing::Environment {
  public:
-  PrivateBlock() : name_("kerfline-test-" + std::to_string(getpid())) {
-    setenv("KERFLINE_SHM_NAME", name_.c_str(), 1);
+  PrivateBlock() : name_("kerfline-test-" + std::to_string(std::random_device{}())) {
+    kerfline::platform::set_environment("KERFLINE_SHM_NAME", name_);
   }
   void TearDown() override { kerfline::platform::SharedMemory::remove(name_); }
 
@@ -173,8 +126,8 @@ TEST(SharedDataMan, CodesOutsideTheTableReturnZeroAndChangeNothing) {
 
 TEST(SharedDataMan, RequestAndAnswerBetweenTwoProcesses) {
   reset_block();
-  Child server("server");
-  ASSERT_TRUE(server.started());
+  auto server = kerfline::test::spawn_self("server");
+  ASSERT_TRUE(server) << server.error().message;
   ASSERT_TRUE(wait_until([] { return has(KERFLINE_SHARED_SERVER); })) << "no server appeared";
 
   const double x = 12.5;
@@ -203,19 +156,19 @@ TEST(SharedDataMan, RequestAndAnswerBetweenTwoProcesses) {
   EXPECT_STREQ(device, "Cutter 60");
   EXPECT_EQ(blob.nSize, std::strlen("/dev/ttyUSB3"));
   EXPECT_STREQ(port, "/dev/ttyUSB3");
-  EXPECT_EQ(server.wait(), 0);
+  EXPECT_EQ(kerfline::test::exit_code(*server), 0);
   EXPECT_FALSE(has(KERFLINE_SHARED_SERVER)) << "the server's leaving was not seen";
 }
 
 TEST(SharedDataMan, ConcurrentFlagChangesLoseNoBit) {
   reset_block();
-  Child low("low");
-  Child high("high");
-  ASSERT_TRUE(low.started() && high.started());
+  auto low = kerfline::test::spawn_self("low");
+  auto high = kerfline::test::spawn_self("high");
+  ASSERT_TRUE(low && high);
   const std::int32_t go = 1;
   SharedDataMan(50, arg(&go));
-  EXPECT_EQ(low.wait(), 0) << "a bit of the low half was lost";
-  EXPECT_EQ(high.wait(), 0) << "a bit of the high half was lost";
+  EXPECT_EQ(kerfline::test::exit_code(*low), 0) << "a bit of the low half was lost";
+  EXPECT_EQ(kerfline::test::exit_code(*high), 0) << "a bit of the high half was lost";
   EXPECT_EQ(SharedDataMan(3, 0xFFFFFFFFu), 1);
 }
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "fixtures/self_spawn.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 
@@ -69,23 +70,26 @@ TEST(HostLanguage, HostThatSetsTheSuiteDirectoryGetsGermanToolTexts) {
   KerflineSetHomeDir(nullptr);
 }
 
-// The library starts itself when a program loads it: a child started with
-// the suite directory in its environment has its tables before any call.
+// Started with a suite in its environment, the library read its tables when
+// the program loaded it: taking them away now must not matter.
+int loaded_with_suite() {
+  fs::remove_all(fs::path(home_dir()) / "Res");
+  return InitKerflineDll() == 1 ? 0 : 1;
+}
+
+[[maybe_unused]] const bool kChild = kerfline::test::run_role({{"loaded", loaded_with_suite}});
+
 TEST(HostLanguage, StartsItselfWhenLoaded) {
-  if (const char* role = std::getenv("KERFLINE_TEST_ROLE"); role != nullptr) {
-    fs::remove_all(fs::path(home_dir()) / "Res");
-    EXPECT_EQ(InitKerflineDll(), 1);  // done at load, so the missing tables do not matter
-    return;
-  }
   TempDir suite;
   install_suite(suite);
-  const std::string command = "KERFLINE_TEST_ROLE=child KERFLINE_HOME='" + suite.path().string() + "' '" +
-                              fs::read_symlink("/proc/self/exe").string() +
-                              "' --gtest_filter=HostLanguage.StartsItselfWhenLoaded >/dev/null 2>&1";
-  EXPECT_EQ(std::system(command.c_str()), 0);
+  const auto run = [&] {
+    auto child = kerfline::test::spawn_self("loaded", {{"KERFLINE_HOME", suite.path().string()}});
+    return child ? kerfline::test::exit_code(*child) : -1;
+  };
+  EXPECT_EQ(run(), 0);
   // The same child without tables in its suite fails the check.
   fs::remove_all(suite.path() / "Res");
-  EXPECT_NE(std::system(command.c_str()), 0);
+  EXPECT_EQ(run(), 1);
 }
 
 }  // namespace
