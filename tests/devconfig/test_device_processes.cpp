@@ -36,7 +36,7 @@ int run_adder() {
   return 0;
 }
 
-[[maybe_unused]] const bool kChild = kerfline::test::run_role({{"adder", run_adder}});
+[[maybe_unused]] const bool kChild = kerfline::test::run_role("adder", run_adder);
 
 class Processes : public SuiteDir {};
 

@@ -15,24 +15,24 @@ using kerfline::test::TempDir;
 
 namespace {
 
-std::string home_dir() {
+// A path the library hands out ("" when it gives none).
+std::string path_of(int32_t (*get)(char*, uint32_t)) {
   char buf[4096];
-  return KerflineGetHomeDir(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
+  return get(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
 }
-
-std::string help_file() {
-  char buf[4096];
-  return KerflineGetHelpFile(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
-}
+std::string home_dir() { return path_of(KerflineGetHomeDir); }
+std::string help_file() { return path_of(KerflineGetHelpFile); }
 
 // A suite as an installation lays it out: the shipped string tables and the
 // sample German translation.
 void install_suite(const TempDir& suite) {
-  fs::create_directories(suite.path() / "Res");
-  fs::copy_file(KERFLINE_RES_DIR "/kerfline.dlx", suite.path() / "Res/kerfline.dlx");
-  fs::copy_file(KERFLINE_RES_DIR "/cutterx.dlx", suite.path() / "Res/cutterx.dlx");
-  fs::create_directories(suite.path() / "lang/GER");
-  fs::copy_file(KERFLINE_RES_DIR "/lang/GER/kerflineGER.TRA", suite.path() / "lang/GER/kerflineGER.TRA");
+  for (const char* file : {"kerfline.dlx", "cutterx.dlx", "lang/GER/kerflineGER.TRA"}) {
+    // The string tables go to Res/, the translation keeps its place.
+    const fs::path to =
+        suite.path() / (fs::path(file).has_parent_path() ? fs::path(file) : "Res" / fs::path(file));
+    fs::create_directories(to.parent_path());
+    fs::copy_file(fs::path(KERFLINE_RES_DIR) / file, to);
+  }
 }
 
 std::string translated(const char* text) {
@@ -77,7 +77,7 @@ int loaded_with_suite() {
   return InitKerflineDll() == 1 ? 0 : 1;
 }
 
-[[maybe_unused]] const bool kChild = kerfline::test::run_role({{"loaded", loaded_with_suite}});
+[[maybe_unused]] const bool kChild = kerfline::test::run_role("loaded", loaded_with_suite);
 
 TEST(HostLanguage, StartsItselfWhenLoaded) {
   TempDir suite;

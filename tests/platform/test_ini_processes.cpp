@@ -32,33 +32,31 @@ std::string child_file() { return std::getenv("KERFLINE_INI_FILE"); }
 // the others still write; 0 when every write returned true.
 int run_writer() {
   const int writer = child_int("KERFLINE_INI_ARG");
+  bool ok = true;
   for (int i = 0; i < kKeysPerWriter; ++i) {
-    if (!ini::write_value("Shared", key_name(writer, i), std::to_string(writer * 100000 + i), child_file())) {
-      return 3;
-    }
+    ok = ok &&
+         ini::write_value("Shared", key_name(writer, i), std::to_string(writer * 100000 + i), child_file());
   }
-  return ini::write_value("Writer" + std::to_string(writer), "count", std::to_string(kKeysPerWriter),
-                          child_file())
-             ? 0
-             : 3;
+  ok = ok && ini::write_value("Writer" + std::to_string(writer), "count", std::to_string(kKeysPerWriter),
+                              child_file());
+  return ok ? 0 : 3;
 }
 
 // Writes keys until it is ended, telling the parent over loopback TCP after
 // each write that returned.
 int run_crasher() {
-  auto link =
-      kerfline::platform::tcp_connect("127.0.0.1", static_cast<std::uint16_t>(child_int("KERFLINE_INI_PORT")),
-                                      kerfline::test::kChildPatienceMs);
-  if (!link) return 4;
-  for (int i = child_int("KERFLINE_INI_ARG");; ++i) {
+  auto link = kerfline::platform::tcp_connect(
+      "127.0.0.1", static_cast<std::uint16_t>(child_int("KERFLINE_INI_PORT")), 30000);
+  for (int i = child_int("KERFLINE_INI_ARG"); link; ++i) {
     if (!ini::write_value("Crash", "k" + std::to_string(i), "v" + std::to_string(i), child_file())) return 3;
     auto sent = link->write(reinterpret_cast<const char*>(&i), sizeof i, 10000);
     if (!sent || *sent != sizeof i) return 4;
   }
+  return 4;
 }
 
-[[maybe_unused]] const bool kChild =
-    kerfline::test::run_role({{"ini-writer", run_writer}, {"ini-crasher", run_crasher}});
+[[maybe_unused]] const bool kChild = kerfline::test::run_role("ini-writer", run_writer) ||
+                                     kerfline::test::run_role("ini-crasher", run_crasher);
 
 TEST(IniConcurrency, FourProcessesLoseNoKey) {
   IniFile file;
@@ -116,25 +114,21 @@ TEST(IniCrash, KilledWriterLeavesAWholeFileWithEveryReturnedWrite) {
     auto child = spawn_self("ini-crasher", {{"KERFLINE_INI_FILE", file.path()},
                                             {"KERFLINE_INI_ARG", std::to_string(next)},
                                             {"KERFLINE_INI_PORT", std::to_string(listener->port())}});
-    ASSERT_TRUE(child) << child.error().message;
-    auto link = listener->accept(static_cast<int>(kerfline::test::kChildPatienceMs));
-    ASSERT_TRUE(link && *link) << "the writer never called";
-    // Let it write a while (a random number of returned writes), then end it
-    // wherever it is.
-    const int wanted = 5 + static_cast<int>(random() % 40);
-    int reported = 0;
+    auto link = listener->accept(30000);
+    ASSERT_TRUE(child && link && *link) << "the writer never called";
+    // Let it report a random number of returned writes, then end it wherever it is.
     int last = next - 1;
     const auto take = [&](int timeout_ms) {
       int value = 0;
       auto got = (*link)->read(reinterpret_cast<char*>(&value), sizeof value, timeout_ms);
-      if (!got || got->count != sizeof value) return false;
-      last = value;
-      return true;
+      if (got && got->count == sizeof value) last = value;
+      return got && got->count == sizeof value;
     };
-    while (reported < wanted && take(10000)) ++reported;
+    for (int wanted = 5 + static_cast<int>(random() % 40); wanted > 0 && take(10000); --wanted) {
+    }
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
+    EXPECT_FALSE(child->has_ended()) << "the writer stopped on its own: " << child->exit_code().value_or(-1);
     child->terminate();
-    EXPECT_EQ(child->exit_code(), kerfline::test::kTerminatedCode) << "the writer stopped on its own";
     while (take(1000)) {
     }
 
