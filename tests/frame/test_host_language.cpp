@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "fixtures/self_spawn.hpp"
@@ -36,18 +37,14 @@ void install_suite(const TempDir& suite) {
 }
 
 std::string translated(const char* text) {
-  char* out = TranslateDrvString(text, std::malloc);
-  if (out == nullptr) return "(none)";
-  std::string copy(out);
-  std::free(out);
-  return copy;
+  const std::unique_ptr<char, void (*)(void*)> out(TranslateDrvString(text, std::malloc), std::free);
+  return out ? std::string(out.get()) : "(none)";
 }
 
 TEST(HostLanguage, HostThatSetsTheSuiteDirectoryGetsGermanToolTexts) {
   // Loaded from the test's own directory, which has no tables: the start made
   // at load failed, and the language paths point there.
-  const std::string program_dir = home_dir();
-  EXPECT_EQ(help_file(), program_dir + kerfline::platform::native_separators("Lang/Ger/plotman.hlp"));
+  EXPECT_EQ(help_file(), home_dir() + kerfline::platform::native_separators("Lang/Ger/plotman.hlp"));
 
   TempDir suite;
   install_suite(suite);

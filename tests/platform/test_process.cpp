@@ -4,9 +4,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
-#include <string>
 #include <thread>
 
 #include "fixtures/self_spawn.hpp"
