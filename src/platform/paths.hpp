@@ -35,6 +35,9 @@ std::string join_path(std::string_view base, std::string_view leaf);
 // Windows way ("Lang\\lang.ini") work everywhere.
 std::string native_separators(std::string_view path);
 
+// The full path of the running executable; empty when it cannot be had.
+std::string executable_path();
+
 // The directory of the running executable, ending in the separator.
 std::string executable_dir();
 

@@ -15,6 +15,9 @@ namespace {
 namespace fs = std::filesystem;
 using kerfline::test::TempDir;
 const bool kWindows = kerfline::platform::path_separator() == '\\';
+// Wine makes no junction or symbolic link (CreateSymbolicLinkA creates nothing,
+// FSCTL_SET_REPARSE_POINT and mklink fail), nor does mingw's libstdc++.
+constexpr const char* kNoLinks = "no way to plant a junction or symbolic link here";
 
 // Every path below root, except those below the spool directories.
 std::set<std::string> tree_outside_spool(const fs::path& root) {
@@ -30,11 +33,12 @@ std::set<std::string> tree_outside_spool(const fs::path& root) {
   return seen;
 }
 
-CUTDEVICE record(const std::string& name, const std::string& port) {
+// Adds (a port) or removes (none) the device.
+int32_t write_device(const std::string& name, const std::string& port) {
   CUTDEVICE d{};
   std::memcpy(d.szName, name.data(), std::min(name.size(), sizeof d.szName - 1));
   std::memcpy(d.szPort, port.data(), std::min(port.size(), sizeof d.szPort - 1));
-  return d;
+  return WriteCutDevice(&d);
 }
 
 // The suite lives in <root>/suite, with victims beside and above it.
@@ -63,8 +67,7 @@ class HostileNames : public Hostile, public ::testing::WithParamInterface<const 
 
 TEST_P(HostileNames, AddAndRemoveStayInsideTheSpoolRoot) {
   const auto before = tree_outside_spool(root_.path());
-  const CUTDEVICE add = record(GetParam(), "/dev/null");
-  EXPECT_EQ(WriteCutDevice(&add), 1);
+  EXPECT_EQ(write_device(GetParam(), "/dev/null"), 1);
   EXPECT_EQ(tree_outside_spool(root_.path()), before);
   // Everything made is one directory directly below SPOOLER (none for a name Windows forbids).
   std::size_t spool_dirs = 0;
@@ -76,8 +79,7 @@ TEST_P(HostileNames, AddAndRemoveStayInsideTheSpoolRoot) {
   }
   EXPECT_EQ(spool_dirs, kWindows && std::strpbrk(GetParam(), "*?\"<>|") != nullptr ? 0u : 1u);
 
-  const CUTDEVICE remove = record(GetParam(), "");
-  EXPECT_EQ(WriteCutDevice(&remove), 1);
+  EXPECT_EQ(write_device(GetParam(), ""), 1);
   EXPECT_EQ(tree_outside_spool(root_.path()), before);
   CBaseDeviceSettings().DeleteDir(GetParam());
   EXPECT_EQ(tree_outside_spool(root_.path()).count("victim/keep.txt"), 1u);
@@ -90,8 +92,7 @@ const char* const kUnusableNames[] = {"a\nb", "a=b", "[x]", ";x", " x", "x ", "\
 class UnusableNames : public Hostile, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(UnusableNames, ChangeNothing) {
-  const CUTDEVICE add = record(GetParam(), "/dev/null");
-  EXPECT_EQ(WriteCutDevice(&add), 0);
+  EXPECT_EQ(write_device(GetParam(), "/dev/null"), 0);
   EXPECT_FALSE(fs::exists(suite() / "plotman.ini"));
   EXPECT_TRUE(host_.broadcasts.empty());
 }
@@ -109,29 +110,25 @@ TEST_F(Hostile, UnterminatedFieldsAreCutAtTheirWidth) {
 }
 
 TEST_F(Hostile, LinkedSpoolDirectoryIsNeitherFilledNorEmptied) {
-  if (kWindows) GTEST_SKIP() << "mingw-w64's libstdc++ cannot make symbolic links";
+  if (kWindows) GTEST_SKIP() << kNoLinks;
   fs::create_directory_symlink(root_.path() / "victim", suite() / "SPOOLER" / "SL_EVIL");
-  const CUTDEVICE add = record("evil", "/dev/null");
-  WriteCutDevice(&add);
+  write_device("evil", "/dev/null");
   EXPECT_FALSE(fs::exists(root_.path() / "victim" / "saved"));
   EXPECT_FALSE(fs::exists(root_.path() / "victim" / "index.hot"));
-  const CUTDEVICE remove = record("evil", "");
-  WriteCutDevice(&remove);
+  write_device("evil", "");
   EXPECT_TRUE(fs::exists(root_.path() / "victim" / "keep.txt"));
   EXPECT_TRUE(fs::is_symlink(suite() / "SPOOLER" / "SL_EVIL"));
 }
 
 TEST_F(Hostile, LinksInsideTheSpoolAreRemovedNotFollowed) {
-  if (kWindows) GTEST_SKIP() << "mingw-w64's libstdc++ cannot make symbolic links";
-  const CUTDEVICE add = record("dev", "/dev/null");
-  WriteCutDevice(&add);
+  if (kWindows) GTEST_SKIP() << kNoLinks;
+  write_device("dev", "/dev/null");
   const fs::path spool = suite() / "SPOOLER" / "SL_DEV";
   fs::create_symlink(root_.path() / "victim" / "keep.txt", spool / "job.plt");
   fs::create_directory_symlink(root_.path() / "victim", spool / "other");
   fs::remove_all(spool / "saved");
   fs::create_directory_symlink(root_.path() / "victim", spool / "saved");
-  const CUTDEVICE remove = record("dev", "");
-  WriteCutDevice(&remove);
+  write_device("dev", "");
   EXPECT_TRUE(fs::exists(root_.path() / "victim" / "keep.txt"));
   EXPECT_TRUE(fs::exists(root_.path() / "victim"));
   // The planted "saved" link stops the removal: it is reported, not followed.
@@ -139,13 +136,11 @@ TEST_F(Hostile, LinksInsideTheSpoolAreRemovedNotFollowed) {
 }
 
 TEST_F(Hostile, ForeignSubdirectoriesKeepTheSpoolDirectory) {
-  const CUTDEVICE add = record("dev", "/dev/null");
-  WriteCutDevice(&add);
+  write_device("dev", "/dev/null");
   const fs::path spool = suite() / "SPOOLER" / "SL_DEV";
   root_.write("suite/SPOOLER/SL_DEV/user/notes.txt", "mine");
   root_.write("suite/SPOOLER/SL_DEV/saved/old.plt", "PU;");
-  const CUTDEVICE remove = record("dev", "");
-  WriteCutDevice(&remove);
+  write_device("dev", "");
   EXPECT_TRUE(fs::exists(spool / "user" / "notes.txt"));
   EXPECT_FALSE(fs::exists(spool / "saved"));
   EXPECT_FALSE(fs::exists(spool / "index.hot"));

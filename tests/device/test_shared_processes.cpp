@@ -1,18 +1,14 @@
 // SharedDataMan between real processes: the test binary runs itself again as
-// a child whose role an environment variable selects. Every process of one
-// run uses the private block named in KERFLINE_SHM_NAME.
+// a child in a role. Every process of one run uses the private block named in
+// KERFLINE_SHM_NAME.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <random>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "fixtures/self_spawn.hpp"
 #include "kerfline/kerfline.h"
@@ -20,14 +16,24 @@
 
 namespace {
 
-constexpr const char* kRoleVariable = "KERFLINE_TEST_SHARED_ROLE";
-constexpr auto kPatience = std::chrono::seconds(30);
+using kerfline::test::run_role;
 
 std::uintptr_t arg(const void* p) { return reinterpret_cast<std::uintptr_t>(p); }
 bool has(std::uint32_t mask) { return SharedDataMan(3, mask) == 1; }
+// Entries read into or written from a value of the entry's type.
+template <typename T>
+T get(int code) {
+  T value{};
+  SharedDataMan(code, arg(&value));
+  return value;
+}
+template <typename T>
+void put(int code, T value) {
+  SharedDataMan(code, arg(&value));
+}
 
 bool wait_until(const std::function<bool()>& done) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (!done()) {
     if (std::chrono::steady_clock::now() > deadline) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
@@ -42,18 +48,9 @@ bool wait_until(const std::function<bool()>& done) {
 int serve_one_request() {
   SharedDataMan(1, KERFLINE_SHARED_SERVER);
   if (!wait_until([] { return has(KERFLINE_SHARED_REQUEST); })) return 2;
-  if (!has(KERFLINE_SHARED_COORDS)) return 3;
-  double x = 0;
-  double y = 0;
-  double z = 0;
-  SharedDataMan(9, arg(&x));
-  SharedDataMan(10, arg(&y));
-  SharedDataMan(11, arg(&z));
-  if (z != 7.0) return 4;
-  const double ax = x + 100;
-  const double ay = y * 2;
-  SharedDataMan(6, arg(&ax));
-  SharedDataMan(7, arg(&ay));
+  if (!has(KERFLINE_SHARED_COORDS) || get<double>(11) != 7.0) return 3;
+  put(6, get<double>(9) + 100);
+  put(7, get<double>(10) * 2);
   SharedDataMan(12, arg("Cutter 60"));
   char port[] = "/dev/ttyUSB3";
   SHAREDBLOB blob{static_cast<std::uint32_t>(std::strlen(port)), port};
@@ -69,13 +66,7 @@ int serve_one_request() {
 // Sets and clears each of its 16 bits many times while another process does
 // the same with the other 16; every change must stay visible to its owner.
 int hammer_flags(std::uint32_t first_bit) {
-  if (!wait_until([] {
-        std::int32_t go = 0;
-        SharedDataMan(51, arg(&go));
-        return go == 1;
-      })) {
-    return 2;
-  }
+  if (!wait_until([] { return get<std::int32_t>(51) == 1; })) return 2;
   int lost = 0;
   for (int round = 0; round < 3000; ++round) {
     for (std::uint32_t b = first_bit; b < first_bit + 16; ++b) {
@@ -90,75 +81,27 @@ int hammer_flags(std::uint32_t first_bit) {
   return lost == 0 ? 0 : 1;
 }
 
-int run_role(const std::string& role) {
-  if (role == "server") return serve_one_request();
-  if (role == "low") return hammer_flags(0);
-  if (role == "high") return hammer_flags(16);
-  return 99;
-}
-
-// Children never reach the test runner.
-const bool kChildRan = [] {
-  if (const char* role = std::getenv(kRoleVariable)) std::_Exit(run_role(role));
-  return false;
-}();
+[[maybe_unused]] const bool kChild = run_role("server", serve_one_request) ||
+                                     run_role("low", [] { return hammer_flags(0); }) ||
+                                     run_role("high", [] { return hammer_flags(16); });
 
 // --- Parent side -------------------------------------------------------------
-
-class Child {
- public:
-  explicit Child(const std::string& role) {
-    pid_ = kerfline::test::spawn_self({std::string(kRoleVariable) + "=" + role});
-  }
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-  ~Child() {
-    if (pid_ > 0) {
-      kill(pid_, SIGKILL);
-      waitpid(pid_, nullptr, 0);
-    }
-  }
-
-  [[nodiscard]] bool started() const { return pid_ > 0; }
-
-  // The exit code, or -1 if it did not end normally in time.
-  int wait() {
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
-    while (pid_ > 0) {
-      int status = 0;
-      const pid_t r = waitpid(pid_, &status, WNOHANG);
-      if (r == pid_) {
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-      }
-      if (std::chrono::steady_clock::now() > deadline) return -1;
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return -1;
-  }
-
- private:
-  pid_t pid_ = -1;
-};
 
 // One private block per test process, removed when the run ends.
 class PrivateBlock : public ::testing::Environment {
  public:
-  PrivateBlock() : name_("kerfline-test-" + std::to_string(getpid())) {
-    setenv("KERFLINE_SHM_NAME", name_.c_str(), 1);
-  }
+  PrivateBlock() { kerfline::platform::set_environment("KERFLINE_SHM_NAME", name_); }
   void TearDown() override { kerfline::platform::SharedMemory::remove(name_); }
 
  private:
-  std::string name_;
+  std::string name_ = "kerfline-test-" + std::to_string(std::random_device{}());
 };
 
 [[maybe_unused]] auto* const kPrivateBlock = ::testing::AddGlobalTestEnvironment(new PrivateBlock);
 
 void reset_block() {
   SharedDataMan(2, 0xFFFFFFFFu);
-  const std::int32_t zero = 0;
-  SharedDataMan(50, arg(&zero));
+  put<std::int32_t>(50, 0);
 }
 
 TEST(SharedDataMan, CodesOutsideTheTableReturnZeroAndChangeNothing) {
@@ -173,49 +116,41 @@ TEST(SharedDataMan, CodesOutsideTheTableReturnZeroAndChangeNothing) {
 
 TEST(SharedDataMan, RequestAndAnswerBetweenTwoProcesses) {
   reset_block();
-  Child server("server");
-  ASSERT_TRUE(server.started());
+  auto server = kerfline::test::spawn_self("server");
+  ASSERT_TRUE(server) << server.error().message;
   ASSERT_TRUE(wait_until([] { return has(KERFLINE_SHARED_SERVER); })) << "no server appeared";
 
-  const double x = 12.5;
-  const double y = -3.25;
-  const double z = 7.0;
-  SharedDataMan(6, arg(&x));
-  SharedDataMan(7, arg(&y));
-  SharedDataMan(8, arg(&z));
+  put(6, 12.5);
+  put(7, -3.25);
+  put(8, 7.0);
   SharedDataMan(1, KERFLINE_SHARED_REQUEST | KERFLINE_SHARED_COORDS);
   ASSERT_TRUE(wait_until([] { return !has(KERFLINE_SHARED_REQUEST); })) << "request never served";
 
   ASSERT_TRUE(has(KERFLINE_SHARED_ANSWER));
-  double ax = 0;
-  double ay = 0;
-  SharedDataMan(9, arg(&ax));
-  SharedDataMan(10, arg(&ay));
+  EXPECT_EQ(get<double>(9), 112.5);
+  EXPECT_EQ(get<double>(10), -6.5);
   char device[KERFLINE_SHARED_TEXT_SIZE] = {};
   SharedDataMan(13, arg(device));
+  EXPECT_STREQ(device, "Cutter 60");
   char port[64] = {};
   SHAREDBLOB blob{sizeof port, port};
   SharedDataMan(5, arg(&blob));
-  SharedDataMan(2, KERFLINE_SHARED_ANSWER);
-
-  EXPECT_EQ(ax, 112.5);
-  EXPECT_EQ(ay, -6.5);
-  EXPECT_STREQ(device, "Cutter 60");
   EXPECT_EQ(blob.nSize, std::strlen("/dev/ttyUSB3"));
   EXPECT_STREQ(port, "/dev/ttyUSB3");
-  EXPECT_EQ(server.wait(), 0);
+  SharedDataMan(2, KERFLINE_SHARED_ANSWER);
+
+  EXPECT_EQ(kerfline::test::exit_code(*server), 0);
   EXPECT_FALSE(has(KERFLINE_SHARED_SERVER)) << "the server's leaving was not seen";
 }
 
 TEST(SharedDataMan, ConcurrentFlagChangesLoseNoBit) {
   reset_block();
-  Child low("low");
-  Child high("high");
-  ASSERT_TRUE(low.started() && high.started());
-  const std::int32_t go = 1;
-  SharedDataMan(50, arg(&go));
-  EXPECT_EQ(low.wait(), 0) << "a bit of the low half was lost";
-  EXPECT_EQ(high.wait(), 0) << "a bit of the high half was lost";
+  auto low = kerfline::test::spawn_self("low");
+  auto high = kerfline::test::spawn_self("high");
+  ASSERT_TRUE(low && high);
+  put<std::int32_t>(50, 1);
+  EXPECT_EQ(kerfline::test::exit_code(*low), 0) << "a bit of the low half was lost";
+  EXPECT_EQ(kerfline::test::exit_code(*high), 0) << "a bit of the high half was lost";
   EXPECT_EQ(SharedDataMan(3, 0xFFFFFFFFu), 1);
 }
 

@@ -4,8 +4,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 
+#include "fixtures/self_spawn.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 
@@ -14,48 +16,46 @@ using kerfline::test::TempDir;
 
 namespace {
 
-std::string home_dir() {
+// A path the library hands out ("" when it gives none).
+std::string path_of(int32_t (*get)(char*, uint32_t)) {
   char buf[4096];
-  return KerflineGetHomeDir(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
+  return get(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
 }
-
-std::string help_file() {
-  char buf[4096];
-  return KerflineGetHelpFile(buf, sizeof(buf)) > 0 ? std::string(buf) : std::string();
-}
+std::string home_dir() { return path_of(KerflineGetHomeDir); }
+std::string help_file() { return path_of(KerflineGetHelpFile); }
 
 // A suite as an installation lays it out: the shipped string tables and the
 // sample German translation.
 void install_suite(const TempDir& suite) {
-  fs::create_directories(suite.path() / "Res");
-  fs::copy_file(KERFLINE_RES_DIR "/kerfline.dlx", suite.path() / "Res/kerfline.dlx");
-  fs::copy_file(KERFLINE_RES_DIR "/cutterx.dlx", suite.path() / "Res/cutterx.dlx");
-  fs::create_directories(suite.path() / "lang/GER");
-  fs::copy_file(KERFLINE_RES_DIR "/lang/GER/kerflineGER.TRA", suite.path() / "lang/GER/kerflineGER.TRA");
+  for (const char* file : {"kerfline.dlx", "cutterx.dlx", "lang/GER/kerflineGER.TRA"}) {
+    // The string tables go to Res/, the translation keeps its place.
+    const fs::path to =
+        suite.path() / (fs::path(file).has_parent_path() ? fs::path(file) : "Res" / fs::path(file));
+    fs::create_directories(to.parent_path());
+    fs::copy_file(fs::path(KERFLINE_RES_DIR) / file, to);
+  }
 }
 
 std::string translated(const char* text) {
-  char* out = TranslateDrvString(text, std::malloc);
-  if (out == nullptr) return "(none)";
-  std::string copy(out);
-  std::free(out);
-  return copy;
+  const std::unique_ptr<char, void (*)(void*)> out(TranslateDrvString(text, std::malloc), std::free);
+  return out ? std::string(out.get()) : "(none)";
 }
 
 TEST(HostLanguage, HostThatSetsTheSuiteDirectoryGetsGermanToolTexts) {
   // Loaded from the test's own directory, which has no tables: the start made
   // at load failed, and the language paths point there.
-  const std::string program_dir = home_dir();
-  EXPECT_EQ(help_file(), program_dir + "Lang/Ger/plotman.hlp");
+  EXPECT_EQ(help_file(), home_dir() + kerfline::platform::native_separators("Lang/Ger/plotman.hlp"));
 
   TempDir suite;
   install_suite(suite);
   suite.write("Lang/lang.ini", "[Languages]\r\nGER=Deutsch\r\n[Default]\r\nActual=GER\r\n");
   fs::create_directories(suite.path() / "Lang/GER");
-  ASSERT_EQ(KerflineSetHomeDir(suite.path().c_str()), 1);
+  ASSERT_EQ(KerflineSetHomeDir(suite.str().c_str()), 1);
 
   EXPECT_EQ(InitKerflineDll(), 1);
-  EXPECT_EQ(help_file(), suite.str() + "Lang/GER/plotman.hlp");
+  // Windows has one directory for "lang" and "Lang": the one made first.
+  const bool windows = kerfline::platform::path_separator() == '\\';
+  EXPECT_EQ(help_file(), suite.str(windows ? "lang/GER/plotman.hlp" : "Lang/GER/plotman.hlp"));
   EXPECT_EQ(translated("Knife"), "(none)");  // not started yet
   EXPECT_GT(InitKerflineDll2(), 0);
 
@@ -69,23 +69,26 @@ TEST(HostLanguage, HostThatSetsTheSuiteDirectoryGetsGermanToolTexts) {
   KerflineSetHomeDir(nullptr);
 }
 
-// The library starts itself when a program loads it: a child started with
-// the suite directory in its environment has its tables before any call.
+// Started with a suite in its environment, the library read its tables when
+// the program loaded it: taking them away now must not matter.
+int loaded_with_suite() {
+  fs::remove_all(fs::path(home_dir()) / "Res");
+  return InitKerflineDll() == 1 ? 0 : 1;
+}
+
+[[maybe_unused]] const bool kChild = kerfline::test::run_role("loaded", loaded_with_suite);
+
 TEST(HostLanguage, StartsItselfWhenLoaded) {
-  if (const char* role = std::getenv("KERFLINE_TEST_ROLE"); role != nullptr) {
-    fs::remove_all(fs::path(home_dir()) / "Res");
-    EXPECT_EQ(InitKerflineDll(), 1);  // done at load, so the missing tables do not matter
-    return;
-  }
   TempDir suite;
   install_suite(suite);
-  const std::string command = "KERFLINE_TEST_ROLE=child KERFLINE_HOME='" + suite.path().string() + "' '" +
-                              fs::read_symlink("/proc/self/exe").string() +
-                              "' --gtest_filter=HostLanguage.StartsItselfWhenLoaded >/dev/null 2>&1";
-  EXPECT_EQ(std::system(command.c_str()), 0);
+  const auto run = [&] {
+    auto child = kerfline::test::spawn_self("loaded", {{"KERFLINE_HOME", suite.path().string()}});
+    return child ? kerfline::test::exit_code(*child) : -1;
+  };
+  EXPECT_EQ(run(), 0);
   // The same child without tables in its suite fails the check.
   fs::remove_all(suite.path() / "Res");
-  EXPECT_NE(std::system(command.c_str()), 0);
+  EXPECT_EQ(run(), 1);
 }
 
 }  // namespace

@@ -14,14 +14,16 @@ namespace kerfline::platform {
 
 char path_separator() { return '/'; }
 
-std::string executable_dir() {
+std::string executable_path() {
   std::vector<char> buf(4096);
   const ssize_t n = readlink("/proc/self/exe", buf.data(), buf.size() - 1);
-  if (n <= 0) return "./";
-  std::string path(buf.data(), static_cast<std::size_t>(n));
+  return n <= 0 ? std::string() : std::string(buf.data(), static_cast<std::size_t>(n));
+}
+
+std::string executable_dir() {
+  const std::string path = executable_path();
   const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return "./";
-  return path.substr(0, slash + 1);
+  return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
 }
 
 std::string library_dir() {

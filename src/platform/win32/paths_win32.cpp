@@ -10,25 +10,30 @@ char path_separator() { return '\\'; }
 
 namespace {
 
-// The directory of a loaded module's file, ending in the separator; empty when
-// the name cannot be had. Long paths are at most 32767 characters.
-std::string module_dir(HMODULE module) {
+// The path of a loaded module's file; empty when the name cannot be had.
+// Long paths are at most 32767 characters.
+std::string module_path(HMODULE module) {
   std::vector<char> buf(MAX_PATH);
   for (;;) {
     const DWORD n = GetModuleFileNameA(module, buf.data(), static_cast<DWORD>(buf.size()));
     if (n == 0) return {};
-    if (n < buf.size()) {
-      std::string path(buf.data(), n);
-      const std::size_t sep = path.find_last_of("\\/");
-      if (sep == std::string::npos) return {};
-      return path.substr(0, sep + 1);
-    }
+    if (n < buf.size()) return {buf.data(), n};
     if (buf.size() >= 32768) return {};
     buf.resize(buf.size() * 2);
   }
 }
 
+// The directory of a loaded module's file, ending in the separator; empty when
+// the name cannot be had.
+std::string module_dir(HMODULE module) {
+  const std::string path = module_path(module);
+  const std::size_t sep = path.find_last_of("\\/");
+  return sep == std::string::npos ? std::string() : path.substr(0, sep + 1);
+}
+
 }  // namespace
+
+std::string executable_path() { return module_path(nullptr); }
 
 // The host executable's directory (GetModuleFileName of the process, not of
 // this DLL: the suite's files live beside the program).
