@@ -39,8 +39,6 @@ int run_adder() {
 class Processes : public SuiteDir {};
 
 TEST_F(Processes, TwoAddersLoseNoDevice) {
-  if (kerfline::platform::ini::uses_system_engine())
-    GTEST_SKIP() << "Wine's profile functions lose devices added at once";
   std::vector<kerfline::platform::ChildProcess> children;
   for (int a = 0; a < kAdders; ++a) {
     // The children find the suite through the environment.

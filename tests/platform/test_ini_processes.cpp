@@ -58,8 +58,6 @@ int run_crasher() {
                                      kerfline::test::run_role("ini-crasher", run_crasher);
 
 TEST(IniConcurrency, FourProcessesLoseNoKey) {
-  if (ini::uses_system_engine())
-    GTEST_SKIP() << "Wine's profile functions lose most keys of writers in parallel";
   IniFile file;
   file.put("; shared by four writers\r\n[Shared]\r\n");
   std::vector<kerfline::platform::ChildProcess> children;

@@ -1,6 +1,8 @@
 // The profile functions on Windows are the system's own: the suite's other
 // programs read and write the same files through them, and only they know
 // the system's caching of those files (and any mapping to the registry).
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -48,6 +50,51 @@ std::vector<std::string> split_list(const std::string& list) {
 
 std::string trim_default(std::string_view text) { return std::string(trim_right(text, " \t")); }
 
+// The system's profile writes read, change and rewrite the whole file with no
+// lock between processes, so two of the library's processes writing one file
+// at once lose each other's changes. A named mutex per file serialises them.
+// Its name holds a hash of the full path in lower case (a mutex name may not
+// hold a backslash, and the file system ignores case).
+constexpr DWORD kWriteLockWaitMs = 10000;
+
+std::string write_lock_name(const std::string& path) {
+  std::string full(MAX_PATH, '\0');
+  const DWORD n = GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+  full.resize(n > 0 && n < full.size() ? n : 0);
+  if (full.empty()) full = path;
+  std::uint64_t hash = 14695981039346656037ULL;  // FNV-1a
+  for (const char c : full) {
+    hash ^= static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    hash *= 1099511628211ULL;
+  }
+  char name[48];
+  std::snprintf(name, sizeof name, "Local\\kerfline-ini-%016llx", static_cast<unsigned long long>(hash));
+  return name;
+}
+
+class WriteLock {
+ public:
+  explicit WriteLock(const std::string& path) : mutex_(CreateMutexA(nullptr, FALSE, write_lock_name(path).c_str())) {
+    if (!mutex_.valid()) return;
+    // An abandoned mutex: a writer ended while holding it; the file is as
+    // the system left it, and the lock is now ours.
+    const DWORD r = WaitForSingleObject(mutex_.get(), kWriteLockWaitMs);
+    held_ = r == WAIT_OBJECT_0 || r == WAIT_ABANDONED;
+  }
+  ~WriteLock() {
+    if (held_) ReleaseMutex(mutex_.get());
+  }
+  WriteLock(const WriteLock&) = delete;
+  WriteLock& operator=(const WriteLock&) = delete;
+  // False when no mutex could be made or another writer held it too long:
+  // the write is then refused rather than risk losing someone's change.
+  [[nodiscard]] bool held() const { return held_; }
+
+ private:
+  win32::UniqueHandle mutex_;
+  bool held_ = false;
+};
+
 }  // namespace
 
 std::string resolve_file(const std::string& file) {
@@ -88,12 +135,16 @@ std::uint32_t get_section_names(char* buffer, std::uint32_t size, const std::str
 
 bool write_string(const char* section, const char* key, const char* value, const std::string& file) {
   if (section == nullptr || file.empty()) return false;
-  return WritePrivateProfileStringA(section, key, value, resolve_file(file).c_str()) != 0;
+  const std::string path = resolve_file(file);
+  const WriteLock lock(path);
+  return lock.held() && WritePrivateProfileStringA(section, key, value, path.c_str()) != 0;
 }
 
 bool write_section(const char* section, const char* data, const std::string& file) {
   if (section == nullptr || file.empty()) return false;
-  return WritePrivateProfileSectionA(section, data, resolve_file(file).c_str()) != 0;
+  const std::string path = resolve_file(file);
+  const WriteLock lock(path);
+  return lock.held() && WritePrivateProfileSectionA(section, data, path.c_str()) != 0;
 }
 
 std::string read_string(std::string_view section, std::string_view key, std::string_view default_value,
