@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 
 #include "cli_runner.hpp"
@@ -48,6 +47,9 @@ std::vector<Example> console_examples(const std::string& doc) {
 class DocExamples : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(DocExamples, RunAsWritten) {
+#ifdef _WIN32
+  GTEST_SKIP() << "the examples are POSIX shell lines";
+#else
   TempDir dir;
   for (const auto& entry : std::filesystem::directory_iterator(KERFLINE_BUILT_EXAMPLES_DIR)) {
     if (entry.path().extension() == ".vmd")
@@ -55,15 +57,14 @@ TEST_P(DocExamples, RunAsWritten) {
   }
   const auto examples = console_examples(read_doc(GetParam()));
   ASSERT_FALSE(examples.empty());
-  const std::regex tool_word(R"((^|[;&|] *)kerfline )");
   for (const Example& e : examples) {
-    const std::string command = std::regex_replace(e.command, tool_word, "$1'" KERFLINE_CLI "' ");
-    const auto r = kerfline::test::run_shell("cd '" + dir.str() + "' && " + command);
+    const auto r = kerfline::test::run_shell("cd '" + dir.str() + "' && " + e.command);
     std::string out = r.out;
     if (!out.empty() && out.back() == '\n') out.pop_back();
     EXPECT_EQ(r.exit_code, 0) << e.command;
     EXPECT_EQ(out, e.expected) << e.command;
   }
+#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(Guides, DocExamples, ::testing::Values("docs/templates.md", "README.md"));
