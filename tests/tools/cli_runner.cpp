@@ -24,42 +24,29 @@ namespace kerfline::test {
 namespace {
 
 #ifdef _WIN32
-// The tool's C runtime splits `line` itself. Waits at most two minutes.
-int run(const std::string& line, const std::string& capture) {
+// The arguments are UTF-8: the child reads them from its wide command line.
+int run(const std::string& args, const std::string& capture) {
+  const std::string utf8 = "\"" KERFLINE_CLI "\" " + args;
+  std::wstring line(utf8.size() + 1, L'\0');
+  line.resize(static_cast<std::size_t>(
+      MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, line.data(), static_cast<int>(line.size()))));
   SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
-  HANDLE out = CreateFileA(capture.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
-                           FILE_ATTRIBUTE_NORMAL, nullptr);
-  HANDLE in = CreateFileA("NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit, OPEN_EXISTING, 0,
-                          nullptr);
+  HANDLE out =
+      CreateFileA(capture.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, 0, nullptr);
   STARTUPINFOW start{};
   start.cb = sizeof(start);
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdInput = in;
-  start.hStdOutput = out;
-  start.hStdError = out;
+  start.dwFlags = STARTF_USESTDHANDLES;  // no standard input
+  start.hStdOutput = start.hStdError = out;
   PROCESS_INFORMATION child{};
-  // The arguments are UTF-8: the child reads them from the wide command line.
-  const std::string utf8 = "\"" KERFLINE_CLI "\" " + line;
-  std::wstring wide(utf8.size() + 1, L'\0');
-  wide.resize(static_cast<std::size_t>(
-      MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, wide.data(), static_cast<int>(wide.size()))));
-  int code = -1;
-  if (out != INVALID_HANDLE_VALUE &&
-      CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &start,
-                     &child) != 0) {
-    DWORD status = 0;
-    if (WaitForSingleObject(child.hProcess, 120000) == WAIT_OBJECT_0 &&
-        GetExitCodeProcess(child.hProcess, &status) != 0) {
-      code = static_cast<int>(status);
-    } else {
-      TerminateProcess(child.hProcess, 1);
-    }
-    CloseHandle(child.hThread);
-    CloseHandle(child.hProcess);
-  }
-  if (in != INVALID_HANDLE_VALUE) CloseHandle(in);
-  if (out != INVALID_HANDLE_VALUE) CloseHandle(out);
-  return code;
+  DWORD status = 0;
+  const bool ran = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+                                  nullptr, &start, &child) != 0 &&
+                   WaitForSingleObject(child.hProcess, INFINITE) == WAIT_OBJECT_0 &&
+                   GetExitCodeProcess(child.hProcess, &status) != 0;
+  if (child.hProcess != nullptr) CloseHandle(child.hProcess);
+  if (child.hThread != nullptr) CloseHandle(child.hThread);
+  CloseHandle(out);
+  return ran ? static_cast<int>(status) : -1;
 }
 #else
 int run(std::vector<std::string> argv, const std::string& capture) {
@@ -84,12 +71,9 @@ int run(std::vector<std::string> argv, const std::string& capture) {
 template <typename Command>
 CliResult run_captured(Command command) {
   const TempDir dir;
-  const std::string capture = dir.str("out");
-  CliResult result;
-  result.exit_code = run(std::move(command), capture);
-  std::ifstream in(capture, std::ios::binary);
-  result.out.assign(std::istreambuf_iterator<char>(in), {});
-  return result;
+  const int code = run(std::move(command), dir.str("out"));
+  std::ifstream in(dir.str("out"), std::ios::binary);
+  return {code, std::string(std::istreambuf_iterator<char>(in), {})};
 }
 
 }  // namespace
@@ -104,10 +88,19 @@ CliResult run_cli(const std::string& args) {
 }
 
 CliResult run_shell(const std::string& line) {
-  static const std::regex tool_word(R"((^|[;&| ])kerfline )");
+  static const std::regex tool_word(R"((^|[;&|( ])kerfline )");
   return run_captured(std::vector<std::string>{"/bin/sh", "-c",
                                                std::regex_replace(line, tool_word, "$1'" KERFLINE_CLI "' ")});
 }
 #endif
+
+std::string expand(std::string text, std::initializer_list<std::pair<std::string, std::string>> values) {
+  for (const auto& [key, value] : values) {
+    for (auto at = text.find(key); at != std::string::npos; at = text.find(key, at + value.size())) {
+      text.replace(at, key.size(), value);
+    }
+  }
+  return text;
+}
 
 }  // namespace kerfline::test

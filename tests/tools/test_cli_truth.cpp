@@ -1,5 +1,8 @@
-// The tool's exit codes, messages and encodings as a user meets them.
+// The tool's exit codes, messages and encodings as a user and a technician
+// meet them, command after command on one suite directory.
 #include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <fstream>
@@ -92,7 +95,22 @@ const Case kSession[] = {
     {"driver dump {D}u.vmd", 0, "~%Größe% = ä"},
     {"driver get {D}u.vmd %Größe%", 0, "ä\n"},
     {"eval --driver {D}u.vmd -e &T(%Größe%)", 0, "ä"},
-    // Shell rows: Windows has no full device and no file-size limit to trip a store.
+    {"--home {D} devices list", 0, "~no devices in"},
+    {R"(--home {D} devices add "Vinyl 1" --port /dev/ttyUSB0 --driver {D}gx.vdv)", 0,
+     "~spool directory {D}SPOOLER{/}SL_VINYL 1{/}"},
+    {"--home {D} devices add Big:2 --port COM3 --driver /drv/big.vmd", 0, "~added Big:2 on COM3"},
+    {"--home {D} devices list --json", 0,
+     "~\"name\": \"Vinyl 1\",\n    \"port\": \"/dev/ttyUSB0\",\n    \"driver\": \"{J}gx.vdv\""},
+    {R"(--home {D} devices show "Vinyl 1")", 0, "~DevDrvInfo         Roland GX\n"},
+    {"--home {D} devices show Big:2 --json", 0, "~\"class\": \"CCutterDeviceSettings\""},
+    {"--home {D} devices show nobody", 1, "~no device \"nobody\""},
+    {"--home {D} devices add a=b --port x --driver y", 1, "~cannot be a device name"},
+    {"--home {D} devices add x --port 0123456789012345678901234567890123 --driver y", 2,
+     "~at most 31 characters"},
+    {R"(--home {D} devices remove "Vinyl 1")", 0, "~removed Vinyl 1"},
+    {R"(--home {D} devices remove "Vinyl 1")", 1, "~no device"},
+    {"--home {D} devices list", 0, "~Big:2"},
+    // Shell rows. Windows has no full device, no file-size limit to trip a store, and no sysfs to fake.
     {"$ kerfline eval -e x > /dev/full", 1,
      "kerfline: cannot write to standard output: No space left on device\n"},
     {"$ kerfline functions > /dev/full", 1, "~No space left on device"},
@@ -101,6 +119,16 @@ const Case kSession[] = {
      "Kerfline error: Can not write driver:\n{D}c.vmd\n\nCode = (27)\n\nFile too large\n"
      "kerfline: cannot store {D}c.vmd\nexit 1\n"},
     {"driver get {D}c.vmd %Speed%", 0, "9999\n"},
+    // Root may open anything: ask as an ordinary user.
+    {"$ KERFLINE_SYSTEM_ROOT={D}root $([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 "
+     "--clear-groups) "
+     "kerfline device ports",
+     0,
+     "lp0\tlp0\t{D}root/dev/usb/lp0\n  {D}root/dev/usb/lp0: Permission denied. Install the udev rules "
+     "share/kerfline/udev/70-kerfline.rules (to\n  /etc/udev/rules.d/, then reconnect the device) or add "
+     "yourself to "
+     "the group of the\n  device, usually dialout: sudo usermod -aG dialout $USER (log in again "
+     "afterwards).\n"},
 };
 
 TEST(CliTruth, Session) {
@@ -113,14 +141,22 @@ TEST(CliTruth, Session) {
   fs::copy_file(x + "hpgl-cutter.vmd", dir.str("cutter.vmd"));
   fs::copy_file(x + "hpgl-cutter-plus.vmd", dir.str("plus.vmd"));  // its base driver is not beside it
   fs::copy_file(x + "dialog-cutter.vmd", dir.str("c.vmd"));
-  const auto expand = [&](std::string text) {
-    for (const auto& [key, value] :
-         {std::pair<std::string, std::string>{"{D}", dir.str()}, {"{X}", x}, {"{R}", kIsADirectory}}) {
-      for (auto at = text.find(key); at != std::string::npos; at = text.find(key, at + value.size())) {
-        text.replace(at, key.size(), value);
-      }
-    }
-    return text;
+  dir.write("gx.vdv", std::string("Roland GX  \0", 12));
+#ifndef _WIN32
+  dir.write("root/sys/class/usbmisc/lp0/dev", "180:0\n");
+  fs::permissions(dir.write("root/dev/usb/lp0", ""), fs::perms::none);
+  fs::permissions(dir.path(), fs::perms(0755));
+  for (const auto& entry : fs::recursive_directory_iterator(dir.path())) {
+    if (entry.is_directory()) fs::permissions(entry.path(), fs::perms(0755));
+  }
+#endif
+  const std::string json_dir = nlohmann::json(dir.str()).dump();
+  const auto expand = [&](const std::string& text) {
+    return kerfline::test::expand(text, {{"{D}", dir.str()},
+                                         {"{J}", json_dir.substr(1, json_dir.size() - 2)},
+                                         {"{X}", x},
+                                         {"{R}", kIsADirectory},
+                                         {"{/}", fs::path("/").make_preferred().string()}});
   };
   for (const Case& c : kSession) {
 #ifdef _WIN32
@@ -133,41 +169,21 @@ TEST(CliTruth, Session) {
     const std::string out = expand(c.out);
     EXPECT_EQ(r.exit_code, c.exit_code) << c.line << "\n" << r.out;
     if (out.rfind('~', 0) == 0) {
-      EXPECT_NE(r.out.find(out.substr(1)), std::string::npos) << c.line << "\n" << r.out;
+      EXPECT_NE(r.out.find(out.substr(1)), std::string::npos) << c.line << "\nwanted: " << out << "\n"
+                                                              << r.out;
     } else {
       EXPECT_EQ(r.out, out) << c.line;
     }
   }
   EXPECT_EQ(dir.read("out.txt"), "IN;");
+  EXPECT_FALSE(fs::exists(dir.path() / "SPOOLER" / "SL_VINYL 1"));
+  EXPECT_TRUE(fs::exists(dir.path() / "SPOOLER" / "SL_BIG_2" / "index.hot"));
+  EXPECT_FALSE(fs::exists(dir.path() / "SPOOLER" / "SL_VINYL 1"));
+  EXPECT_TRUE(fs::exists(dir.path() / "SPOOLER" / "SL_BIG_2" / "index.hot"));
   EXPECT_FALSE(fs::exists("-"));
   std::ifstream built(x + "hpgl-cutter.vmd", std::ios::binary);
   EXPECT_EQ(kerfline::test::run_cli("driver build " KERFLINE_EXAMPLES_DIR "/hpgl-cutter.json -o -").out,
             std::string(std::istreambuf_iterator<char>(built), {}));
-}
-
-TEST(CliTruth, PortsSayWhatGivesAccessToAPortThatIsThere) {
-#ifdef _WIN32
-  GTEST_SKIP() << "the port listing reads a fake sysfs tree and a device node's permission bits";
-#else
-  const kerfline::test::TempDir dir;
-  dir.write("sys/class/usbmisc/lp0/dev", "180:0\n");
-  const fs::path node = dir.write("dev/usb/lp0", "");
-  for (const auto& entry : fs::recursive_directory_iterator(dir.path())) {
-    if (entry.is_directory()) fs::permissions(entry.path(), fs::perms(0755));
-  }
-  fs::permissions(dir.path(), fs::perms(0755));
-  fs::permissions(node, fs::perms::none);
-  // Root may open anything: ask as an ordinary user.
-  const auto r = kerfline::test::run_shell("KERFLINE_SYSTEM_ROOT=" + dir.str() +
-                                           " $([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 "
-                                           "--clear-groups) kerfline device ports");
-  EXPECT_EQ(r.exit_code, 0) << r.out;
-  EXPECT_EQ(r.out,
-            "lp0\tlp0\t" + node.string() + "\n  " + node.string() +
-                ": Permission denied. Install the udev rules share/kerfline/udev/70-kerfline.rules (to\n"
-                "  /etc/udev/rules.d/, then reconnect the device) or add yourself to the group of the\n"
-                "  device, usually dialout: sudo usermod -aG dialout $USER (log in again afterwards).\n");
-#endif
 }
 
 }  // namespace

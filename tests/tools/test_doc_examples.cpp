@@ -73,7 +73,5 @@ TEST(VocabularyPage, IsWhatTheToolPrints) {
   const std::string page = read_doc("docs/vocabulary.md");
   const auto printed = run_cli("driver vocabulary");
   ASSERT_EQ(printed.exit_code, 0);
-  ASSERT_NE(printed.out.find("| 9128 | `%Speed%` | standard variable | String | `VS` |\n"),
-            std::string::npos);
   EXPECT_EQ(page.substr(page.find("| number |")), printed.out);
 }
