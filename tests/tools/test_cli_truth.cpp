@@ -21,14 +21,18 @@ struct Case {
   std::string out;  // the whole output, or with a leading '~' a part of it
 };
 
+// The system's words for why a file cannot be read; Windows versions word them differently.
 #ifdef _WIN32
-const char* const kIsADirectory = "Access denied.";
+const char* const kIsADirectory = "";
+const char* const kNoSuchFile = "";
 #else
 const char* const kIsADirectory = "Is a directory";
+const char* const kNoSuchFile = "No such file or directory";
 #endif
 
-// {D}: the test's directory, {X}: the built example drivers, {R}: the reason a directory cannot be read.
-// Each row sees what the earlier ones did.
+// {D}: the test's directory ({J} as JSON writes it), {X}: the built example drivers, {R} and {N}: the reasons
+// a directory and a missing file cannot be read, {/}: the directory separator. Each row sees what the earlier
+// ones did.
 const Case kSession[] = {
     {"frobnicate", 2, "~kerfline: \"frobnicate\" is not a command of kerfline\ncommands of kerfline:\n"},
     {"help", 2, "~\"help\" is not a command of kerfline\n"},
@@ -37,10 +41,10 @@ const Case kSession[] = {
     {"driver build", 2, "~json is required"},
     {"driver info {D}bad.vmd", 1, "~bad.vmd: invalid driver file: unexpected end of file"},
     {"driver dump {D}bad.vmd", 1, "~bad.vmd is not a driver file we can read"},
-    {"driver dump {D}missing.vmd", 1, "~missing.vmd: No such file"},
+    {"driver dump {D}missing.vmd", 1, "~missing.vmd: {N}"},
     {"driver build {D}broken.json -o {D}x.vmd", 1, "~is not valid JSON"},
     {"eval {D}", 1, "~cannot read template {D}: {R}"},
-    {"eval {D}none.txt", 1, "~none.txt: No such file or directory\n"},
+    {"eval {D}none.txt", 1, "~none.txt: {N}"},
     {"eval --var %x%=5 {D}t.txt", 0, "a5"},
     {"eval -e &T(%x%) --var %x%=1 --var %y%=2", 0, "1"},
     {"eval -e IN; --newline -o -", 0, "IN;\n"},
@@ -51,11 +55,6 @@ const Case kSession[] = {
     {R"(eval -e &Mid(\"abc\"))", 1, "[incorrect number of parameters: Operator Mid expects 3 parameters]"},
     {R"(eval -e &T(\"x\")", 1, "[invalid expression (no end found): &(]"},
     {"eval --var novalue -e x", 2, "kerfline: --var expects NAME=VALUE, got \"novalue\"\n"},
-    {"eval -e 中", 1, "~holds a character that Windows-1252 cannot hold"},
-    {"eval -e Größe", 0, "Größe"},
-    {"eval --raw -e Größe", 0,
-     "Gr\xf6\xdf"
-     "e"},
     {"functions", 0, "~&OR(A, B)  [shadowed]\n"},
     {"functions", 0, "~\n%[ ... ]% arithmetic: + - * / ^ and SIN(x) COS(x)"},
     {"functions mid", 0,
@@ -93,8 +92,6 @@ const Case kSession[] = {
     {"driver info {D}c.vmd", 0, "~materials: 0\nwarning: %Speed%: 9999 is outside its range 1 to 80\n"},
     {"driver build {D}u.json -o {D}u.vmd", 0, ""},
     {"driver dump {D}u.vmd", 0, "~%Größe% = ä"},
-    {"driver get {D}u.vmd %Größe%", 0, "ä\n"},
-    {"eval --driver {D}u.vmd -e &T(%Größe%)", 0, "ä"},
     {"--home {D} devices list", 0, "~no devices in"},
     {R"(--home {D} devices add "Vinyl 1" --port /dev/ttyUSB0 --driver {D}gx.vdv)", 0,
      "~spool directory {D}SPOOLER{/}SL_VINYL 1{/}"},
@@ -110,7 +107,15 @@ const Case kSession[] = {
     {R"(--home {D} devices remove "Vinyl 1")", 0, "~removed Vinyl 1"},
     {R"(--home {D} devices remove "Vinyl 1")", 1, "~no device"},
     {"--home {D} devices list", 0, "~Big:2"},
-    // Shell rows. Windows has no full device, no file-size limit to trip a store, and no sysfs to fake.
+    // Shell rows. Windows has no full device, no file-size limit to trip a store and no sysfs to fake, and
+    // hands a program its arguments in the ANSI code page, where the tool wants UTF-8.
+    {"$ kerfline eval -e 中", 1, "~holds a character that Windows-1252 cannot hold"},
+    {"$ kerfline eval -e Größe", 0, "Größe"},
+    {"$ kerfline eval --raw -e Größe", 0,
+     "Gr\xf6\xdf"
+     "e"},
+    {"$ kerfline driver get {D}u.vmd %Größe%", 0, "ä\n"},
+    {"$ kerfline eval --driver {D}u.vmd -e '&T(%Größe%)'", 0, "ä"},
     {"$ kerfline eval -e x > /dev/full", 1,
      "kerfline: cannot write to standard output: No space left on device\n"},
     {"$ kerfline functions > /dev/full", 1, "~No space left on device"},
@@ -156,6 +161,7 @@ TEST(CliTruth, Session) {
                                          {"{J}", json_dir.substr(1, json_dir.size() - 2)},
                                          {"{X}", x},
                                          {"{R}", kIsADirectory},
+                                         {"{N}", kNoSuchFile},
                                          {"{/}", fs::path("/").make_preferred().string()}});
   };
   for (const Case& c : kSession) {

@@ -47,6 +47,8 @@ std::vector<Example> console_examples(const std::string& doc) {
 class DocExamples : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(DocExamples, RunAsWritten) {
+  const auto examples = console_examples(read_doc(GetParam()));
+  ASSERT_FALSE(examples.empty());
 #ifdef _WIN32
   GTEST_SKIP() << "the examples are POSIX shell lines";
 #else
@@ -55,8 +57,6 @@ TEST_P(DocExamples, RunAsWritten) {
     if (entry.path().extension() == ".vmd")
       std::filesystem::copy_file(entry.path(), dir.path() / entry.path().filename());
   }
-  const auto examples = console_examples(read_doc(GetParam()));
-  ASSERT_FALSE(examples.empty());
   for (const Example& e : examples) {
     const auto r = kerfline::test::run_shell("cd '" + dir.str() + "' && " + e.command);
     std::string out = r.out;
