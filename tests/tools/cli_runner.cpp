@@ -55,9 +55,8 @@ int run(std::vector<std::string> argv, const std::string& capture) {
   posix_spawn_file_actions_addopen(&files, 0, "/dev/null", O_RDONLY, 0);
   posix_spawn_file_actions_addopen(&files, 1, capture.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_adddup2(&files, 1, 2);
-  std::vector<char*> pointers;
-  for (std::string& arg : argv) pointers.push_back(arg.data());
-  pointers.push_back(nullptr);
+  std::vector<char*> pointers(argv.size() + 1, nullptr);
+  for (std::size_t i = 0; i < argv.size(); ++i) pointers[i] = argv[i].data();
   pid_t pid = -1;
   int status = 0;
   const bool started = ::posix_spawnp(&pid, pointers[0], &files, nullptr, pointers.data(), environ) == 0;

@@ -48,11 +48,9 @@ TEST(DriverDialog, BrokenVariablesAreReportedNotFatal) {
   dir.write("broken.json", R"({"format": "VM6DRV", "root": {"name": "Broken", "items": [
     {"class": "CDrvItemDlgVar", "name": "%Upside%", "type": "Integer", "value": "3", "dlgText": "Upside",
      "dlgFormat": "%d", "ext": {"flags": 1, "min": 10, "max": 1, "increments": 1}},
-    {"class": "CDrvItemDlgVar", "name": "%Stray%", "type": "Double", "value": "2.5", "dlgText": "Stray",
-     "dlgFormat": "50% of %.1f"},
-    {"class": "CDrvItemDlgVar", "name": "%Init%", "id": 0, "value": "IN;", "dlgText": "", "description": "Init text",
-     "dlgFormat": "[%s]"}
-  ]}})");
+    {"class": "CDrvItemDlgVar", "name": "%Stray%", "type": "Double", "value": "2.5", "dlgFormat": "50% of %.1f"},
+    {"class": "CDrvItemDlgVar", "name": "%Init%", "id": 0, "value": "IN;", "description": "Init text",
+     "dlgFormat": "[%s]"}]}})");
   ASSERT_EQ(run_cli("driver build " + dir.str("broken.json") + " -o " + dir.str("broken.vmd")).exit_code, 0);
   const auto out = run_cli("driver dialog --json " + dir.str("broken.vmd"));
   ASSERT_EQ(out.exit_code, 0) << out.out;

@@ -18,27 +18,19 @@ namespace {
 
 // A driver holding every item class and the optional fields, as a dump writes it.
 const char* kEveryClass = R"JSON({
-  "format": "VM6DRV$",
-  "header": {"text": "00ff41", "note": "Notiz \u00e4", "dword": false},
-  "title": "Every Class",
-  "baseDriverFlag": 1,
-  "root": {
-    "name": "Root",
-    "items": [
-      {"id": 9016, "value": "Every Class"},
-      {"name": "%Speed%", "type": "Integer", "value": "40", "description": "Speed", "aux": "x", "attributes": 3,
-       "valueIndex": 2},
-      {"name": "%Date%", "type": "Date", "value": "1.2.2024"},
-      {"class": "CDrvItemList", "name": "Group", "params": [1, 0, 5, 0], "param4": 9, "listAtEnd": 1, "items": [
-        {"class": "CDrvItemCutInstr", "id": 1000, "value": "(PU:0,0)", "cutInstr": "PU;"},
-        {"class": "CDrvItemToolParmVar", "name": "%Depth%", "value": "0.2", "toolParm": "mm"},
-        {"class": "CDrvItemDlgVar", "name": "%Pressure%", "type": "Integer", "value": "80", "dlgText": "Druck",
-         "dlgFormat": "%d g", "aux": "a", "ext": {"flags": 1, "min": 10, "max": 400, "increments": 0.5},
-         "conditions": ["%Speed%>10", "1"]},
-        {"class": "CDrvItemMatDB", "name": "Materials", "value": "vinyl.db", "aux": "m"}
-      ]}
-    ]
-  }
+  "format": "VM6DRV$", "header": {"text": "00ff41", "note": "Notiz \u00e4", "dword": false},
+  "title": "Every Class", "baseDriverFlag": 1, "root": {"name": "Root", "items": [
+    {"id": 9016, "value": "Every Class"},
+    {"name": "%Speed%", "type": "Integer", "value": "40", "description": "Speed", "aux": "x", "attributes": 3,
+     "valueIndex": 2},
+    {"name": "%Date%", "type": "Date", "value": "1.2.2024"},
+    {"class": "CDrvItemList", "name": "Group", "params": [1, 0, 5, 0], "param4": 9, "listAtEnd": 1, "items": [
+      {"class": "CDrvItemCutInstr", "id": 1000, "value": "(PU:0,0)", "cutInstr": "PU;"},
+      {"class": "CDrvItemToolParmVar", "name": "%Depth%", "value": "0.2", "toolParm": "mm"},
+      {"class": "CDrvItemDlgVar", "name": "%Pressure%", "type": "Integer", "value": "80", "dlgText": "Druck",
+       "dlgFormat": "%d g", "aux": "a", "ext": {"flags": 1, "min": 10, "max": 400, "increments": 0.5},
+       "conditions": ["%Speed%>10", "1"]},
+      {"class": "CDrvItemMatDB", "name": "Materials", "value": "vinyl.db", "aux": "m"}]}]}
 })JSON";
 
 }  // namespace
