@@ -1,5 +1,6 @@
 // The tool's exit codes, messages and encodings as a user and a technician
-// meet them, command after command on one suite directory.
+// meet them, command after command on one suite directory, and the guides'
+// examples as written.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -7,6 +8,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
+#include <utility>
+#include <vector>
 
 #include "cli_runner.hpp"
 #include "fixtures/temp_dir.hpp"
@@ -20,6 +24,11 @@ struct Case {
   int exit_code;
   std::string out;  // the whole output, or with a leading '~' a part of it
 };
+
+std::string read_source(const std::string& name) {
+  std::ifstream in(std::string(KERFLINE_SOURCE_DIR) + "/" + name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
 
 // The system's words for why a file cannot be read; Windows versions word them differently.
 #ifdef _WIN32
@@ -58,6 +67,7 @@ const Case kSession[] = {
     {"functions", 0, "~&OR(A, B)  [shadowed]\n"},
     {"functions", 0, "~\n%[ ... ]% arithmetic: + - * / ^ and SIN(x) COS(x)"},
     {"functions mid", 0, "~&Mid(Text, i, n)\n  parameters: 3\n  "},
+    {"driver vocabulary", 0, "{V}"},  // the page is what the tool prints
     {"functions NoSuch", 1, "kerfline: no function named NoSuch\n"},
     {"driver info {X}hpgl-cutter.vmd", 0,
      "file:      {X}hpgl-cutter.vmd\nname:      Demo HPGL Cutter\ntitle:     Demo HPGL Cutter\nclass:     "
@@ -123,14 +133,13 @@ const Case kSession[] = {
      "kerfline: cannot store {D}c.vmd\nexit 1\n"},
     {"driver get {D}c.vmd %Speed%", 0, "9999\n"},
     // Root may open anything: ask as an ordinary user.
-    {"$ KERFLINE_SYSTEM_ROOT={D}root $([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 "
-     "--clear-groups) "
-     "kerfline device ports",
+    {"$ KERFLINE_SYSTEM_ROOT={D}root "
+     "$([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 --clear-groups) kerfline device ports",
      0,
      "lp0\tlp0\t{D}root/dev/usb/lp0\n  {D}root/dev/usb/lp0: Permission denied. Install the udev rules "
      "share/kerfline/udev/70-kerfline.rules (to\n  /etc/udev/rules.d/, then reconnect the device) or add "
-     "yourself to "
-     "the group of the\n  device, usually dialout: sudo usermod -aG dialout $USER (log in again "
+     "yourself "
+     "to the group of the\n  device, usually dialout: sudo usermod -aG dialout $USER (log in again "
      "afterwards).\n"},
 };
 
@@ -154,13 +163,15 @@ TEST(CliTruth, Session) {
   }
 #endif
   const std::string json_dir = nlohmann::json(dir.str()).dump();
+  const std::string vocabulary = read_source("docs/vocabulary.md");
   const auto expand = [&](const std::string& text) {
     return kerfline::test::expand(text, {{"{D}", dir.str()},
                                          {"{J}", json_dir.substr(1, json_dir.size() - 2)},
                                          {"{X}", x},
                                          {"{R}", kIsADirectory},
                                          {"{N}", kNoSuchFile},
-                                         {"{/}", fs::path("/").make_preferred().string()}});
+                                         {"{/}", fs::path("/").make_preferred().string()},
+                                         {"{V}", vocabulary.substr(vocabulary.find("| number |"))}});
   };
   for (const Case& c : kSession) {
 #ifdef _WIN32
@@ -182,9 +193,36 @@ TEST(CliTruth, Session) {
   EXPECT_EQ(dir.read("out.txt"), "IN;");
   EXPECT_FALSE(fs::exists(dir.path() / "SPOOLER" / "SL_VINYL 1"));
   EXPECT_TRUE(fs::exists(dir.path() / "SPOOLER" / "SL_BIG_2" / "index.hot"));
-  EXPECT_FALSE(fs::exists(dir.path() / "SPOOLER" / "SL_VINYL 1"));
-  EXPECT_TRUE(fs::exists(dir.path() / "SPOOLER" / "SL_BIG_2" / "index.hot"));
   EXPECT_FALSE(fs::exists("-"));
+#ifndef _WIN32
+  // The guides' console examples run as written: each "$ " line, beside the example drivers, prints the lines
+  // after it.
+  fs::create_directory(dir.path() / "docs");
+  for (const char* name : {"hpgl-cutter", "hpgl-cutter-plus", "dialog-cutter"}) {
+    fs::copy_file(x + name + ".vmd", dir.path() / "docs" / (std::string(name) + ".vmd"));
+  }
+  for (const char* doc : {"docs/templates.md", "README.md"}) {
+    std::istringstream lines(read_source(doc));
+    std::vector<std::pair<std::string, std::string>> examples;  // command, output
+    bool in_block = false;
+    for (std::string line; std::getline(lines, line);) {
+      if (line.rfind("```", 0) == 0) {
+        in_block = !in_block && line == "```console";
+      } else if (in_block && line.rfind("$ ", 0) == 0) {
+        examples.emplace_back(line.substr(2), "");
+      } else if (in_block && !examples.empty()) {
+        examples.back().second += (examples.back().second.empty() ? "" : "\n") + line;
+      }
+    }
+    EXPECT_FALSE(examples.empty()) << doc;
+    for (const auto& [command, shown] : examples) {
+      auto r = kerfline::test::run_shell("cd '" + dir.str("docs") + "' && " + command);
+      if (!r.out.empty() && r.out.back() == '\n') r.out.pop_back();
+      EXPECT_EQ(r.exit_code, 0) << command;
+      EXPECT_EQ(r.out, shown) << command;
+    }
+  }
+#endif
   std::ifstream built(x + "hpgl-cutter.vmd", std::ios::binary);
   EXPECT_EQ(kerfline::test::run_cli("driver build " KERFLINE_EXAMPLES_DIR "/hpgl-cutter.json -o -").out,
             std::string(std::istreambuf_iterator<char>(built), {}));
