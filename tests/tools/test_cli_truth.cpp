@@ -14,6 +14,9 @@
 
 #include "cli_runner.hpp"
 #include "fixtures/temp_dir.hpp"
+#ifndef _WIN32
+#  include "remote/remote_sim_process.hpp"
+#endif
 
 namespace {
 
@@ -83,6 +86,9 @@ const Case kSession[] = {
      "  %DriverClass% = Cutter  (String)\n  %BaseDrv% = hpgl-cutter.vmd  (String)\n  %Speed% = 60  (String)\n"
      "  %PlotInit% =   (String, linked)\n  %PlotEnd% =   (String, linked)\n  %ComSettings% =   (String, "
      "linked)\n"},
+    {"driver dialog {X}dialog-cutter.vmd", 0, "~%Offset%  Knife offset (mm)  [Double"},
+    {"driver dialog {X}dialog-cutter.vmd", 0, "~range:      0 .. 1.5, step 0.05, enforced"},
+    {"driver dialog {X}dialog-cutter.vmd", 0, "~conditions: %Optimize% == 1"},
     {"driver get {X}hpgl-cutter-plus.vmd %PlotInit%", 0, "IN;VS&T(%Speed%);FS&T(%Pressure%);\n"},
     {"driver get {X}hpgl-cutter.vmd %PenUp% --type int", 1, "~%PenUp% holds \"PU\", which is not a number"},
     {"driver get {X}hpgl-cutter.vmd %MatSpeed% --material Flock --json", 0,
@@ -115,8 +121,9 @@ const Case kSession[] = {
     {R"(--home {D} devices remove "Vinyl 1")", 0, "~removed Vinyl 1"},
     {R"(--home {D} devices remove "Vinyl 1")", 1, "~no device"},
     {"--home {D} devices list", 0, "~Big:2"},
-    // Shell rows. Windows has no full device, no file-size limit to trip a store and no sysfs to fake, and
-    // hands a program its arguments in the ANSI code page, where the tool wants UTF-8.
+    // Shell rows. Windows has no full device, no file-size limit to trip a store and no sysfs to fake, hands
+    // a program its arguments in the ANSI code page where the tool wants UTF-8, and the reference server of
+    // `remote send` ({A}: its address) is kerfline-sim, started here the POSIX way.
     {"$ kerfline eval -e 中", 1, "~holds a character that Windows-1252 cannot hold"},
     {"$ kerfline eval -e Größe", 0, "Größe"},
     {"$ kerfline eval --raw -e Größe", 0,
@@ -132,6 +139,20 @@ const Case kSession[] = {
      "Kerfline error: Can not write driver:\n{D}c.vmd\n\nCode = (27)\n\nFile too large\n"
      "kerfline: cannot store {D}c.vmd\nexit 1\n"},
     {"driver get {D}c.vmd %Speed%", 0, "9999\n"},
+    {"$ kerfline --home {D}remote remote send 'Remote 1' --state 3 9", 0,
+     "{\"type\":\"State\",\"state\":3,\"job\":9}\n"},
+    {"$ kerfline --home {D}remote remote send 'Remote 1' --msg 'say \"hi\"'", 0,
+     "{\"type\":\"Msg\",\"text\":\"say \\\"hi\\\"\"}\n"},
+    {"$ kerfline remote send {A} --query 5 Cutter", 0,
+     "{\"type\":\"Query\",\"query\":5,\"param\":\"Cutter\"}\n"},
+    {"$ kerfline remote send {A} --query 3 44", 0, "{\"type\":\"Query\",\"query\":3,\"job\":44}\n"},
+    {"$ kerfline remote send {A} --query 1 ignored", 0, "{\"type\":\"Query\",\"query\":1}\n"},
+    {"$ kerfline --home {D}remote remote send 'Remote 1' --int -7", 0, "{\"type\":\"Int\",\"value\":-7}\n"},
+    {"$ kerfline --home {D}remote remote send 'Remote 1' --strings a '' c", 0,
+     "{\"type\":\"StringList\",\"strings\":[\"a\",\"\",\"c\"]}\n"},
+    {"$ kerfline remote send {A} --int 1 --msg x", 2,
+     "kerfline: give exactly one of --state, --msg, --query, --int, --strings\n"},
+    {"$ kerfline remote send {A} --query 3 job", 2, "kerfline: query 3 takes a job number\n"},
     // Root may open anything: ask as an ordinary user.
     {"$ KERFLINE_SYSTEM_ROOT={D}root "
      "$([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 --clear-groups) kerfline device ports",
@@ -154,7 +175,13 @@ TEST(CliTruth, Session) {
   fs::copy_file(x + "hpgl-cutter-plus.vmd", dir.str("plus.vmd"));  // its base driver is not beside it
   fs::copy_file(x + "dialog-cutter.vmd", dir.str("c.vmd"));
   dir.write("gx.vdv", std::string("Roland GX  \0", 12));
+  std::string address;
 #ifndef _WIN32
+  const kerfline::test::RemoteSim sim({});
+  ASSERT_GT(sim.port(), 0);
+  address = "--host 127.0.0.1 --port " + std::to_string(sim.port());
+  dir.write("remote/plotman.ini",
+            "[Remote 1]\nIP_PORT=" + std::to_string(sim.port() - 7867) + "\nTcpIpHostname=localhost\n");
   dir.write("root/sys/class/usbmisc/lp0/dev", "180:0\n");
   fs::permissions(dir.write("root/dev/usb/lp0", ""), fs::perms::none);
   fs::permissions(dir.path(), fs::perms(0755));
@@ -170,6 +197,7 @@ TEST(CliTruth, Session) {
                                          {"{X}", x},
                                          {"{R}", kIsADirectory},
                                          {"{N}", kNoSuchFile},
+                                         {"{A}", address},
                                          {"{/}", fs::path("/").make_preferred().string()},
                                          {"{V}", vocabulary.substr(vocabulary.find("| number |"))}});
   };
