@@ -1,30 +1,29 @@
-// Runs the kerfline tool (or a shell line) and captures stdout and stderr.
+// Runs the kerfline tool as a child process, no shell in between, with its
+// standard output and error captured together in a file.
 #pragma once
 
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 namespace kerfline::test {
 
 struct CliResult {
-  int exit_code = -1;
-  std::string out;
+  int exit_code = -1;  // -1: did not start or did not end by returning
+  std::string out;     // standard output and error, in the order written
 };
-inline CliResult run_shell(const std::string& command) {
-  CliResult r;
-  FILE* pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
-  if (pipe == nullptr) return r;
-  std::array<char, 4096> buf{};
-  for (std::size_t n = 0; (n = std::fread(buf.data(), 1, buf.size(), pipe)) > 0;) r.out.append(buf.data(), n);
-  const int status = pclose(pipe);
-  r.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return r;
-}
-inline CliResult run_cli(const std::string& args) {
-  return run_shell(std::string("'") + KERFLINE_CLI + "' " + args);
-}
+
+// Runs the tool with `args`, a command line split the way Windows programs
+// split theirs: blanks separate, double quotes group, \" is a literal quote.
+CliResult run_cli(const std::string& args);
+
+#ifndef _WIN32
+// A POSIX shell line in which the word `kerfline` stands for the tool, for
+// what only a shell gives: redirections, limits, the guides' examples.
+CliResult run_shell(const std::string& line);
+#endif
+
+// `text` with every placeholder (first) replaced by its value (second).
+std::string expand(std::string text, std::initializer_list<std::pair<std::string, std::string>> values);
 
 }  // namespace kerfline::test

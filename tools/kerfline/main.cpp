@@ -11,6 +11,7 @@
 #include "commands.hpp"
 #include "kerfline/kerfline.h"
 #include "message_boxes.hpp"
+#include "platform/standard_streams.hpp"
 
 namespace {
 
@@ -59,6 +60,7 @@ int run(int argc, char** argv) {
 
 // A command that fails by exception ends with a message, not with abort().
 int main(int argc, char** argv) {
+  kerfline::platform::binary_standard_streams();
   try {
     return run(argc, argv);
   } catch (const std::exception& e) {
