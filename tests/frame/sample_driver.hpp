@@ -41,6 +41,13 @@ inline std::shared_ptr<drv::CDrvItemDlgVar> dialog_var(const std::string& name, 
   return d;
 }
 
+// An open record for a document built in memory.
+inline VMV6DRV handle_of(drv::CVm6Drv& doc) {
+  VMV6DRV handle{};
+  handle.pDrv = &doc;
+  return handle;
+}
+
 // Tools "Cut" (Contour, with both sub-lists) and "Move" (Transfer, none);
 // material "Vinyl"; "%VideoSettings%", "%JoyStickSettings%" and
 // "Sonderbefehle:" lists; every item's value names the item.
