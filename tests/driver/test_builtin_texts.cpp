@@ -94,17 +94,30 @@ TEST(BuiltinTexts, EveryRowSitsAtATextItsKindDefines) {
 
 // The directory counts exactly the named blocks: each has its name, and the
 // block after the last has none.
-TEST_P(KindLayoutTest, EveryCountedBlockIsNamed) {
+TEST_P(KindLayoutTest, DirectoryGivesBaseStepCountAndNamedBlocks) {
   const LayoutCase& c = GetParam();
+  const auto layout = kerfline::driver::kind_layout(c.kind);
+  ASSERT_TRUE(layout.has_value());
+  EXPECT_EQ(layout->base, c.base);
+  EXPECT_EQ(layout->step, c.step);
+  EXPECT_EQ(layout->count, c.count);
+  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, c.count).has_value());
+  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, 0xFFFFFFFFu).has_value());
+  const std::set<std::string_view> types = {"", "String", "Double", "Integer", "Bool", "Date"};
   for (std::uint32_t i = 0; i < c.count; ++i) {
-    const auto definition = builtin_definition(c.base + c.step * i);
+    const std::uint32_t base = c.base + c.step * i;
+    EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, i), base);
+    // The block's last text lies where locate_text_number says it does.
+    const auto position = locate_text_number(base + c.step - 1);
+    ASSERT_TRUE(position.has_value());
+    EXPECT_EQ(position->kind, c.kind);
+    EXPECT_EQ(position->index, i);
+    EXPECT_EQ(position->offset, c.step - 1);
+    const auto definition = builtin_definition(base);
     ASSERT_TRUE(definition.has_value()) << i;
     EXPECT_FALSE(definition->name.empty()) << i;
     EXPECT_EQ(definition->index, i);
-    if (!definition->type.empty()) {
-      const std::set<std::string_view> types = {"String", "Double", "Integer", "Bool", "Date"};
-      EXPECT_TRUE(types.contains(definition->type)) << definition->name;
-    }
+    EXPECT_TRUE(types.contains(definition->type)) << definition->name;
   }
   // (Only the standard variables have a name after their last block.)
   if (c.kind != TextKind::StandardVariables) {
@@ -112,7 +125,7 @@ TEST_P(KindLayoutTest, EveryCountedBlockIsNamed) {
   }
 }
 
-TEST(BuiltinTexts, NumbersWithoutARowAreNotFound) {
+TEST(BuiltinTexts, NumbersWithoutARowOrKindAreNotFound) {
   // clang-format off
   const std::uint32_t absent[] = {
       0,    1,    106,  113,  114,  115,  137,  138,  139,  143,  999,  1001, 1002, 1003, 9001,
@@ -123,6 +136,14 @@ TEST(BuiltinTexts, NumbersWithoutARowAreNotFound) {
   for (std::uint32_t id : absent) {
     EXPECT_EQ(find_builtin_text(id), nullptr) << id;
     EXPECT_FALSE(builtin_text(id).has_value()) << id;
+  }
+  for (std::uint32_t number : {0u, 106u, 108u, 109u, 113u, 123u, 137u, 143u, 9000u}) {  // start no kind
+    EXPECT_FALSE(kerfline::driver::kind_layout(number).has_value()) << number;
+    EXPECT_FALSE(kerfline::driver::block_of_kind(number, 0).has_value()) << number;
+  }
+  for (std::uint32_t id :
+       {0u, 999u, 1132u, 2072u, 2376u, 2518u, 5032u, 5300u, 6144u, 8018u, 9456u, 12000u, kBuiltinTextEnd}) {
+    EXPECT_FALSE(locate_text_number(id).has_value()) << id;  // outside every directory kind
   }
 }
 
@@ -142,43 +163,7 @@ TEST(BuiltinTexts, FirstUseFromSeveralThreadsAgrees) {
   }
 }
 
-TEST_P(KindLayoutTest, DirectoryGivesBaseStepCountAndBlocks) {
-  const LayoutCase& c = GetParam();
-  const auto layout = kerfline::driver::kind_layout(c.kind);
-  ASSERT_TRUE(layout.has_value());
-  EXPECT_EQ(layout->base, c.base);
-  EXPECT_EQ(layout->step, c.step);
-  EXPECT_EQ(layout->count, c.count);
-  EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, 0), c.base);
-  EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, 1), c.base + c.step);
-  EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, c.count - 1), c.base + c.step * (c.count - 1));
-  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, c.count).has_value());
-  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, 0xFFFFFFFFu).has_value());
-  // Every block of the kind lies where locate_text_number says it does.
-  for (std::uint32_t i = 0; i < c.count; ++i) {
-    const auto position = kerfline::driver::locate_text_number(c.base + c.step * i + c.step - 1);
-    ASSERT_TRUE(position.has_value());
-    EXPECT_EQ(position->kind, c.kind);
-    EXPECT_EQ(position->index, i);
-    EXPECT_EQ(position->offset, c.step - 1);
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Kinds, KindLayoutTest, ::testing::ValuesIn(kKinds), kerfline::test::RowIndex());
-
-TEST(BuiltinTexts, DirectoryNumbersThatStartNoKindHaveNoLayout) {
-  for (std::uint32_t number : {0u, 106u, 108u, 109u, 113u, 123u, 137u, 143u, 9000u}) {
-    EXPECT_FALSE(kerfline::driver::kind_layout(number).has_value()) << number;
-    EXPECT_FALSE(kerfline::driver::block_of_kind(number, 0).has_value()) << number;
-  }
-}
-
-TEST(BuiltinTexts, NumbersOutsideEveryDirectoryKindAreNotLocated) {
-  for (std::uint32_t id :
-       {0u, 999u, 1132u, 2072u, 2376u, 2518u, 5032u, 5300u, 6144u, 8018u, 9456u, 12000u, kBuiltinTextEnd}) {
-    EXPECT_FALSE(kerfline::driver::locate_text_number(id).has_value()) << id;
-  }
-}
 
 // One row per field the definition of a block reads from the table.
 TEST(BuiltinTexts, DefinitionsReadTheirBlock) {

@@ -15,13 +15,9 @@ using kerfline::test::sample_lookup;
 
 namespace {
 
-// A driver file built from a document that `fill` sets up.
 template <typename Fill>
 std::string driver_bytes(Fill&& fill) {
-  drv::CVm6Drv doc(sample_lookup());
-  fill(doc);
-  doc.RefreshGroupList();
-  return doc.WriteToBytes();
+  return kerfline::test::driver_bytes(std::forward<Fill>(fill), sample_lookup());
 }
 
 std::string base_driver() {

@@ -110,6 +110,13 @@ INSTANTIATE_TEST_SUITE_P(Cases, Lookup, ::testing::Values(
                "Speed"},
     LookupCase{"text longer than the marker is kept", 40000, kMarker + " ", {}, {}, kMarker + " "},
     LookupCase{"directory number", 109, "cutter", {}, {}, "22"},
+    LookupCase{"string-table text is cut to 511 bytes", 40000, std::string(600, 'x'), {}, {},
+               std::string(511, 'x')},
+    LookupCase{"511 bytes reach the translation", 40000, std::string(600, 'x'), {},
+               Tr{std::string(511, 'x'), "cut"}, "cut"},
+    LookupCase{"511 bytes are kept whole", 40000, {}, std::string(511, 'y'), {}, std::string(511, 'y')},
+    LookupCase{"a translation is not cut", 40000, "Speed", {}, Tr{"Speed", std::string(1000, 'g')},
+               std::string(1000, 'g')},
     LookupCase{"terminator number is not a text", 0xFFFFFFFFu, "cutter", {}, {}, "cutter"}),
     kerfline::test::RowIndex());
 // clang-format on
@@ -124,26 +131,6 @@ TEST_F(TextDictionary, AsksCutterxThenKerflineAndStopsAtTheFirstAnswer) {
       {kCutter, 40001}, {kCutter, 40002}, {kKerfline, 40002}};
   EXPECT_EQ(fakes_.asked, asked);
   EXPECT_EQ(fakes_.translated, (std::vector<std::string>{"first", "second"}));
-}
-
-// String-table texts are read into a 512-byte buffer: 511 bytes reach the
-// translation and the caller.
-TEST_F(TextDictionary, StringTableTextIsCutTo511Bytes) {
-  const std::string long_text(600, 'x');
-  fakes_.tables[{kCutter, 40000}] = long_text;
-  EXPECT_EQ(dictionary_text(40000), long_text.substr(0, 511));
-  ASSERT_EQ(fakes_.translated.size(), 1u);
-  EXPECT_EQ(fakes_.translated[0].size(), 511u);
-
-  fakes_.tables[{kKerfline, 40003}] = std::string(511, 'y');
-  EXPECT_EQ(dictionary_text(40003), std::string(511, 'y'));
-}
-
-// A translation may be longer than the string-table buffer.
-TEST_F(TextDictionary, TranslationIsNotCut) {
-  fakes_.tables[{kCutter, 40000}] = "Speed";
-  fakes_.translations["Speed"] = std::string(1000, 'g');
-  EXPECT_EQ(dictionary_text(40000).size(), 1000u);
 }
 
 TEST_F(TextDictionary, DescriptionIsTheNextNumber) {
@@ -176,43 +163,34 @@ TEST_F(TextDictionary, IntegerErrorCaptionComesFromKerflineOnly) {
   EXPECT_EQ(kerfline_dictionary_text(9016), "");
 }
 
-TEST(TextDictionaryServices, WorksWithoutServices) {
+TEST(TextDictionaryServices, EachServiceMayBeMissingAndALaterInstallReplaces) {
   install_text_services({});
   EXPECT_EQ(dictionary_text(9016), "%DriverName%");
   EXPECT_EQ(dictionary_text(40000), "");
   EXPECT_EQ(dictionary_description(9016), "");
   EXPECT_EQ(kerfline_dictionary_text(35589), "");
-}
 
-TEST(TextDictionaryServices, TablesWithoutTranslationGiveTheirOwnText) {
-  TextServices services;
-  services.resource_text = [](int table, std::uint32_t) -> std::optional<std::string> {
+  TextServices tables_only;  // the tables' own texts
+  tables_only.resource_text = [](int table, std::uint32_t) -> std::optional<std::string> {
     return table == kKerfline ? std::optional<std::string>("kerfline") : std::nullopt;
   };
-  install_text_services(std::move(services));
+  install_text_services(std::move(tables_only));
   EXPECT_EQ(dictionary_text(40000), "kerfline");
   EXPECT_EQ(kerfline_dictionary_text(35589), "kerfline");
-  install_text_services({});
-}
 
-TEST(TextDictionaryServices, TranslationWithoutTablesIsNeverAsked) {
-  bool asked = false;
-  TextServices services;
-  services.translate = [&asked](std::string_view) -> std::optional<std::string> {
+  bool asked = false;  // no tables: the translation is never asked
+  TextServices translation_only;
+  translation_only.translate = [&asked](std::string_view) -> std::optional<std::string> {
     asked = true;
     return "translated";
   };
-  install_text_services(std::move(services));
+  install_text_services(std::move(translation_only));
   EXPECT_EQ(dictionary_text(40000), "");
   EXPECT_EQ(dictionary_text(9016), "%DriverName%");
   EXPECT_FALSE(asked);
-  install_text_services({});
-}
 
-TEST(TextDictionaryServices, LaterInstallReplacesEarlier) {
-  Fakes first;
+  Fakes first, second;
   first.tables[{kCutter, 40000}] = "first";
-  Fakes second;
   second.tables[{kCutter, 40000}] = "second";
   install(first);
   EXPECT_EQ(dictionary_text(40000), "first");

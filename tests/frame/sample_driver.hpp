@@ -1,5 +1,6 @@
 // A driver document built in memory, with tools, materials, device-setting
-// lists and variant names, opened through a VMV6DRV record.
+// lists and variant names, opened through a VMV6DRV record; and driver files
+// written below a TempDir.
 #pragma once
 
 #include <cstring>
@@ -10,6 +11,7 @@
 #include "driver/drv_item_list.hpp"
 #include "driver/vm6drv.hpp"
 #include "fixtures/driver_items.hpp"
+#include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 
 namespace kerfline::test {
@@ -39,6 +41,20 @@ inline std::shared_ptr<drv::CDrvItemDlgVar> dialog_var(const std::string& name, 
   d->DlgText = text;
   d->DlgFormat = "%.2f";
   return d;
+}
+
+// Stores the document that `fill` sets up as `relative` below dir.
+template <typename Fill>
+std::string write_driver(const TempDir& dir, const std::string& relative, Fill&& fill) {
+  return dir.write(relative, driver_bytes(std::forward<Fill>(fill))).string();
+}
+
+// A record naming path, in the given mode.
+inline VMV6DRV record_for(const std::string& path, int32_t app_mode = 0) {
+  VMV6DRV drv{};
+  std::strncpy(drv.szFileName, path.c_str(), sizeof(drv.szFileName) - 1);
+  drv.nAppMode = app_mode;
+  return drv;
 }
 
 // An open record for a document built in memory.

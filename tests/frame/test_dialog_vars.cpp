@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "driver_files.hpp"
 #include "fixtures/table_names.hpp"
 #include "frame/dialog_format.hpp"
 #include "frame_fixture.hpp"

@@ -4,12 +4,12 @@
 #include <string>
 
 #include "driver/vm6drv.hpp"
-#include "driver_files.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "frame/driver_handle.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/os_error.hpp"
+#include "sample_driver.hpp"
 
 namespace drv = kerfline::driver;
 using kerfline::frame::document_of;

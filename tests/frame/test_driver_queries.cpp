@@ -10,7 +10,6 @@
 #include "driver/drv_item_list.hpp"
 #include "driver/text_dictionary.hpp"
 #include "driver/vm6drv.hpp"
-#include "driver_files.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
@@ -18,6 +17,7 @@
 #include "frame/driver_handle.hpp"
 #include "frame/var_names.hpp"
 #include "kerfline/kerfline.h"
+#include "sample_driver.hpp"
 
 namespace drv = kerfline::driver;
 namespace frame = kerfline::frame;

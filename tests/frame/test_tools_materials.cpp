@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "driver_files.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "frame/tool_flags.hpp"
 #include "kerfline/kerfline.h"
