@@ -99,8 +99,7 @@ TEST(DriverDocument, ATextNumberedItemKeepsOnlyFourFields) {
   drv::CVm6Drv copy(sample_lookup());
   ASSERT_TRUE(copy.ReadFromBytes(expected)) << copy.LastError();
   const auto& item = *copy.Root().GetChildren().at(0);
-  EXPECT_EQ(item.Name, "%DriverName%");
-  EXPECT_EQ(item.Description, "Name of the driver");
+  EXPECT_EQ(item.Name + "|" + item.Description, "%DriverName%|Name of the driver");
   EXPECT_EQ(item.Type, drv::type_code::kString);
 }
 
@@ -122,10 +121,11 @@ TEST_P(ExtendedHeaderRoundTrip, KeepsTheStoredBytesAndTheDword) {
 
   drv::CVm6Drv copy(sample_lookup());
   ASSERT_TRUE(copy.ReadFromBytes(written)) << copy.LastError();
-  EXPECT_EQ(copy.Header.EncodedText, GetParam().header.EncodedText);
-  EXPECT_EQ(copy.Header.Note, GetParam().header.Note);
-  EXPECT_EQ(copy.Header.DwordFollows, GetParam().header.DwordFollows);
-  EXPECT_EQ(copy.Title, GetParam().title);
+  const auto summary = [](const drv::CVm6Drv& d) {
+    return d.Header.EncodedText + "|" + d.Header.Note + "|" + std::to_string(d.Header.DwordFollows) + "|" +
+           d.Title;
+  };
+  EXPECT_EQ(summary(copy), summary(doc));
   EXPECT_EQ(copy.WriteToBytes(), written);
 }
 
@@ -140,36 +140,22 @@ INSTANTIATE_TEST_SUITE_P(Table, ExtendedHeaderRoundTrip,
 TEST(DriverDocument, ReadsOlderSchemas) {
   // A dialog variable of schema 1, 2 and 3, a plain item of schema 1 and a
   // material database of schema 1, in their own streams.
-  drv::ArchiveWriter head;
-  head.write_string("%D%");
-  head.write_string("v");
-  head.write_string("d");
-  for (const std::uint32_t v : {0u, 4u, 0u, 0u}) head.write_dword(v);
-  head.write_long(-1);
-  head.write_string("dlg");
-  head.write_string("fmt");
-  head.write_dword(0);
-  const std::string dlg = head.bytes();
+  const std::string dlg = bytes({3}) + "%D%" + bytes({1, 'v', 1, 'd'}) + dword(0) + dword(4) + dword(0) +
+                          dword(0) + dword(0xFFFFFFFF) + bytes({3}) + "dlg" + bytes({3}) + "fmt" + dword(0);
   const std::string tail = bytes({3}) + "aux" + dword(1) + bytes({4}) + "cond";
 
-  const struct {
-    std::string object;
-    std::string aux;
-    std::size_t conditions;
-  } dialogs[] = {
-      {new_class(1, "CDrvItemDlgVar") + dlg, "", 0},
-      {new_class(2, "CDrvItemDlgVar") + dlg + bytes({3}) + "aux", "aux", 0},
-      {new_class(3, "CDrvItemDlgVar") + dlg + tail, "aux", 1},
-  };
-  for (const auto& d : dialogs) {
+  const std::pair<std::string, const char*> dialogs[] = {
+      // format|aux|conditions
+      {new_class(1, "CDrvItemDlgVar") + dlg, "fmt||0"},
+      {new_class(2, "CDrvItemDlgVar") + dlg + bytes({3}) + "aux", "fmt|aux|0"},
+      {new_class(3, "CDrvItemDlgVar") + dlg + tail, "fmt|aux|1"}};
+  for (const auto& [object, expected] : dialogs) {
     drv::CVm6Drv doc(sample_lookup());
-    const std::string file = bytes({6}) + "VM6DRV" + bytes({0}) + dword(0) + root_record(1) + d.object;
+    const std::string file = bytes({6}) + "VM6DRV" + bytes({0}) + dword(0) + root_record(1) + object;
     ASSERT_TRUE(doc.ReadFromBytes(file)) << doc.LastError();
     const auto* var = dynamic_cast<const drv::CDrvItemDlgVar*>(doc.Root().GetChildren().at(0).get());
     ASSERT_NE(var, nullptr);
-    EXPECT_EQ(var->DlgFormat, "fmt");
-    EXPECT_EQ(var->AuxText, d.aux);
-    EXPECT_EQ(var->Conditions.size(), d.conditions);
+    EXPECT_EQ(var->DlgFormat + "|" + var->AuxText + "|" + std::to_string(var->Conditions.size()), expected);
     // Written back, it is a current dialog variable.
     EXPECT_NE(doc.WriteToBytes().find(new_class(3, "CDrvItemDlgVar")), std::string::npos);
   }
@@ -184,15 +170,13 @@ TEST(DriverDocument, ReadsOlderSchemas) {
       << doc.LastError();
   const auto* plain = doc.FindItem("%P%");
   ASSERT_NE(plain, nullptr);
-  EXPECT_EQ(plain->Description, "de");
+  EXPECT_EQ(plain->Description + "|" + plain->AuxText + "|" + std::to_string(plain->AtEnd),
+            "de||1");  // index -1
   EXPECT_EQ(plain->Type, drv::type_code::kInteger);
-  EXPECT_TRUE(plain->AuxText.empty());
   const auto* mat = dynamic_cast<const drv::CDrvItemMatDB*>(doc.FindItem("%M%"));
   ASSERT_NE(mat, nullptr);
-  EXPECT_EQ(mat->Value, "mm");
-  EXPECT_EQ(mat->ValueIndex, 0);
-  EXPECT_FALSE(mat->AtEnd) << "index 0 is before the last byte of \"mm\"";
-  EXPECT_TRUE(plain->AtEnd) << "index -1";
+  // Index 0 is before the last byte of "mm".
+  EXPECT_EQ(mat->Value + "|" + std::to_string(mat->ValueIndex) + "|" + std::to_string(mat->AtEnd), "mm|0|0");
 }
 
 TEST(DriverDocument, CutInstructionsReadBackOnlyWithATextNumber) {
