@@ -34,31 +34,25 @@ std::string group(std::uint32_t count) {
   return new_class(1, "CDrvItemList") + w.bytes();
 }
 
-struct StringCase {
-  std::size_t length;
-  std::string prefix;
-};
-
-class StringPrefix : public ::testing::TestWithParam<StringCase> {};
-
-TEST_P(StringPrefix, UsesTheShortestFormAndReadsBack) {
-  const std::string text(GetParam().length, 'q');
-  drv::ArchiveWriter w;
-  w.write_string(text);
-  EXPECT_EQ(w.bytes(), GetParam().prefix + text);
-  drv::ArchiveReader r(w.bytes());
-  EXPECT_EQ(r.read_string(), text);
-  EXPECT_TRUE(r.at_end());
+TEST(StringPrefix, UsesTheShortestFormAndReadsBack) {
+  const std::pair<std::size_t, std::string> cases[] = {
+      {0, bytes({0x00})},
+      {1, bytes({0x01})},
+      {254, bytes({0xFE})},
+      {255, bytes({0xFF, 0xFF, 0x00})},
+      {65533, bytes({0xFF, 0xFD, 0xFF})},
+      {65534, bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0x00, 0x00})},
+      {70000, bytes({0xFF, 0xFF, 0xFF, 0x70, 0x11, 0x01, 0x00})}};
+  for (const auto& [length, prefix] : cases) {
+    const std::string text(length, 'q');
+    drv::ArchiveWriter w;
+    w.write_string(text);
+    EXPECT_EQ(w.bytes(), prefix + text) << length;
+    drv::ArchiveReader r(w.bytes());
+    EXPECT_EQ(r.read_string(), text);
+    EXPECT_TRUE(r.at_end());
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, StringPrefix,
-    ::testing::Values(StringCase{0, bytes({0x00})}, StringCase{1, bytes({0x01})},
-                      StringCase{254, bytes({0xFE})}, StringCase{255, bytes({0xFF, 0xFF, 0x00})},
-                      StringCase{65533, bytes({0xFF, 0xFD, 0xFF})},
-                      StringCase{65534, bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0x00, 0x00})},
-                      StringCase{70000, bytes({0xFF, 0xFF, 0xFF, 0x70, 0x11, 0x01, 0x00})}),
-    kerfline::test::RowIndex());
 
 TEST(ArchiveReader, ReadsUtf16StringsAs1252) {
   const std::pair<std::string, std::string> cases[] = {
@@ -128,39 +122,31 @@ TEST(ArchiveMap, IndexesBeyond15BitsUseTheBigTag) {
   EXPECT_TRUE(r.at_end());
 }
 
-struct BadStream {
-  const char* what;
-  std::string stream;
-};
-
-class MalformedObject : public ::testing::TestWithParam<BadStream> {};
-
-TEST_P(MalformedObject, IsAFormatError) {
-  drv::ArchiveReader r(GetParam().stream);
-  EXPECT_THROW(drv::ReadItem(r), drv::ArchiveError) << GetParam().what;
+TEST(MalformedObject, IsAFormatError) {
+  const std::pair<const char*, std::string> streams[] = {
+      {"64-byte class name", new_class(2, std::string(64, 'C'))},
+      {"unknown class", new_class(1, "CDrvItemFoo")},
+      {"list with schema 2", new_class(2, "CDrvItemList")},
+      {"cut instruction with schema 0", new_class(0, "CDrvItemCutInstr")},
+      {"item schema above current", new_class(3, "CDrvItem")},
+      {"dialog variable schema above current", new_class(4, "CDrvItemDlgVar")},
+      {"dangling object index", bytes({0x05, 0x00})},
+      {"dangling class index", bytes({0x03, 0x80})},
+      {"dangling big object index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0})},
+      {"dangling big class index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0x80})},
+      {"null object", bytes({0x00, 0x00})},
+      {"one byte of a tag", bytes({0xFF})},
+      {"class name past the end", bytes({0xFF, 0xFF, 2, 0, 8, 0}) + "CDrv"},
+      {"value past the end", new_class(2, "CDrvItem") + bytes({0x05, 'a'})},
+      {"word prefix past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0x00, 0x01})},
+      {"UTF-16 past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0xFE, 0xFF, 0x10, 'a', 0})},
+      {"object refers to itself while being read", group(1) + bytes({0x02, 0x00})},
+      {"count the file cannot hold", group(0x10000) + bytes({0, 0})}};
+  for (const auto& [what, stream] : streams) {
+    drv::ArchiveReader r(stream);
+    EXPECT_THROW(drv::ReadItem(r), drv::ArchiveError) << what;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, MalformedObject,
-    ::testing::Values(
-        BadStream{"64-byte class name", new_class(2, std::string(64, 'C'))},
-        BadStream{"unknown class", new_class(1, "CDrvItemFoo")},
-        BadStream{"list with schema 2", new_class(2, "CDrvItemList")},
-        BadStream{"cut instruction with schema 0", new_class(0, "CDrvItemCutInstr")},
-        BadStream{"item schema above current", new_class(3, "CDrvItem")},
-        BadStream{"dialog variable schema above current", new_class(4, "CDrvItemDlgVar")},
-        BadStream{"dangling object index", bytes({0x05, 0x00})},
-        BadStream{"dangling class index", bytes({0x03, 0x80})},
-        BadStream{"dangling big object index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0})},
-        BadStream{"dangling big class index", bytes({0xFF, 0x7F, 0x09, 0, 0, 0x80})},
-        BadStream{"null object", bytes({0x00, 0x00})}, BadStream{"one byte of a tag", bytes({0xFF})},
-        BadStream{"class name past the end", bytes({0xFF, 0xFF, 2, 0, 8, 0}) + "CDrv"},
-        BadStream{"value past the end", new_class(2, "CDrvItem") + bytes({0x05, 'a'})},
-        BadStream{"word prefix past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0x00, 0x01})},
-        BadStream{"UTF-16 past the end", new_class(2, "CDrvItem") + bytes({0xFF, 0xFE, 0xFF, 0x10, 'a', 0})},
-        BadStream{"object refers to itself while being read", group(1) + bytes({0x02, 0x00})},
-        BadStream{"count the file cannot hold", group(0x10000) + bytes({0, 0})}),
-    kerfline::test::RowIndex());
 
 TEST(ArchiveMap, ABackReferenceYieldsTheEarlierObject) {
   drv::CDrvItemList group;

@@ -153,9 +153,8 @@ TEST(BuiltinTexts, NumbersWithoutARowOrKindAreNotFound) {
 TEST(BuiltinTexts, FirstUseFromSeveralThreadsAgrees) {
   std::vector<std::thread> threads;
   std::vector<const BuiltinText*> found(8, nullptr);
-  for (std::size_t i = 0; i < found.size(); ++i) {
+  for (std::size_t i = 0; i < found.size(); ++i)
     threads.emplace_back([&found, i] { found[i] = find_builtin_text(9016); });
-  }
   for (auto& thread : threads) thread.join();
   for (const BuiltinText* row : found) {
     ASSERT_NE(row, nullptr);

@@ -136,10 +136,8 @@ TEST(Group, FindByNameTrimsUnmappedChildren) {
 
 TEST(Group, MapsLetTheLaterChildWin) {
   drv::CDrvItemList group;
-  auto first = named<drv::CDrvItem>("%A%");
-  first->DictId = 9000;
-  auto second = named<drv::CDrvItem>("%A%");
-  second->DictId = 9000;
+  auto first = named<drv::CDrvItem>("%A%"), second = named<drv::CDrvItem>("%A%");
+  first->DictId = second->DictId = 9000;
   group.AddChild(first);
   group.AddChild(second);
   EXPECT_EQ(group.FindChild("%A%"), first.get()) << "before the maps, the first in order";
