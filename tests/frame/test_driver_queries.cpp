@@ -77,95 +77,68 @@ class DriverQueries : public ::testing::Test {
 
 }  // namespace
 
+// Only .vdv and .VDV are the fixed layout, and only its head is read.
 TEST_F(DriverQueries, DriverNameNeedsOneSpareByteInBothFormats) {
-  const std::string drv_path = write_driver(dir, "named.drv", [](drv::CVm6Drv& doc) {
+  const std::string drv = write_driver(dir, "named.drv", [](drv::CVm6Drv& doc) {
     doc.Root().AddChild(named("%DriverName%", "Sample Cutter"));
   });
-  const std::string vdv_path = dir.write("old.VDV", vdv_bytes("Old Plotter X", 0, 0, {})).string();
-  struct Row {
-    std::string path;
-    int32_t size;
-    int32_t expected;
-  };
-  const Row rows[] = {
-      {drv_path, 15, 13},  {drv_path, 14, -14}, {drv_path, 1, -14},  {drv_path, 0, -14},
-      {drv_path, -5, -14}, {vdv_path, 15, 13},  {vdv_path, 14, -14}, {vdv_path, 100, 13},
-  };
-  for (const Row& row : rows) {
-    char buffer[32];
-    std::memset(buffer, '#', sizeof(buffer));
-    EXPECT_EQ(GetDrvName(row.path.c_str(), buffer, row.size), row.expected)
-        << row.path << " size " << row.size;
-    if (row.expected >= 0) {
-      EXPECT_STREQ(buffer, row.path == drv_path ? "Sample Cutter" : "Old Plotter X");
-    } else {
-      EXPECT_EQ(buffer[0], '#') << "nothing is copied into a short buffer";
-    }
-  }
-  EXPECT_EQ(GetDrvName(drv_path.c_str(), nullptr, 100), -14);
-  EXPECT_TRUE(host.boxes.empty());
-}
-
-TEST_F(DriverQueries, DriverNameOfUnreadableFilesIsEmpty) {
-  const std::string unterminated(20000, 'N');
-  const std::string long_vdv = dir.write("long.vdv", unterminated).string();
+  const std::string vdv = dir.write("old.VDV", vdv_bytes("Old Plotter X", 0, 0, {})).string();
+  const std::string long_vdv = dir.write("long.vdv", std::string(20000, 'N')).string();
   const std::string not_vdv = dir.write("old.Vdv", vdv_bytes("Old", 0, 0, {})).string();
   const std::string missing = dir.str() + "missing.drv";
-  char buffer[16];
-  EXPECT_EQ(GetDrvName(long_vdv.c_str(), buffer, sizeof(buffer)), -10210)
-      << "only the head of the file is read";
-  EXPECT_EQ(GetDrvName(not_vdv.c_str(), buffer, sizeof(buffer)), 0)
-      << "only .vdv and .VDV are the fixed layout";
-  EXPECT_STREQ(buffer, "");
-  EXPECT_EQ(GetDrvName(missing.c_str(), buffer, 1), -1);
+  const std::tuple<std::string, int32_t, int32_t, const char*> rows[] = {// path, size, result, name
+                                                                         {drv, 15, 13, "Sample Cutter"},
+                                                                         {drv, 14, -14, "#"},
+                                                                         {drv, 1, -14, "#"},
+                                                                         {drv, 0, -14, "#"},
+                                                                         {drv, -5, -14, "#"},
+                                                                         {vdv, 15, 13, "Old Plotter X"},
+                                                                         {vdv, 14, -14, "#"},
+                                                                         {vdv, 100, 13, "Old Plotter X"},
+                                                                         {long_vdv, 16, -10210, "#"},
+                                                                         {not_vdv, 16, 0, ""},
+                                                                         {missing, 1, -1, "#"}};
+  for (const auto& [path, size, result, name] : rows) {
+    char buffer[32];
+    std::memset(buffer, '#', sizeof(buffer));
+    buffer[1] = '\0';
+    EXPECT_EQ(GetDrvName(path.c_str(), buffer, size), result) << path << " size " << size;
+    EXPECT_STREQ(buffer, name) << path << " size " << size;  // nothing copied into a short buffer
+  }
+  EXPECT_EQ(GetDrvName(drv.c_str(), nullptr, 100), -14);
   EXPECT_TRUE(host.boxes.empty());
 }
 
-struct VdvRow {
-  const char* tool;
-  std::vector<VdvTool> tools;
-  std::size_t file_size;
-  uint32_t expected;
-};
-
-void PrintTo(const VdvRow& row, std::ostream* os) {
-  *os << "tool " << (row.tool != nullptr ? row.tool : "(null)") << ", " << row.file_size << " bytes";
-}
-
-class FixedLayoutFlags : public ::testing::TestWithParam<VdvRow> {};
-
-TEST_P(FixedLayoutFlags, ReadFromTheFileHead) {
+TEST(FixedLayoutFlags, ReadFromTheFileHead) {
+  const std::vector<VdvTool> six = {{"Pen", 0x8000, "Pen"},       {"Cut", 0x0104, "contour"},
+                                    {"Drag", 0, "TRANSFER"},      {"Kiss", 0x0001, "Contour"},
+                                    {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
+  const std::vector<VdvTool> seven = {{"F", 1, ""}, {"F", 1, ""}, {"F", 1, ""},      {"F", 1, ""},
+                                      {"F", 1, ""}, {"F", 1, ""}, {"Seventh", 2, ""}};
+  const std::tuple<const char*, const std::vector<VdvTool>*, std::size_t, uint32_t> rows[] = {
+      // the driver: byte 350 as it is, the low five bits of byte 352 at 0x100
+      {nullptr, &six, 10209, 0x03A5},
+      {"", &six, 10209, 0x03A5},
+      {nullptr, &seven, 351, 0x00A5},
+      // tools: the type adds 0x4 for Transfer and 0x8 for Contour
+      {"Pen", &six, 10209, 0x8000},
+      {"Cut", &six, 10209, 0x010C},
+      {"Drag", &six, 10209, 0x0004},
+      {"Kiss", &six, 10209, 0x0009},
+      {"Last", &six, 10209, 0x1234},
+      // names are case-sensitive; a cut-off file has fewer slots; only six slots are searched
+      {"cut", &six, 10209, 0},
+      {"Nope", &six, 10209, 0},
+      {"Last", &six, 358 + 1532 * 5 + 3, 0},
+      {"Seventh", &seven, 20000, 0}};
   TempDir dir;
-  const VdvRow& row = GetParam();
-  const std::string path =
-      dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, row.tools, row.file_size)).string();
-  uint32_t flags = 0xDEADBEEF;
-  EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1);
-  EXPECT_EQ(flags, row.expected);
+  for (const auto& [tool, tools, size, expected] : rows) {
+    const std::string path = dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, *tools, size)).string();
+    uint32_t flags = 0xDEADBEEF;
+    EXPECT_EQ(GetFlags(path.c_str(), tool, &flags), 1);
+    EXPECT_EQ(flags, expected) << (tool ? tool : "(driver)") << " " << size;
+  }
 }
-
-const std::vector<VdvTool> kSixTools = {{"Pen", 0x8000, "Pen"},       {"Cut", 0x0104, "contour"},
-                                        {"Drag", 0, "TRANSFER"},      {"Kiss", 0x0001, "Contour"},
-                                        {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
-const std::vector<VdvTool> kSevenTools = {{"F", 1, ""}, {"F", 1, ""}, {"F", 1, ""},      {"F", 1, ""},
-                                          {"F", 1, ""}, {"F", 1, ""}, {"Seventh", 2, ""}};
-
-INSTANTIATE_TEST_SUITE_P(Vdv, FixedLayoutFlags,
-                         ::testing::Values(
-                             // driver: byte 350 as it is, the low five bits of byte 352 at 0x100
-                             VdvRow{nullptr, kSixTools, 10209, 0x03A5}, VdvRow{"", kSixTools, 10209, 0x03A5},
-                             VdvRow{nullptr, {}, 351, 0x00A5},
-                             // tools: the type adds 0x4 for Transfer and 0x8 for Contour
-                             VdvRow{"Pen", kSixTools, 10209, 0x8000}, VdvRow{"Cut", kSixTools, 10209, 0x010C},
-                             VdvRow{"Drag", kSixTools, 10209, 0x0004},
-                             VdvRow{"Kiss", kSixTools, 10209, 0x0009},
-                             VdvRow{"Last", kSixTools, 10209, 0x1234},
-                             // names are case-sensitive; a cut-off file has fewer slots
-                             VdvRow{"cut", kSixTools, 10209, 0}, VdvRow{"Nope", kSixTools, 10209, 0},
-                             VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0},
-                             // only six slots are searched
-                             VdvRow{"Seventh", kSevenTools, 20000, 0}),
-                         kerfline::test::RowIndex());
 
 TEST_F(DriverQueries, DocumentFlagsComeFromTheFlagVariables) {
   const std::string path = flag_driver();
