@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "driver/vm6drv.hpp"
 #include "driver_samples.hpp"
@@ -92,19 +93,15 @@ TEST(LoadDriver, AFileThatCannotBeOpenedIsShownAndKeepsTheDocument) {
 TEST(LoadDriver, BrokenAndLegacyFilesFailQuietlyWithAReason) {
   kerfline::test::HostRecorder host;
   kerfline::test::TempDir dir;
-  const struct {
-    const char* name;
-    std::string contents;
-    const char* reason;
-  } files[] = {
+  const std::tuple<const char*, std::string, const char*> files[] = {
+      // name, contents, reason
       {"legacy.vdv", std::string(10209, '\0'), "legacy"},
       {"empty.vmd", "", "legacy"},
-      {"cut.vmd", std::string("\x06VM6DRV\x00", 8), "invalid driver file"},
-  };
-  for (const auto& f : files) {
+      {"cut.vmd", std::string("\x06VM6DRV\x00", 8), "invalid driver file"}};
+  for (const auto& [name, contents, reason] : files) {
     drv::CVm6Drv doc(sample_lookup());
-    EXPECT_FALSE(doc.LoadDriver(dir.write(f.name, f.contents).string())) << f.name;
-    EXPECT_NE(doc.LastError().find(f.reason), std::string::npos) << doc.LastError();
+    EXPECT_FALSE(doc.LoadDriver(dir.write(name, contents).string())) << name;
+    EXPECT_NE(doc.LastError().find(reason), std::string::npos) << doc.LastError();
   }
   EXPECT_TRUE(host.boxes.empty());
 }

@@ -6,7 +6,6 @@
 
 #include <map>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -131,8 +130,7 @@ TEST_F(TextDictionary, DescriptionIsTheNextNumber) {
       {9014, "-1"},                  // a built-in row can be a description
       {108, "22"},
       {0xFFFFFFFFu, "zero"},  // wraps to number 0
-      {40000, ""},
-  };
+      {40000, ""}};
   for (const auto& [id, text] : cases) EXPECT_EQ(dictionary_description(id), text) << id;
 }
 
