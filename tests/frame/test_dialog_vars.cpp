@@ -2,7 +2,6 @@
 // ranges, defaults, value lists, checks, and records a host got wrong.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <optional>

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <string>
 
-#include "driver/vm6drv.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "frame/driver_handle.hpp"

@@ -3,15 +3,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <ostream>
 #include <string>
 #include <vector>
 
-#include "driver/drv_item_list.hpp"
 #include "driver/text_dictionary.hpp"
-#include "driver/vm6drv.hpp"
 #include "fixtures/host_recorder.hpp"
-#include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "frame/driver_flags.hpp"
 #include "frame/driver_handle.hpp"

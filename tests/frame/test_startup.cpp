@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "fixtures/table_names.hpp"
 #include "frame/language_context.hpp"
 #include "frame/resources.hpp"
 #include "frame_fixture.hpp"

@@ -4,8 +4,6 @@
 #include <cstring>
 #include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
 #include "fixtures/table_names.hpp"
 #include "frame/library_state.hpp"
