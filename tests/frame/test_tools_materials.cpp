@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fixtures/host_recorder.hpp"
@@ -131,31 +132,28 @@ TEST(ToolFlags, BitsFromVariablesAndTypeInEveryCall) {
   const std::string path = dir.write("tools.drv", d.doc.WriteToBytes()).string();
   VMV6DRV file = kerfline::test::record_for(path);
   ASSERT_EQ(InitDrv(&file), 1);
-  struct {
-    const char* tool;
-    bool found;
-    std::uint32_t flags;
-    const char* type;
-  } const rows[] = {{"Cut", true, 0x1 | 0x200 | 0x2000 | 0x4, "Contour"},
-                    {"Move", true, 0x80 | 0x8, "Transfer"},
-                    {"cut", false, 0, "unset"},
-                    {"Drill", false, 0, "unset"},
-                    {nullptr, false, 0, "unset"}};
-  for (const auto& row : rows) {
+  const std::tuple<const char*, bool, std::uint32_t, const char*> rows[] = {
+      // tool, found, flags, type
+      {"Cut", true, 0x1 | 0x200 | 0x2000 | 0x4, "Contour"},
+      {"Move", true, 0x80 | 0x8, "Transfer"},
+      {"cut", false, 0, "unset"},
+      {"Drill", false, 0, "unset"},
+      {nullptr, false, 0, "unset"}};
+  for (const auto& [tool, found, expected, tool_type] : rows) {
     std::uint32_t flags = 0xDEAD, bits = 0xDEAD;
     std::string type = "unset";
-    EXPECT_EQ(kerfline::frame::find_tool_flags(d.doc, row.tool, flags), row.found);
-    EXPECT_EQ(flags, row.found ? row.flags : 0xDEAD);
-    EXPECT_EQ(kerfline::frame::find_tool_bits(d.doc, row.tool, bits, type), row.found);
-    EXPECT_EQ(bits, row.found ? row.flags & ~0xCu : 0xDEAD);  // the parts before the type's bits
-    EXPECT_EQ(type, row.type);
-    if (row.tool == nullptr) continue;  // the exports answer the driver's own flags
+    EXPECT_EQ(kerfline::frame::find_tool_flags(d.doc, tool, flags), found);
+    EXPECT_EQ(flags, found ? expected : 0xDEAD);
+    EXPECT_EQ(kerfline::frame::find_tool_bits(d.doc, tool, bits, type), found);
+    EXPECT_EQ(bits, found ? expected & ~0xCu : 0xDEAD);  // the parts before the type's bits
+    EXPECT_EQ(type, tool_type);
+    if (tool == nullptr) continue;  // the exports answer the driver's own flags
     flags = 0xFFFF0000;
-    EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1) << row.tool;
-    EXPECT_EQ(flags, row.flags) << row.tool;
+    EXPECT_EQ(GetFlags(path.c_str(), tool, &flags), 1) << tool;
+    EXPECT_EQ(flags, expected) << tool;
     flags = 0;
-    EXPECT_EQ(GetDrvFlags(&file, row.tool, &flags), 1) << row.tool;
-    EXPECT_EQ(flags, row.flags) << row.tool;
+    EXPECT_EQ(GetDrvFlags(&file, tool, &flags), 1) << tool;
+    EXPECT_EQ(flags, expected) << tool;
   }
   EXPECT_EQ(FreeDrv(&file), 1);
   EXPECT_TRUE(host.boxes.empty());
@@ -165,29 +163,24 @@ TEST(Walk, GroupsOfTheDriverAndOfATool) {
   SampleDriver d;
   DRVTOOL tool{};
   ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
-  struct {
-    const char* group;
-    bool with_owner;
-    std::int32_t first_result;
-    std::vector<std::string> seen;  // name=value
-  } const rows[] = {
-      {"Sonderbefehle:", false, 1, {"%CI_A%=(A)", "%CI_B%=(B)"}},
-      // the nested group and the repeated name are skipped
-      {"Layervariablen", true, 1, {"%Layer%=layer", "%IDepth%=layerdepth"}},
-      {"Werkzeugparameter", true, 1, {"%TP%=tp"}},
-      {"Layervariablen", false, -5, {}},
-      {"%Modi%", false, -5, {}},
-      {"%VideoSettings%", true, 1, {"%Cam%=cam"}},
-  };
-  for (const auto& row : rows) {
-    VMV6VAR var = d.request("", 0, KERFLINE_VT_TEXT, row.with_owner ? &tool : nullptr);
-    std::vector<std::string> seen;
-    std::int32_t r = GetFirstVar(&var, row.group);
-    EXPECT_EQ(r, row.first_result) << row.group;
-    for (; r == 1; r = GetNextVar(&var, row.group))
-      seen.push_back(std::string(var.szName) + "=" + var.uValue.pszText);
-    EXPECT_EQ(var.uValue.pszText, nullptr) << row.group;  // the last step released the text
-    EXPECT_EQ(seen, row.seen) << row.group;
+  // group, with the tool as owner, first result, name=value seen; the nested
+  // group and the repeated name are skipped
+  const std::tuple<const char*, bool, std::int32_t, std::string> rows[] = {
+      {"Sonderbefehle:", false, 1, "%CI_A%=(A) %CI_B%=(B) "},
+      {"Layervariablen", true, 1, "%Layer%=layer %IDepth%=layerdepth "},
+      {"Werkzeugparameter", true, 1, "%TP%=tp "},
+      {"Layervariablen", false, -5, ""},
+      {"%Modi%", false, -5, ""},
+      {"%VideoSettings%", true, 1, "%Cam%=cam "}};
+  for (const auto& [group, with_owner, first_result, expected] : rows) {
+    VMV6VAR var = d.request("", 0, KERFLINE_VT_TEXT, with_owner ? &tool : nullptr);
+    std::string seen;
+    std::int32_t r = GetFirstVar(&var, group);
+    EXPECT_EQ(r, first_result) << group;
+    for (; r == 1; r = GetNextVar(&var, group))
+      seen += std::string(var.szName) + "=" + var.uValue.pszText + " ";
+    EXPECT_EQ(var.uValue.pszText, nullptr) << group;  // the last step released the text
+    EXPECT_EQ(seen, expected) << group;
   }
   FreeTool(&tool);
 }
@@ -219,33 +212,26 @@ TEST(DeviceSettings, HasSetAndSetWithoutOverride) {
   EXPECT_EQ(HasVideoVar(&d.handle, "%Step%"), 0);
   EXPECT_EQ(HasJoystickVar(&d.handle, "%Step%"), 1);
   EXPECT_EQ(HasJoystickVar(&d.handle, "%Cam%"), 0);
-  struct {
-    decltype(&SetVideoVar) set;
-    const char* name;
-    const char* value;
-    std::int32_t result;
-  } const sets[] = {{SetVideoVar, "%Cam%", "off", 1},
-                    {SetVideoVar, "%Zoom%", "3", 1},
-                    {SetVideoVarNoOverride, "%Cam%", "on", 0},
-                    {SetVideoVarNoOverride, "%Lens%", "5", 1},
-                    {SetVideoVarNoOverride, "%Lens%", "6", 0},
-                    {SetJoyStickVarNoOverride, "%Step%", "9", 0},
-                    {SetJoyStickVarNoOverride, "%Fast%", "9", 1}};
-  for (const auto& row : sets) EXPECT_EQ(row.set(&d.handle, row.name, row.value), row.result) << row.name;
+  const std::tuple<decltype(&SetVideoVar), const char*, const char*, std::int32_t> sets[] = {
+      {SetVideoVar, "%Cam%", "off", 1},
+      {SetVideoVar, "%Zoom%", "3", 1},
+      {SetVideoVarNoOverride, "%Cam%", "on", 0},
+      {SetVideoVarNoOverride, "%Lens%", "5", 1},
+      {SetVideoVarNoOverride, "%Lens%", "6", 0},
+      {SetJoyStickVarNoOverride, "%Step%", "9", 0},
+      {SetJoyStickVarNoOverride, "%Fast%", "9", 1}};
+  for (const auto& [set, name, value, result] : sets) EXPECT_EQ(set(&d.handle, name, value), result) << name;
   EXPECT_EQ(HasVideoVar(&d.handle, "%Zoom%"), 1);
-  struct {
-    std::int32_t kind;
-    const char* name;
-    const char* value;
-  } const reads[] = {{KERFLINE_VARKIND_VIDEO, "%Cam%", "off"},
-                     {KERFLINE_VARKIND_VIDEO, "%Zoom%", "3"},
-                     {KERFLINE_VARKIND_VIDEO, "%Lens%", "5"},
-                     {KERFLINE_VARKIND_JOYSTICK, "%Step%", "step"},
-                     {KERFLINE_VARKIND_JOYSTICK, "%Fast%", "9"}};
-  for (const auto& row : reads) {
-    VMV6VAR var = d.request(row.name, row.kind);
-    ASSERT_EQ(GetVar(&var), 1) << row.name;
-    EXPECT_STREQ(var.uValue.pszText, row.value);
+  const std::tuple<std::int32_t, const char*, const char*> reads[] = {
+      {KERFLINE_VARKIND_VIDEO, "%Cam%", "off"},
+      {KERFLINE_VARKIND_VIDEO, "%Zoom%", "3"},
+      {KERFLINE_VARKIND_VIDEO, "%Lens%", "5"},
+      {KERFLINE_VARKIND_JOYSTICK, "%Step%", "step"},
+      {KERFLINE_VARKIND_JOYSTICK, "%Fast%", "9"}};
+  for (const auto& [kind, name, value] : reads) {
+    VMV6VAR var = d.request(name, kind);
+    ASSERT_EQ(GetVar(&var), 1) << name;
+    EXPECT_STREQ(var.uValue.pszText, value);
     FreeVar(&var);
   }
 
