@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fixtures/table_names.hpp"
@@ -304,30 +305,29 @@ TEST(DialogList, OwnerPlacesAndRecordsFromElsewhere) {
   ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
   ASSERT_EQ(GetFirstTool(&other.handle, &foreign), 1);
   ASSERT_EQ(GetFirstTool(&d.handle, &freed), 1);
+  DRVTOOL copy = freed;  // kept past its release
   ASSERT_EQ(FreeTool(&freed), 1);
-  struct {
-    std::int32_t kind;
-    void* owner;
-    std::int32_t result;
-    std::int32_t count;
-  } const rows[] = {
+  DRVTOOL forged{&forged, nullptr, nullptr, 0, 0};
+  const std::tuple<std::int32_t, void*, std::int32_t, std::int32_t> rows[] = {
+      // kind, owner, result, count
       {KERFLINE_VARKIND_OWNER, &tool, 1, 2},     {KERFLINE_VARKIND_LAYER, &tool, 1, 0},
       {KERFLINE_VARKIND_TOOLPARM, &tool, 1, 0},  {KERFLINE_VARKIND_OWNER, nullptr, -2, 0},
       {KERFLINE_VARKIND_OWNER, &foreign, -5, 0}, {KERFLINE_VARKIND_OWNER, &freed, -5, 0},
-      {KERFLINE_VARKIND_VIDEO, nullptr, -5, 0},  {KERFLINE_VARKIND_OWNER_INT, &tool, -5, 0},
-  };
-  for (const auto& row : rows) {
+      {KERFLINE_VARKIND_VIDEO, nullptr, -5, 0},  {KERFLINE_VARKIND_OWNER_INT, &tool, -5, 0}};
+  for (const auto& [kind, owner, result, count] : rows) {
     DLGVARLIST list{};
-    EXPECT_EQ(GetDlgVars(&d.handle, row.kind, row.owner, &list), row.result) << row.kind;
-    EXPECT_EQ(list.nCount, row.count) << row.kind;
+    EXPECT_EQ(GetDlgVars(&d.handle, kind, owner, &list), result) << kind;
+    EXPECT_EQ(list.nCount, count) << kind;
     FreeDlgVars(&list);
   }
-  // The same records in the single-variable calls.
-  VMV6DLGVAR var = d.dialog_request("%Dlg%", KERFLINE_VARKIND_OWNER, 0, &foreign);
-  DLGVARDATA data{};
-  EXPECT_EQ(GetDlgVarData(&var, &data), -5);
-  var.pOwner = &freed;
-  EXPECT_EQ(GetDlgVarData(&var, &data), -5);
+  // Records that no longer refer to a tool of this driver, in the single-variable calls.
+  for (DRVTOOL* owner : {&foreign, &freed, &copy, &forged}) {
+    VMV6DLGVAR dlg = d.dialog_request("%Dlg%", KERFLINE_VARKIND_OWNER, 0, owner);
+    DLGVARDATA data{};
+    EXPECT_EQ(GetDlgVarData(&dlg, &data), -5);
+    VMV6VAR var = d.request("%Depth%", KERFLINE_VARKIND_OWNER, KERFLINE_VT_TEXT, owner);
+    EXPECT_EQ(GetVar(&var), -5);
+  }
   FreeTool(&tool);
   FreeTool(&foreign);
 }
@@ -337,26 +337,21 @@ TEST(DialogList, OwnerPlacesAndRecordsFromElsewhere) {
 TEST(GetVarVal, CopiesWhenTheBufferHoldsIt) {
   SampleDriver d;
   d.doc.Variant = "3";
-  struct {
-    const char* name;
-    std::int32_t size;
-    std::int32_t result;
-    std::int32_t length;
-    const char* text;
-  } const rows[] = {
-      {"%Speed%", 7, 1, 6, "speed3"},  // the variant name first
-      {"%Speed%", 6, 0, 6, ""},        // one byte short of the terminator
+  // name, size, result, length, buffer after; the variant name first, and
+  // size 6 is one byte short of the terminator
+  const std::tuple<const char*, std::int32_t, std::int32_t, std::int32_t, const char*> rows[] = {
+      {"%Speed%", 7, 1, 6, "speed3"},
+      {"%Speed%", 6, 0, 6, ""},
       {"%A.1%", 3, 1, 2, "a1"},
       {"%Missing%", 10, -5, -1, "unchanged"},
-      {"%Speed%", -1, -2, -1, "unchanged"},
-  };
-  for (const auto& row : rows) {
-    VMV6VAR var = d.request(row.name, KERFLINE_VARKIND_DRIVER);
+      {"%Speed%", -1, -2, -1, "unchanged"}};
+  for (const auto& [name, size, result, expected_length, text] : rows) {
+    VMV6VAR var = d.request(name, KERFLINE_VARKIND_DRIVER);
     char buffer[16] = "unchanged";
     std::int32_t length = -1;
-    EXPECT_EQ(GetVarVal(&var, buffer, row.size, &length), row.result) << row.name;
-    EXPECT_EQ(length, row.length) << row.name;
-    EXPECT_STREQ(buffer, row.text) << row.name;
+    EXPECT_EQ(GetVarVal(&var, buffer, size, &length), result) << name;
+    EXPECT_EQ(length, expected_length) << name;
+    EXPECT_STREQ(buffer, text) << name;
   }
 }
 
