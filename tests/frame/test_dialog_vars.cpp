@@ -32,6 +32,12 @@ std::shared_ptr<drv::CDrvItemDlgVar> dlg(const std::string& name, const std::str
   return d;
 }
 
+// A default as "default|shown|source|differs".
+std::string summary(const DLGVARDEFAULT& def) {
+  return std::string(def.pszDefault) + "|" + def.pszShown + "|" + std::to_string(def.nSource) + "|" +
+         std::to_string(def.nDiffers);
+}
+
 // The sample driver plus a settings page of dialog variables in its tree.
 struct DialogDriver : SampleDriver {
   DialogDriver() {
@@ -185,10 +191,7 @@ TEST(DialogData, ExtendedDataAndDefaults) {
   EXPECT_EQ(data.nHasDefault, 1);
   EXPECT_STREQ(data.szDefault, "IN;PA;");
   ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
-  EXPECT_STREQ(def.pszDefault, "IN;PA;");
-  EXPECT_STREQ(def.pszShown, "IN;PA;");
-  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_STANDARD);
-  EXPECT_EQ(def.nDiffers, 1);
+  EXPECT_EQ(summary(def), "IN;PA;|IN;PA;|" + std::to_string(KERFLINE_DEFAULT_STANDARD) + "|1");
   EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
   EXPECT_EQ(def.pszDefault, nullptr);
   EXPECT_EQ(FreeDlgDefaultEx(&def), 1);  // freed twice: nothing left to release
@@ -221,10 +224,7 @@ TEST_F(DialogDefaultFiles, TheBaseDriversValue) {
   var.nKind = KERFLINE_VARKIND_DRIVER;
   DLGVARDEFAULT def{};
   ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
-  EXPECT_STREQ(def.pszDefault, "0.3");
-  EXPECT_STREQ(def.pszShown, "0.30 mm");
-  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_BASE);
-  EXPECT_EQ(def.nDiffers, 1);
+  EXPECT_EQ(summary(def), "0.3|0.30 mm|" + std::to_string(KERFLINE_DEFAULT_BASE) + "|1");
   EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
   EXPECT_EQ(FreeDrv(&handle), 1);
 }
