@@ -56,16 +56,12 @@ class DriverQueries : public ::testing::Test {
  protected:
   std::string flag_driver() {
     return write_driver(dir, "flags.drv", [](drv::CVm6Drv& doc) {
-      auto group = named<drv::CDrvItemList>("%Flags%");
-      group->AddChild(named("%Flags_1%", "1"));
-      group->AddChild(named("%Flags_3%", "0"));
-      group->AddChild(named("%Flags_8%", " 2.5"));
-      group->AddChild(named("%OutFlag_1%", "True"));
-      group->AddChild(named("%OutFlag_4%", "no"));
-      doc.Root().AddChild(group);
-      doc.Root().AddChild(named("%OutFlag_5%", "-1"));
-      doc.Root().AddChild(named("%LayerVarFlag%", "1"));
-      doc.Root().AddChild(named("%DriverClass%", "Plotter"));
+      kerfline::test::add_all(
+          doc.Root(),
+          {kerfline::test::with(named<drv::CDrvItemList>("%Flags%"),
+                                {named("%Flags_1%", "1"), named("%Flags_3%", "0"), named("%Flags_8%", " 2.5"),
+                                 named("%OutFlag_1%", "True"), named("%OutFlag_4%", "no")}),
+           named("%OutFlag_5%", "-1"), named("%LayerVarFlag%", "1"), named("%DriverClass%", "Plotter")});
     });
   }
   TempDir dir;
@@ -167,24 +163,18 @@ TEST_F(DriverQueries, DocumentFlagsComeFromTheFlagVariables) {
 }
 
 TEST(DocumentToolMask, TypeBitsAreAddedWhenTheTypeIsNot) {
-  struct Row {
-    const char* type;
-    uint32_t bits;
-    uint32_t expected;
-  };
-  const Row rows[] = {{"Contour", 0x1, 0x5},  {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
-                      {"TRANSFER", 0x0, 0x8}, {"Pen", 0x0, 0xC},     {"", 0x4, 0xC}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(frame::tool_mask({row.bits, row.type}), row.expected) << row.type;
-  }
+  const std::tuple<const char*, uint32_t, uint32_t> rows[] = {
+      // type, bits, mask
+      {"Contour", 0x1, 0x5},  {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
+      {"TRANSFER", 0x0, 0x8}, {"Pen", 0x0, 0xC},     {"", 0x4, 0xC}};
+  for (const auto& [type, bits, mask] : rows) EXPECT_EQ(frame::tool_mask({bits, type}), mask) << type;
 }
 
 TEST(FlagValues, NonzeroNumbersAndYesWordsCount) {
   const std::pair<const char*, bool> rows[] = {
-      {"1", true},    {"-1", true},  {"0.001", true},  {" 2", true},    {"1e999", true}, {"TRUE", true},
-      {"yes ", true}, {"0", false},  {"0.0", false},   {"-0", false},   {"", false},     {"  ", false},
-      {"no", false},  {"x1", false}, {"false", false}, {"0abc", false},
-  };
+      {"1", true},    {"-1", true},  {"0.001", true},  {" 2", true},   {"1e999", true}, {"TRUE", true},
+      {"yes ", true}, {"0", false},  {"0.0", false},   {"-0", false},  {"", false},     {"  ", false},
+      {"no", false},  {"x1", false}, {"false", false}, {"0abc", false}};
   for (const auto& [text, expected] : rows)
     EXPECT_EQ(frame::value_is_set(text), expected) << '"' << text << '"';
 }
