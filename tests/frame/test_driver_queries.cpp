@@ -77,7 +77,7 @@ TEST_F(DriverQueries, DriverNameNeedsOneSpareByteInBothFormats) {
   });
   const std::string vdv = dir.write("old.VDV", vdv_bytes("Old Plotter X", 0, 0, {})).string();
   const std::string long_vdv = dir.write("long.vdv", std::string(20000, 'N')).string();
-  const std::string not_vdv = dir.write("old.Vdv", vdv_bytes("Old", 0, 0, {})).string();
+  const std::string not_vdv = dir.write("other.Vdv", vdv_bytes("Old", 0, 0, {})).string();
   const std::string missing = dir.str() + "missing.drv";
   const std::tuple<std::string, int32_t, int32_t, const char*> rows[] = {// path, size, result, name
                                                                          {drv, 15, 13, "Sample Cutter"},
