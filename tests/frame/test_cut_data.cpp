@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -18,8 +19,8 @@ class CutData : public ::testing::Test {
   void SetUp() override {
     std::memset(&data, 0xAB, sizeof(data));
     ASSERT_EQ(InitCutData(&data), 1);
-    const CUTDATA zero{};
-    ASSERT_EQ(std::memcmp(&data, &zero, sizeof(data)), 0);  // every field cleared
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&data);  // every byte cleared
+    ASSERT_TRUE(std::all_of(bytes, bytes + sizeof(data), [](unsigned char b) { return b == 0; }));
   }
   void TearDown() override { EXPECT_EQ(FreeCutData(&data), 1); }
   CUTDATA data;

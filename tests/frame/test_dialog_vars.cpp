@@ -278,6 +278,7 @@ TEST(DialogList, TreeOrderFirstNameWinsAndConditions) {
   DLGVARLIST list{};
   ASSERT_EQ(GetDlgVars(&d.handle, KERFLINE_VARKIND_DRIVER, nullptr, &list), 1);
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(list.nCount));
   for (std::int32_t i = 0; i < list.nCount; ++i) names.emplace_back(list.pEntries[i].szName);
   // Tool dialog variables come first (the tools group precedes the page).
   const std::vector<std::string> expected = {
