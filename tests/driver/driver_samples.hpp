@@ -35,34 +35,16 @@ inline std::string new_class(int schema, const std::string& name) {
 }
 
 inline const std::map<std::uint32_t, std::string>& sample_texts() {
+  // directory: cut instructions (base, step, count), standard variables (base, count, step)
+  // clang-format off
   static const std::map<std::uint32_t, std::string> texts = {
-      // directory: cut instructions (base, step, count), standard variables
-      // (base, count, step)
-      {107, "1000"},
-      {108, "6"},
-      {109, "2"},
-      {122, "9000"},
-      {123, "57"},
-      {124, "8"},
-      {1000, "%CI_ArcLimit%"},
-      {1001, "Arc limit"},
-      {1004, "(AL:10e6)"},
-      {1005, "String"},
-      {1006, "%CI_AltHPGL%"},
-      {1007, "Alternative HPGL"},
-      {1010, "(AT:PA)"},
-      {1011, "String"},
-      {9016, "%DriverName%"},
-      {9017, "Name of the driver"},
-      {9020, "String"},
-      {9120, "%BaseDrv%"},
-      {9121, "Base driver"},
-      {9124, "String"},
-      {9288, "%Digits%"},
-      {9289, "Digits after the point"},
-      {9291, "0"},
-      {9292, "Integer"},
-  };
+      {107, "1000"}, {108, "6"}, {109, "2"}, {122, "9000"}, {123, "57"}, {124, "8"},
+      {1000, "%CI_ArcLimit%"}, {1001, "Arc limit"}, {1004, "(AL:10e6)"}, {1005, "String"},
+      {1006, "%CI_AltHPGL%"}, {1007, "Alternative HPGL"}, {1010, "(AT:PA)"}, {1011, "String"},
+      {9016, "%DriverName%"}, {9017, "Name of the driver"}, {9020, "String"},
+      {9120, "%BaseDrv%"}, {9121, "Base driver"}, {9124, "String"},
+      {9288, "%Digits%"}, {9289, "Digits after the point"}, {9291, "0"}, {9292, "Integer"}};
+  // clang-format on
   return texts;
 }
 

@@ -12,7 +12,6 @@
 #include <set>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -94,17 +93,31 @@ TEST(BuiltinTexts, EveryRowSitsAtATextItsKindDefines) {
 
 // The directory counts exactly the named blocks: each has its name, and the
 // block after the last has none.
-TEST_P(KindLayoutTest, EveryCountedBlockIsNamed) {
+TEST_P(KindLayoutTest, DirectoryGivesBaseStepCountAndNamedBlocks) {
   const LayoutCase& c = GetParam();
+  const auto layout = kerfline::driver::kind_layout(c.kind);
+  ASSERT_TRUE(layout.has_value());
+  EXPECT_EQ(layout->base, c.base);
+  EXPECT_EQ(layout->step, c.step);
+  EXPECT_EQ(layout->count, c.count);
+  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, c.count).has_value());
+  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, 0xFFFFFFFFu).has_value());
+  const std::set<std::string_view> types = {"", "String", "Double", "Integer", "Bool", "Date"};
   for (std::uint32_t i = 0; i < c.count; ++i) {
-    const auto definition = builtin_definition(c.base + c.step * i);
+    const std::uint32_t base = c.base + c.step * i;
+    EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, i), base);
+    // The block's last text lies where locate_text_number says it does.
+    const auto position = locate_text_number(base + c.step - 1);
+    ASSERT_TRUE(position.has_value());
+    EXPECT_EQ(position->kind, c.kind);
+    EXPECT_EQ(position->index, i);
+    EXPECT_EQ(position->offset, c.step - 1);
+    const auto definition = builtin_definition(base);
     ASSERT_TRUE(definition.has_value()) << i;
     EXPECT_FALSE(definition->name.empty()) << i;
     EXPECT_EQ(definition->index, i);
-    if (!definition->type.empty()) {
-      const std::set<std::string_view> types = {"String", "Double", "Integer", "Bool", "Date"};
-      EXPECT_TRUE(types.contains(definition->type)) << definition->name;
-    }
+    EXPECT_EQ(definition->kind, c.kind);
+    EXPECT_TRUE(types.contains(definition->type)) << definition->name;
   }
   // (Only the standard variables have a name after their last block.)
   if (c.kind != TextKind::StandardVariables) {
@@ -112,7 +125,7 @@ TEST_P(KindLayoutTest, EveryCountedBlockIsNamed) {
   }
 }
 
-TEST(BuiltinTexts, NumbersWithoutARowAreNotFound) {
+TEST(BuiltinTexts, NumbersWithoutARowOrKindAreNotFound) {
   // clang-format off
   const std::uint32_t absent[] = {
       0,    1,    106,  113,  114,  115,  137,  138,  139,  143,  999,  1001, 1002, 1003, 9001,
@@ -124,6 +137,14 @@ TEST(BuiltinTexts, NumbersWithoutARowAreNotFound) {
     EXPECT_EQ(find_builtin_text(id), nullptr) << id;
     EXPECT_FALSE(builtin_text(id).has_value()) << id;
   }
+  for (std::uint32_t number : {0u, 106u, 108u, 109u, 113u, 123u, 137u, 143u, 9000u}) {  // start no kind
+    EXPECT_FALSE(kerfline::driver::kind_layout(number).has_value()) << number;
+    EXPECT_FALSE(kerfline::driver::block_of_kind(number, 0).has_value()) << number;
+  }
+  for (std::uint32_t id :
+       {0u, 999u, 1132u, 2072u, 2376u, 2518u, 5032u, 5300u, 6144u, 8018u, 9456u, 12000u, kBuiltinTextEnd}) {
+    EXPECT_FALSE(locate_text_number(id).has_value()) << id;  // outside every directory kind
+  }
 }
 
 // The number-to-row map is built on first use; several threads may get there
@@ -131,9 +152,8 @@ TEST(BuiltinTexts, NumbersWithoutARowAreNotFound) {
 TEST(BuiltinTexts, FirstUseFromSeveralThreadsAgrees) {
   std::vector<std::thread> threads;
   std::vector<const BuiltinText*> found(8, nullptr);
-  for (std::size_t i = 0; i < found.size(); ++i) {
+  for (std::size_t i = 0; i < found.size(); ++i)
     threads.emplace_back([&found, i] { found[i] = find_builtin_text(9016); });
-  }
   for (auto& thread : threads) thread.join();
   for (const BuiltinText* row : found) {
     ASSERT_NE(row, nullptr);
@@ -142,43 +162,7 @@ TEST(BuiltinTexts, FirstUseFromSeveralThreadsAgrees) {
   }
 }
 
-TEST_P(KindLayoutTest, DirectoryGivesBaseStepCountAndBlocks) {
-  const LayoutCase& c = GetParam();
-  const auto layout = kerfline::driver::kind_layout(c.kind);
-  ASSERT_TRUE(layout.has_value());
-  EXPECT_EQ(layout->base, c.base);
-  EXPECT_EQ(layout->step, c.step);
-  EXPECT_EQ(layout->count, c.count);
-  EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, 0), c.base);
-  EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, 1), c.base + c.step);
-  EXPECT_EQ(kerfline::driver::block_of_kind(c.kind, c.count - 1), c.base + c.step * (c.count - 1));
-  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, c.count).has_value());
-  EXPECT_FALSE(kerfline::driver::block_of_kind(c.kind, 0xFFFFFFFFu).has_value());
-  // Every block of the kind lies where locate_text_number says it does.
-  for (std::uint32_t i = 0; i < c.count; ++i) {
-    const auto position = kerfline::driver::locate_text_number(c.base + c.step * i + c.step - 1);
-    ASSERT_TRUE(position.has_value());
-    EXPECT_EQ(position->kind, c.kind);
-    EXPECT_EQ(position->index, i);
-    EXPECT_EQ(position->offset, c.step - 1);
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Kinds, KindLayoutTest, ::testing::ValuesIn(kKinds), kerfline::test::RowIndex());
-
-TEST(BuiltinTexts, DirectoryNumbersThatStartNoKindHaveNoLayout) {
-  for (std::uint32_t number : {0u, 106u, 108u, 109u, 113u, 123u, 137u, 143u, 9000u}) {
-    EXPECT_FALSE(kerfline::driver::kind_layout(number).has_value()) << number;
-    EXPECT_FALSE(kerfline::driver::block_of_kind(number, 0).has_value()) << number;
-  }
-}
-
-TEST(BuiltinTexts, NumbersOutsideEveryDirectoryKindAreNotLocated) {
-  for (std::uint32_t id :
-       {0u, 999u, 1132u, 2072u, 2376u, 2518u, 5032u, 5300u, 6144u, 8018u, 9456u, 12000u, kBuiltinTextEnd}) {
-    EXPECT_FALSE(kerfline::driver::locate_text_number(id).has_value()) << id;
-  }
-}
 
 // One row per field the definition of a block reads from the table.
 TEST(BuiltinTexts, DefinitionsReadTheirBlock) {
@@ -198,7 +182,6 @@ TEST(BuiltinTexts, DefinitionsReadTheirBlock) {
       {5008, &D::name, "%IToolMaxDepth%"}, {5008, &D::default_value, "3"}, {5008, &D::factor, "1.0"},
       {5008, &D::type, "Double"},
       {6016, &D::name, "%IMatSpeed%"}, {6016, &D::default_value, "50"}, {6016, &D::type, "Double"},
-      {2190, &D::name, "SEPARATOR"}, {2190, &D::code, "-"}, {2190, &D::routine, "-"},
       {2370, &D::name, "%FrameY%"}, {2370, &D::code, "6"}, {2370, &D::routine, "GetFrameY"},
       {2612, &D::name, "%N%"}, {2612, &D::code, "4"}, {2509, &D::name, "128"},
       // clang-format on
@@ -208,13 +191,6 @@ TEST(BuiltinTexts, DefinitionsReadTheirBlock) {
     ASSERT_TRUE(definition.has_value()) << f.id;
     EXPECT_EQ((*definition).*f.field, f.value) << f.id;
   }
-  // clang-format off
-  const std::pair<std::uint32_t, TextKind> kinds[] = {
-      {9016, TextKind::StandardVariables}, {2016, TextKind::OutputModes}, {1120, TextKind::CutInstructions},
-      {2612, TextKind::Letters},           {2509, TextKind::Selections}};
-  // clang-format on
-  for (const auto& [id, kind] : kinds) EXPECT_EQ(builtin_definition(id)->kind, kind) << id;
-  EXPECT_EQ(builtin_definition(9016)->index, 2u);
   EXPECT_FALSE(builtin_definition(9017).has_value());  // inside a block, not its base
   EXPECT_FALSE(builtin_definition(9456).has_value());  // beyond the directory's count
 }

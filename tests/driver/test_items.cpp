@@ -18,86 +18,64 @@ using kerfline::test::named;
 
 namespace {
 
-TEST(ItemValue, FollowsLinksToTheFirstLocalItem) {
+TEST(ItemValue, FollowsLinksToTheFirstLocalItemUntilSet) {
+  drv::CDrvItem orphan;
+  orphan.Value = "own";
+  orphan.Linked = 1;
+  EXPECT_EQ(orphan.GetValue(), "own") << "linked without a target";
+  orphan.SetLinkTarget(std::make_shared<drv::CDrvItem>());  // gone at once
+  EXPECT_EQ(orphan.GetValue(), "own") << "a target that went away";
+
   auto base = named<drv::CDrvItem>("%A%", "base");
+  base->Description = "from the base";
   auto middle = named<drv::CDrvItem>("%A%", "middle");
+  middle->Description = base->Description;
   middle->Linked = 1;
   middle->SetLinkTarget(base);
   drv::CDrvItem item;
-  item.Value = "own";
-  item.Linked = 1;
-  EXPECT_EQ(item.GetValue(), "own") << "linked without a target";
-  item.SetLinkTarget(middle);
-  EXPECT_EQ(item.GetValue(), "base");
-  base.reset();
-  middle.reset();
-  EXPECT_EQ(item.GetValue(), "own") << "a target that went away";
-}
-
-TEST(ItemValue, SettingALinkedValueTakesTheDescriptionAndUnlinks) {
-  auto target = named<drv::CDrvItem>("%A%", "base");
-  target->Description = "from the base";
-  drv::CDrvItem item;
   item.Description = "mine";
   item.Linked = 1;
-  item.SetLinkTarget(target);
+  item.SetLinkTarget(middle);
+  EXPECT_EQ(item.GetValue(), "base");
+  // Setting a linked value takes the description and unlinks; a local item keeps its own.
   item.SetValue("new");
-  EXPECT_EQ(item.Value, "new");
-  EXPECT_EQ(item.Description, "from the base");
-  EXPECT_EQ(item.Linked, 0u);
+  EXPECT_EQ(item.Value + "|" + item.Description + "|" + std::to_string(item.Linked), "new|from the base|0");
   item.Description = "kept";
   item.SetValue("again");
-  EXPECT_EQ(item.Description, "kept") << "a local item keeps its description";
+  EXPECT_EQ(item.Description, "kept");
+  drv::CDrvItem typed;  // setting the type of a linked item makes it local too
+  typed.Linked = 1;
+  typed.SetLinkTarget(base);
+  typed.SetTypeByName("Nonsense");
+  EXPECT_EQ(typed.Value + "|" + typed.Description + "|" + std::to_string(typed.Linked) + "|" +
+                std::to_string(typed.Type),
+            "base|from the base|0|" + std::to_string(drv::type_code::kString));
 }
 
 TEST(ItemType, NamesAndCodes) {
-  const struct {
-    std::uint32_t code;
-    const char* name;
-  } names[] = {{0, "Double"}, {1, "Integer"}, {2, "Bool"},   {3, "Date"},
-               {4, "String"}, {8, "String"},  {77, "String"}};
-  for (const auto& n : names) EXPECT_EQ(drv::CDrvItem::TypeName(n.code), n.name) << n.code;
-
-  const struct {
-    const char* name;
-    std::uint32_t code;
-  } set[] = {{"String", 4}, {"Integer", 1}, {"Double", 0}, {"Date", 3}, {"Bool", 2}, {"integer", 3}, {"", 3}};
-  for (const auto& s : set) {
+  const std::pair<std::uint32_t, const char*> names[] = {
+      {0, "Double"}, {1, "Integer"}, {2, "Bool"}, {3, "Date"}, {4, "String"}, {8, "String"}, {77, "String"}};
+  for (const auto& [code, name] : names) EXPECT_EQ(drv::CDrvItem::TypeName(code), name) << code;
+  const std::pair<const char*, std::uint32_t> set[] = {
+      {"String", 4}, {"Integer", 1}, {"Double", 0}, {"Date", 3}, {"Bool", 2}, {"integer", 3}, {"", 3}};
+  for (const auto& [name, code] : set) {
     drv::CDrvItem item;
     item.Type = 3;
-    item.SetTypeByName(s.name);
-    EXPECT_EQ(item.Type, s.code) << s.name;
+    item.SetTypeByName(name);
+    EXPECT_EQ(item.Type, code) << name;
   }
 }
 
-TEST(ItemType, SettingTheTypeOfALinkedItemMakesItLocal) {
-  auto target = named<drv::CDrvItem>("%A%", "7");
-  target->Description = "base text";
-  drv::CDrvItem item;
-  item.Linked = 1;
-  item.SetLinkTarget(target);
-  item.SetTypeByName("Nonsense");
-  EXPECT_EQ(item.Value, "7");
-  EXPECT_EQ(item.Description, "base text");
-  EXPECT_EQ(item.Linked, 0u);
-  EXPECT_EQ(item.Type, drv::type_code::kString);
-}
-
 TEST(ItemValue, EscapesControlBytesAnd254Up) {
-  const struct {
-    std::string value;
-    std::string escaped;
-  } cases[] = {
-      {"\t\x1b", "\\t\\X1b"},
-      {std::string("\a\b\n\v\f\r", 6), "\\a\\b\\n\\v\\f\\r"},
-      {std::string("a\0b", 3), "a\\X0b"},
-      {"\x1f \xfd\xfe\xff", "\\X1f \xfd\\Xfe\\Xff"},
-      {"PU %x%,%y%;", "PU %x%,%y%;"},
-  };
-  for (const auto& c : cases) {
+  const std::pair<std::string, std::string> cases[] = {{"\t\x1b", "\\t\\X1b"},
+                                                       {std::string("\a\b\n\v\f\r", 6), "\\a\\b\\n\\v\\f\\r"},
+                                                       {std::string("a\0b", 3), "a\\X0b"},
+                                                       {"\x1f \xfd\xfe\xff", "\\X1f \xfd\\Xfe\\Xff"},
+                                                       {"PU %x%,%y%;", "PU %x%,%y%;"}};
+  for (const auto& [value, escaped] : cases) {
     drv::CDrvItem item;
-    item.Value = c.value;
-    EXPECT_EQ(item.ValueAsEscapedText(), c.escaped);
+    item.Value = value;
+    EXPECT_EQ(item.ValueAsEscapedText(), escaped);
   }
 }
 
@@ -106,14 +84,11 @@ TEST(ItemDate, PackedDayMonthYear) {
   item.SetDate(0x07D90C1F);
   EXPECT_EQ(item.Value, "31.12.2009");
   EXPECT_EQ(item.GetDate(), 0x07D90C1Fu);
-  const struct {
-    const char* text;
-    std::uint32_t packed;
-  } parsed[] = {
+  const std::pair<const char*, std::uint32_t> parsed[] = {
       {"1.2.2020", 0x07E40201}, {" 5. 6. 7", 0x00070605}, {"9", 0x00000009}, {"x", 0}, {"3.4", 0x0403}};
-  for (const auto& p : parsed) {
-    item.Value = p.text;
-    EXPECT_EQ(item.GetDate(), p.packed) << p.text;
+  for (const auto& [text, packed] : parsed) {
+    item.Value = text;
+    EXPECT_EQ(item.GetDate(), packed) << text;
   }
 }
 
@@ -123,40 +98,32 @@ TEST(DialogVariable, IntegerCheckRefusesFractionsWithAMessage) {
   var.Type = drv::type_code::kInteger;
   var.Description = "Speed";
   var.Value = "10";
-  for (const char* bad : {"1.5", "1,5", "1;5", "1e3", "1E3"}) {
+  for (const char* bad : {"1.5", "1,5", "1;5", "1e3", "1E3"})
     EXPECT_FALSE(var.SetCheckedValue(bad, "Input for %s:"));
-  }
   EXPECT_EQ(var.Value, "10");
   ASSERT_EQ(host.boxes.size(), 5u);
-  EXPECT_EQ(host.boxes[0].text, "1.5 (Integer Error)");
-  EXPECT_EQ(host.boxes[0].caption, "Input for Speed:");
+  EXPECT_EQ(host.boxes[0].text + "|" + host.boxes[0].caption, "1.5 (Integer Error)|Input for Speed:");
   EXPECT_EQ(host.boxes[0].type, KERFLINE_MB_OK | KERFLINE_MB_ICONWARNING);
-
   EXPECT_TRUE(var.SetCheckedValue("25", "Input for %s:"));
   EXPECT_EQ(var.Value, "25");
-  var.Type = drv::type_code::kDouble;
-  EXPECT_TRUE(var.SetCheckedValue("2.5", "Input for %s:"));
-  EXPECT_EQ(host.boxes.size(), 5u);
-}
 
-TEST(DialogVariable, IntegerCheckCaptionComesFromTheSecondDictionaryOnly) {
-  kerfline::test::HostRecorder host;
+  // Without a caption of its own, the second dictionary's (never the first's) is used.
   drv::TextServices services;
   services.resource_text = [](int table, std::uint32_t id) -> std::optional<std::string> {
     if (id != drv::kIntegerErrorCaptionId) return std::nullopt;
     return table == 1 ? "Wrong input for %s" : "from the first table";
   };
   drv::install_text_services(services);
-  drv::CDrvItemDlgVar var;
-  var.Type = drv::type_code::kInteger;
-  var.Description = "Copies";
   EXPECT_FALSE(var.SetCheckedValue("2.5"));
   drv::install_text_services({});
-  ASSERT_EQ(host.boxes.size(), 1u);
-  EXPECT_EQ(host.boxes[0].caption, "Wrong input for Copies");
+  ASSERT_EQ(host.boxes.size(), 6u);
+  EXPECT_EQ(host.boxes[5].caption, "Wrong input for Speed");
+  var.Type = drv::type_code::kDouble;
+  EXPECT_TRUE(var.SetCheckedValue("2.5", "Input for %s:"));
+  EXPECT_EQ(host.boxes.size(), 6u);
 }
 
-TEST(Group, FindByNameTrimsUnmappedChildren) {
+TEST(Group, FindByNameTrimsUnmappedChildrenAndMapsLetTheLaterChildWin) {
   drv::CDrvItemList group;
   auto abc = named<drv::CDrvItem>("abc   ");
   group.AddChild(named<drv::CDrvItem>("ab"));
@@ -164,14 +131,8 @@ TEST(Group, FindByNameTrimsUnmappedChildren) {
   EXPECT_EQ(group.FindChild("abc"), abc.get());
   EXPECT_EQ(abc->Name, "abc");
   EXPECT_EQ(group.FindChild("ABC"), nullptr) << "names compare case-sensitively";
-}
-
-TEST(Group, MapsLetTheLaterChildWin) {
-  drv::CDrvItemList group;
-  auto first = named<drv::CDrvItem>("%A%");
-  first->DictId = 9000;
-  auto second = named<drv::CDrvItem>("%A%");
-  second->DictId = 9000;
+  auto first = named<drv::CDrvItem>("%A%"), second = named<drv::CDrvItem>("%A%");
+  first->DictId = second->DictId = 9000;
   group.AddChild(first);
   group.AddChild(second);
   EXPECT_EQ(group.FindChild("%A%"), first.get()) << "before the maps, the first in order";
@@ -196,13 +157,10 @@ TEST(Group, PopulateAddsOnlyMissingCutInstructions) {
   EXPECT_EQ(group.GetChildren()[0], own);
   const auto* added = dynamic_cast<const drv::CDrvItemCutInstr*>(group.GetChildren()[1].get());
   ASSERT_NE(added, nullptr);
-  EXPECT_EQ(added->Name, "%CI_ArcLimit%");
-  EXPECT_EQ(added->Description, "Arc limit");
-  EXPECT_EQ(added->Value, "(AL:10e6)");
-  EXPECT_EQ(added->DictId, 1000u);
+  EXPECT_EQ(added->Name + "|" + added->Description + "|" + added->Value + "|" +
+                std::to_string(added->DictId) + "|" + added->Code() + "|" + added->Arguments(),
+            "%CI_ArcLimit%|Arc limit|(AL:10e6)|1000|AL|10e6");
   EXPECT_EQ(added->Type, drv::type_code::kCutInstr);
-  EXPECT_EQ(added->Code(), "AL");
-  EXPECT_EQ(added->Arguments(), "10e6");
 }
 
 TEST(TextDefinitions, TakeTypeAndDefaultFromTheKindsBlock) {
@@ -218,21 +176,18 @@ TEST(TextDefinitions, TakeTypeAndDefaultFromTheKindsBlock) {
   EXPECT_EQ(texts.cut_instruction_count(), 2u);
   const drv::TextDefinitions none([](std::uint32_t id) { return id == 109 ? std::string("99999") : ""; });
   EXPECT_EQ(none.cut_instruction_count(), 0u) << "an absurd count populates nothing";
-}
 
-TEST(TextDefinitions, ComeFromTheLibrarysDictionaryByDefault) {
-  const drv::TextDefinitions texts(drv::standard_text_lookup());
-  EXPECT_EQ(texts.cut_instruction_count(), 22u);
-  const auto arc = texts.definition(1000);
+  // By default, the library's own dictionary.
+  const drv::TextDefinitions standard(drv::standard_text_lookup());
+  EXPECT_EQ(standard.cut_instruction_count(), 22u);
+  const auto arc = standard.definition(1000);
   EXPECT_EQ(arc.name, "%CI_ArcLimit%");
   EXPECT_EQ(arc.default_value, "(AL:10e6)");
   EXPECT_EQ(arc.type, drv::type_code::kString);
-  const auto change_axis = texts.definition(drv::TextDefinitions::cut_instruction_id(3));
-  EXPECT_EQ(change_axis.type, drv::type_code::kBool);
-  const auto digits = texts.definition(9000 + 8 * 36);
-  EXPECT_EQ(digits.name, "%Digits%");
-  EXPECT_EQ(digits.type, drv::type_code::kInteger);
-  EXPECT_EQ(texts.definition(6000 + 8).default_value, "20");
+  EXPECT_EQ(standard.definition(drv::TextDefinitions::cut_instruction_id(3)).type, drv::type_code::kBool);
+  EXPECT_EQ(standard.definition(9000 + 8 * 36).name, "%Digits%");
+  EXPECT_EQ(standard.definition(9000 + 8 * 36).type, drv::type_code::kInteger);
+  EXPECT_EQ(standard.definition(6000 + 8).default_value, "20");
 }
 
 TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
@@ -259,10 +214,8 @@ TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
     group.Serialize(w);
     EXPECT_EQ(group.GetChildren().size(), g.reserved ? 1u : 3u) << g.name << g.dict_id;
     ASSERT_EQ(host.boxes.size(), g.reserved ? 2u : 0u);
-    for (const auto& box : host.boxes) {
-      EXPECT_EQ(box.caption, "Driver check:");
-      EXPECT_EQ(box.text, "(1) - Removed unexpected link");
-    }
+    for (const auto& box : host.boxes)
+      EXPECT_EQ(box.caption + "|" + box.text, "Driver check:|(1) - Removed unexpected link");
   }
 }
 

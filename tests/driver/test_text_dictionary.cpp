@@ -2,13 +2,10 @@
 // "kerfline.dlx" string tables (each answer translated), with fake services.
 #include "driver/text_dictionary.hpp"
 
-#include "fixtures/table_names.hpp"
-
 #include <gtest/gtest.h>
 
 #include <map>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,14 +34,12 @@ void install(Fakes& fakes) {
   services.resource_text = [&fakes](int table, std::uint32_t id) -> std::optional<std::string> {
     fakes.asked.emplace_back(table, id);
     const auto it = fakes.tables.find({table, id});
-    if (it == fakes.tables.end()) return std::nullopt;
-    return it->second;
+    return it == fakes.tables.end() ? std::nullopt : std::optional<std::string>(it->second);
   };
   services.translate = [&fakes](std::string_view text) -> std::optional<std::string> {
     fakes.translated.emplace_back(text);
     const auto it = fakes.translations.find(std::string(text));
-    if (it == fakes.translations.end()) return std::nullopt;
-    return it->second;
+    return it == fakes.translations.end() ? std::nullopt : std::optional<std::string>(it->second);
   };
   install_text_services(std::move(services));
 }
@@ -66,53 +61,54 @@ struct LookupCase {
   std::string expected;
 };
 
-void PrintTo(const LookupCase& c, std::ostream* os) { *os << c.what; }
-
-class Lookup : public ::testing::TestWithParam<LookupCase> {
- protected:
-  void TearDown() override { install_text_services({}); }
-};
-
-TEST_P(Lookup, FirstSourceThatKnowsTheNumberAnswers) {
-  const LookupCase& c = GetParam();
-  Fakes fakes;
-  if (c.cutter) fakes.tables[{kCutter, c.id}] = *c.cutter;
-  if (c.kerfline) fakes.tables[{kKerfline, c.id}] = *c.kerfline;
-  if (c.translation) fakes.translations.insert(*c.translation);
-  install(fakes);
-  EXPECT_EQ(dictionary_text(c.id), c.expected) << c.what;
-}
-
 using Tr = std::pair<std::string, std::string>;
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(Cases, Lookup, ::testing::Values(
-    LookupCase{"built-in row wins over both tables", 9016, "cutter", "kerfline", {}, "%DriverName%"},
-    LookupCase{"built-in text is not translated", 9016, {}, {}, Tr{"%DriverName%", "%Treibername%"},
-               "%DriverName%"},
-    LookupCase{"a built-in row with the empty text answers", 9003, "cutter", {}, {}, ""},
-    LookupCase{"number without a built-in row goes to cutterx", 9019, "cutter", {}, {}, "cutter"},
-    LookupCase{"cutterx before kerfline", 40000, "cutter", "kerfline", {}, "cutter"},
-    LookupCase{"kerfline when cutterx has nothing", 40000, {}, "kerfline", {}, "kerfline"},
-    LookupCase{"unknown everywhere", 40000, {}, {}, {}, ""},
-    LookupCase{"cutterx answer translated", 40000, "Speed", {}, Tr{"Speed", "Geschwindigkeit"},
-               "Geschwindigkeit"},
-    LookupCase{"kerfline answer translated", 40000, {}, "Pressure", Tr{"Pressure", "Druck"}, "Druck"},
-    LookupCase{"translation to the empty text is an answer", 40000, "Speed", {}, Tr{"Speed", ""}, ""},
-    LookupCase{"marker from cutterx is a miss", 40000, kMarker, "kerfline", {}, "kerfline"},
-    LookupCase{"marker from both tables gives the empty text", 40000, kMarker, kMarker, {}, ""},
-    LookupCase{"translation to the marker is a miss", 40000, "Speed", "kerfline", Tr{"Speed", kMarker},
-               "kerfline"},
-    LookupCase{"translated marker in the last table gives the empty text", 40000, {}, "Speed",
-               Tr{"Speed", kMarker}, ""},
-    LookupCase{"empty string-table entry is a miss", 40000, "", "kerfline", {}, "kerfline"},
-    LookupCase{"string-table text ends at a zero byte", 40000, std::string("Speed\0junk", 10), {}, {},
-               "Speed"},
-    LookupCase{"text longer than the marker is kept", 40000, kMarker + " ", {}, {}, kMarker + " "},
-    LookupCase{"directory number", 109, "cutter", {}, {}, "22"},
-    LookupCase{"terminator number is not a text", 0xFFFFFFFFu, "cutter", {}, {}, "cutter"}),
-    kerfline::test::RowIndex());
+const LookupCase kLookups[] = {
+    {"built-in row wins over both tables", 9016, "cutter", "kerfline", {}, "%DriverName%"},
+    {"built-in text is not translated", 9016, {}, {}, Tr{"%DriverName%", "%Treibername%"},
+     "%DriverName%"},
+    {"a built-in row with the empty text answers", 9003, "cutter", {}, {}, ""},
+    {"number without a built-in row goes to cutterx", 9019, "cutter", {}, {}, "cutter"},
+    {"cutterx before kerfline", 40000, "cutter", "kerfline", {}, "cutter"},
+    {"kerfline when cutterx has nothing", 40000, {}, "kerfline", {}, "kerfline"},
+    {"unknown everywhere", 40000, {}, {}, {}, ""},
+    {"cutterx answer translated", 40000, "Speed", {}, Tr{"Speed", "Geschwindigkeit"},
+     "Geschwindigkeit"},
+    {"kerfline answer translated", 40000, {}, "Pressure", Tr{"Pressure", "Druck"}, "Druck"},
+    {"translation to the empty text is an answer", 40000, "Speed", {}, Tr{"Speed", ""}, ""},
+    {"marker from cutterx is a miss", 40000, kMarker, "kerfline", {}, "kerfline"},
+    {"marker from both tables gives the empty text", 40000, kMarker, kMarker, {}, ""},
+    {"translation to the marker is a miss", 40000, "Speed", "kerfline", Tr{"Speed", kMarker},
+     "kerfline"},
+    {"translated marker in the last table gives the empty text", 40000, {}, "Speed",
+     Tr{"Speed", kMarker}, ""},
+    {"empty string-table entry is a miss", 40000, "", "kerfline", {}, "kerfline"},
+    {"string-table text ends at a zero byte", 40000, std::string("Speed\0junk", 10), {}, {},
+     "Speed"},
+    {"text longer than the marker is kept", 40000, kMarker + " ", {}, {}, kMarker + " "},
+    {"directory number", 109, "cutter", {}, {}, "22"},
+    {"string-table text is cut to 511 bytes", 40000, std::string(600, 'x'), {}, {},
+     std::string(511, 'x')},
+    {"511 bytes reach the translation", 40000, std::string(600, 'x'), {},
+     Tr{std::string(511, 'x'), "cut"}, "cut"},
+    {"511 bytes are kept whole", 40000, {}, std::string(511, 'y'), {}, std::string(511, 'y')},
+    {"a translation is not cut", 40000, "Speed", {}, Tr{"Speed", std::string(1000, 'g')},
+     std::string(1000, 'g')},
+    {"terminator number is not a text", 0xFFFFFFFFu, "cutter", {}, {}, "cutter"}};
 // clang-format on
+
+TEST(TextDictionaryLookup, FirstSourceThatKnowsTheNumberAnswers) {
+  for (const LookupCase& c : kLookups) {
+    Fakes fakes;
+    if (c.cutter) fakes.tables[{kCutter, c.id}] = *c.cutter;
+    if (c.kerfline) fakes.tables[{kKerfline, c.id}] = *c.kerfline;
+    if (c.translation) fakes.translations.insert(*c.translation);
+    install(fakes);
+    EXPECT_EQ(dictionary_text(c.id), c.expected) << c.what;
+  }
+  install_text_services({});
+}
 
 TEST_F(TextDictionary, AsksCutterxThenKerflineAndStopsAtTheFirstAnswer) {
   fakes_.tables[{kCutter, 40001}] = "first";
@@ -126,26 +122,6 @@ TEST_F(TextDictionary, AsksCutterxThenKerflineAndStopsAtTheFirstAnswer) {
   EXPECT_EQ(fakes_.translated, (std::vector<std::string>{"first", "second"}));
 }
 
-// String-table texts are read into a 512-byte buffer: 511 bytes reach the
-// translation and the caller.
-TEST_F(TextDictionary, StringTableTextIsCutTo511Bytes) {
-  const std::string long_text(600, 'x');
-  fakes_.tables[{kCutter, 40000}] = long_text;
-  EXPECT_EQ(dictionary_text(40000), long_text.substr(0, 511));
-  ASSERT_EQ(fakes_.translated.size(), 1u);
-  EXPECT_EQ(fakes_.translated[0].size(), 511u);
-
-  fakes_.tables[{kKerfline, 40003}] = std::string(511, 'y');
-  EXPECT_EQ(dictionary_text(40003), std::string(511, 'y'));
-}
-
-// A translation may be longer than the string-table buffer.
-TEST_F(TextDictionary, TranslationIsNotCut) {
-  fakes_.tables[{kCutter, 40000}] = "Speed";
-  fakes_.translations["Speed"] = std::string(1000, 'g');
-  EXPECT_EQ(dictionary_text(40000).size(), 1000u);
-}
-
 TEST_F(TextDictionary, DescriptionIsTheNextNumber) {
   fakes_.tables[{kCutter, 9017}] = "Name of the driver";
   fakes_.tables[{kKerfline, 0}] = "zero";
@@ -154,8 +130,7 @@ TEST_F(TextDictionary, DescriptionIsTheNextNumber) {
       {9014, "-1"},                  // a built-in row can be a description
       {108, "22"},
       {0xFFFFFFFFu, "zero"},  // wraps to number 0
-      {40000, ""},
-  };
+      {40000, ""}};
   for (const auto& [id, text] : cases) EXPECT_EQ(dictionary_description(id), text) << id;
 }
 
@@ -176,43 +151,34 @@ TEST_F(TextDictionary, IntegerErrorCaptionComesFromKerflineOnly) {
   EXPECT_EQ(kerfline_dictionary_text(9016), "");
 }
 
-TEST(TextDictionaryServices, WorksWithoutServices) {
+TEST(TextDictionaryServices, EachServiceMayBeMissingAndALaterInstallReplaces) {
   install_text_services({});
   EXPECT_EQ(dictionary_text(9016), "%DriverName%");
   EXPECT_EQ(dictionary_text(40000), "");
   EXPECT_EQ(dictionary_description(9016), "");
   EXPECT_EQ(kerfline_dictionary_text(35589), "");
-}
 
-TEST(TextDictionaryServices, TablesWithoutTranslationGiveTheirOwnText) {
-  TextServices services;
-  services.resource_text = [](int table, std::uint32_t) -> std::optional<std::string> {
+  TextServices tables_only;  // the tables' own texts
+  tables_only.resource_text = [](int table, std::uint32_t) -> std::optional<std::string> {
     return table == kKerfline ? std::optional<std::string>("kerfline") : std::nullopt;
   };
-  install_text_services(std::move(services));
+  install_text_services(std::move(tables_only));
   EXPECT_EQ(dictionary_text(40000), "kerfline");
   EXPECT_EQ(kerfline_dictionary_text(35589), "kerfline");
-  install_text_services({});
-}
 
-TEST(TextDictionaryServices, TranslationWithoutTablesIsNeverAsked) {
-  bool asked = false;
-  TextServices services;
-  services.translate = [&asked](std::string_view) -> std::optional<std::string> {
+  bool asked = false;  // no tables: the translation is never asked
+  TextServices translation_only;
+  translation_only.translate = [&asked](std::string_view) -> std::optional<std::string> {
     asked = true;
     return "translated";
   };
-  install_text_services(std::move(services));
+  install_text_services(std::move(translation_only));
   EXPECT_EQ(dictionary_text(40000), "");
   EXPECT_EQ(dictionary_text(9016), "%DriverName%");
   EXPECT_FALSE(asked);
-  install_text_services({});
-}
 
-TEST(TextDictionaryServices, LaterInstallReplacesEarlier) {
-  Fakes first;
+  Fakes first, second;
   first.tables[{kCutter, 40000}] = "first";
-  Fakes second;
   second.tables[{kCutter, 40000}] = "second";
   install(first);
   EXPECT_EQ(dictionary_text(40000), "first");

@@ -9,8 +9,6 @@
 #include <new>
 #include <string>
 
-#include "driver_files.hpp"
-#include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "platform/library_memory.hpp"
 #include "sample_driver.hpp"

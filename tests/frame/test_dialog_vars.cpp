@@ -2,13 +2,13 @@
 // ranges, defaults, value lists, checks, and records a host got wrong.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "driver_files.hpp"
 #include "fixtures/table_names.hpp"
 #include "frame/dialog_format.hpp"
 #include "frame_fixture.hpp"
@@ -21,48 +21,40 @@ namespace drv = kerfline::driver;
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-struct ExtSpec {
-  std::uint32_t flags;
-  double min, max, inc;
-};
+using Ext = drv::CDrvItemDlgVar::ExtParms;  // flags, max, min, increments
 
 std::shared_ptr<drv::CDrvItemDlgVar> dlg(const std::string& name, const std::string& value,
                                          std::uint32_t type, const std::string& format,
-                                         const ExtSpec* ext = nullptr) {
+                                         std::optional<Ext> ext = std::nullopt) {
   auto d = kerfline::test::dialog_var(name, value, type, "Caption of " + name);
   d->DlgFormat = format;
-  if (ext != nullptr) {
-    d->Ext = std::make_unique<drv::CDrvItemDlgVar::ExtParms>();
-    d->Ext->Flags = ext->flags;
-    d->Ext->Min = ext->min;
-    d->Ext->Max = ext->max;
-    d->Ext->Increments = ext->inc;
-  }
+  if (ext) d->Ext = std::make_unique<Ext>(*ext);
   return d;
+}
+
+// A default as "default|shown|source|differs".
+std::string summary(const DLGVARDEFAULT& def) {
+  return std::string(def.pszDefault) + "|" + def.pszShown + "|" + std::to_string(def.nSource) + "|" +
+         std::to_string(def.nDiffers);
 }
 
 // The sample driver plus a settings page of dialog variables in its tree.
 struct DialogDriver : SampleDriver {
   DialogDriver() {
-    const ExtSpec pressure{KERFLINE_DLGVAR_LIMITS, 10, 400, 5};
-    const ExtSpec offset{KERFLINE_DLGVAR_LIMITS | KERFLINE_DLGVAR_RELATIVE, 0, 1.5, 0.05};
-    const ExtSpec inverted{KERFLINE_DLGVAR_LIMITS, 5, 1, 1};
-    const ExtSpec negative_step{0, 0, 10, -1};
-    const ExtSpec no_bound{0, kNaN, 10, 1};
-    const ExtSpec fine{0, 0, 1e9, 1};
-    const ExtSpec no_step{0, 0, 10, 0};
     auto page = kerfline::test::group("Settings");
-    page->AddChild(dlg("%Pressure%", "80", drv::type_code::kInteger, "%d g", &pressure));
-    auto off = dlg("%Offset%", "0.25", drv::type_code::kDouble, "%.2f mm", &offset);
+    page->AddChild(
+        dlg("%Pressure%", "80", drv::type_code::kInteger, "%d g", Ext{KERFLINE_DLGVAR_LIMITS, 400, 10, 5}));
+    auto off = dlg("%Offset%", "0.25", drv::type_code::kDouble, "%.2f mm",
+                   Ext{KERFLINE_DLGVAR_LIMITS | KERFLINE_DLGVAR_RELATIVE, 1.5, 0, 0.05});
     off->Conditions = {"%Optimize% == 1", "%Pressure% > 20"};
     page->AddChild(off);
     page->AddChild(dlg("%Optimize%", "1", drv::type_code::kBool, "%d"));
-    page->AddChild(dlg("%Inverted%", "3", drv::type_code::kInteger, "%d", &inverted));
-    page->AddChild(dlg("%NegStep%", "3", drv::type_code::kInteger, "%d", &negative_step));
-    page->AddChild(dlg("%NoBound%", "3", drv::type_code::kDouble, "%g", &no_bound));
-    page->AddChild(dlg("%Fine%", "3", drv::type_code::kInteger, "%d", &fine));
-    page->AddChild(dlg("%NoStep%", "3", drv::type_code::kInteger, "%d", &no_step));
+    page->AddChild(
+        dlg("%Inverted%", "3", drv::type_code::kInteger, "%d", Ext{KERFLINE_DLGVAR_LIMITS, 1, 5, 1}));
+    page->AddChild(dlg("%NegStep%", "3", drv::type_code::kInteger, "%d", Ext{0, 10, 0, -1}));
+    page->AddChild(dlg("%NoBound%", "3", drv::type_code::kDouble, "%g", Ext{0, 10, kNaN, 1}));
+    page->AddChild(dlg("%Fine%", "3", drv::type_code::kInteger, "%d", Ext{0, 1e9, 0, 1}));
+    page->AddChild(dlg("%NoStep%", "3", drv::type_code::kInteger, "%d", Ext{0, 10, 0, 0}));
     page->AddChild(dlg("%Stray%", "7.5", drv::type_code::kDouble, "100% %.1f"));
     page->AddChild(dlg("%Two%", "7.5", drv::type_code::kDouble, "%d of %d"));
     auto init = dlg("%Init%", "IN;", drv::type_code::kString, "%s");
@@ -178,7 +170,7 @@ INSTANTIATE_TEST_SUITE_P(
         DataRow{"%Missing%", 1, false, -5, "", "", 0, -5, -5}, DataRow{"", 1, false, -2, "", "", 0, -2, -2}),
     kerfline::test::RowIndex());
 
-TEST(DialogData, ExtendedDataCarriesRangeDefaultAndCounts) {
+TEST(DialogData, ExtendedDataAndDefaults) {
   DialogDriver d;
   VMV6DLGVAR var = d.dialog_request("%Offset%", 1, 0, nullptr);
   EXTDLGVARDATA data{};
@@ -189,11 +181,20 @@ TEST(DialogData, ExtendedDataCarriesRangeDefaultAndCounts) {
   EXPECT_DOUBLE_EQ(data.ext.dMax, 1.5);
   EXPECT_DOUBLE_EQ(data.ext.dIncrements, 0.05);
   EXPECT_EQ(data.nHasDefault, 0);
+  DLGVARDEFAULT def;
+  std::memset(&def, 0x5A, sizeof def);
+  EXPECT_EQ(GetDlgDefaultEx(&var, &def), 0);  // no standard text, no base driver
+  EXPECT_EQ(def.pszDefault, nullptr);
 
   var = d.dialog_request("%Init%", 1, 0, nullptr);
   ASSERT_EQ(GetExtDlgVarData(&var, &data), 1);
   EXPECT_EQ(data.nHasDefault, 1);
   EXPECT_STREQ(data.szDefault, "IN;PA;");
+  ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
+  EXPECT_EQ(summary(def), "IN;PA;|IN;PA;|" + std::to_string(KERFLINE_DEFAULT_STANDARD) + "|1");
+  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
+  EXPECT_EQ(def.pszDefault, nullptr);
+  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);  // freed twice: nothing left to release
 
   // A value longer than its field is cut, terminated and flagged.
   d.doc.FindItem("%Deep%")->Value = std::string(300, 'x');
@@ -201,27 +202,6 @@ TEST(DialogData, ExtendedDataCarriesRangeDefaultAndCounts) {
   ASSERT_EQ(GetExtDlgVarData(&var, &data), 1);
   EXPECT_EQ(std::strlen(data.data.szValue), sizeof data.data.szValue - 1);
   EXPECT_NE(data.data.nState & KERFLINE_DLGSTATE_CUT, 0u);
-  EXPECT_EQ(GetExtDlgVarData(&var, nullptr), -2);
-}
-
-TEST(DialogDefault, StandardTextNumberAndNone) {
-  DialogDriver d;
-  VMV6DLGVAR var = d.dialog_request("%Init%", 1, 0, nullptr);
-  DLGVARDEFAULT def{};
-  ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
-  EXPECT_STREQ(def.pszDefault, "IN;PA;");
-  EXPECT_STREQ(def.pszShown, "IN;PA;");
-  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_STANDARD);
-  EXPECT_EQ(def.nDiffers, 1);
-  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
-  EXPECT_EQ(def.pszDefault, nullptr);
-  EXPECT_EQ(FreeDlgDefaultEx(&def), 1);  // freed twice: nothing left to release
-
-  var = d.dialog_request("%Pressure%", 1, 0, nullptr);
-  std::memset(&def, 0x5A, sizeof def);
-  EXPECT_EQ(GetDlgDefaultEx(&var, &def), 0);
-  EXPECT_EQ(def.pszDefault, nullptr);
-  EXPECT_EQ(GetDlgDefaultEx(&var, nullptr), -2);
 }
 
 class DialogDefaultFiles : public kerfline::test::FrameTest {};
@@ -244,10 +224,7 @@ TEST_F(DialogDefaultFiles, TheBaseDriversValue) {
   var.nKind = KERFLINE_VARKIND_DRIVER;
   DLGVARDEFAULT def{};
   ASSERT_EQ(GetDlgDefaultEx(&var, &def), 1);
-  EXPECT_STREQ(def.pszDefault, "0.3");
-  EXPECT_STREQ(def.pszShown, "0.30 mm");
-  EXPECT_EQ(def.nSource, KERFLINE_DEFAULT_BASE);
-  EXPECT_EQ(def.nDiffers, 1);
+  EXPECT_EQ(summary(def), "0.3|0.30 mm|" + std::to_string(KERFLINE_DEFAULT_BASE) + "|1");
   EXPECT_EQ(FreeDlgDefaultEx(&def), 1);
   EXPECT_EQ(FreeDrv(&handle), 1);
 }
@@ -273,6 +250,7 @@ TEST_P(VarVals, OfferTheStepsOfTheRange) {
   EXPECT_EQ(GetVarVals(&var, &values, &count), row.result);
   if (row.result < 0) {
     EXPECT_EQ(values, nullptr);
+    FreeVarVals(values);  // null: nothing to release
     return;
   }
   ASSERT_NE(values, nullptr);  // even an empty list is a block
@@ -293,16 +271,6 @@ INSTANTIATE_TEST_SUITE_P(
                       ValsRow{"%NegStep%", -2, 0, "", ""}, ValsRow{"%Missing%", -5, 0, "", ""}),
     kerfline::test::RowIndex());
 
-TEST(VarVals, NullArgumentsAndFreeingNull) {
-  DialogDriver d;
-  VMV6DLGVAR var = d.dialog_request("%Pressure%", 1, 0, nullptr);
-  std::int32_t count = 0;
-  VARVAL* values = nullptr;
-  EXPECT_EQ(GetVarVals(&var, nullptr, &count), -2);
-  EXPECT_EQ(GetVarVals(&var, &values, nullptr), -2);
-  FreeVarVals(nullptr);
-}
-
 // ---- lists ----------------------------------------------------------------------
 
 TEST(DialogList, TreeOrderFirstNameWinsAndConditions) {
@@ -310,6 +278,7 @@ TEST(DialogList, TreeOrderFirstNameWinsAndConditions) {
   DLGVARLIST list{};
   ASSERT_EQ(GetDlgVars(&d.handle, KERFLINE_VARKIND_DRIVER, nullptr, &list), 1);
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(list.nCount));
   for (std::int32_t i = 0; i < list.nCount; ++i) names.emplace_back(list.pEntries[i].szName);
   // Tool dialog variables come first (the tools group precedes the page).
   const std::vector<std::string> expected = {
@@ -337,31 +306,29 @@ TEST(DialogList, OwnerPlacesAndRecordsFromElsewhere) {
   ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
   ASSERT_EQ(GetFirstTool(&other.handle, &foreign), 1);
   ASSERT_EQ(GetFirstTool(&d.handle, &freed), 1);
+  DRVTOOL copy = freed;  // kept past its release
   ASSERT_EQ(FreeTool(&freed), 1);
-  struct {
-    std::int32_t kind;
-    void* owner;
-    std::int32_t result;
-    std::int32_t count;
-  } const rows[] = {
+  DRVTOOL forged{&forged, nullptr, nullptr, 0, 0};
+  const std::tuple<std::int32_t, void*, std::int32_t, std::int32_t> rows[] = {
+      // kind, owner, result, count
       {KERFLINE_VARKIND_OWNER, &tool, 1, 2},     {KERFLINE_VARKIND_LAYER, &tool, 1, 0},
       {KERFLINE_VARKIND_TOOLPARM, &tool, 1, 0},  {KERFLINE_VARKIND_OWNER, nullptr, -2, 0},
       {KERFLINE_VARKIND_OWNER, &foreign, -5, 0}, {KERFLINE_VARKIND_OWNER, &freed, -5, 0},
-      {KERFLINE_VARKIND_VIDEO, nullptr, -5, 0},  {KERFLINE_VARKIND_OWNER_INT, &tool, -5, 0},
-  };
-  for (const auto& row : rows) {
+      {KERFLINE_VARKIND_VIDEO, nullptr, -5, 0},  {KERFLINE_VARKIND_OWNER_INT, &tool, -5, 0}};
+  for (const auto& [kind, owner, result, count] : rows) {
     DLGVARLIST list{};
-    EXPECT_EQ(GetDlgVars(&d.handle, row.kind, row.owner, &list), row.result) << row.kind;
-    EXPECT_EQ(list.nCount, row.count) << row.kind;
+    EXPECT_EQ(GetDlgVars(&d.handle, kind, owner, &list), result) << kind;
+    EXPECT_EQ(list.nCount, count) << kind;
     FreeDlgVars(&list);
   }
-  EXPECT_EQ(GetDlgVars(&d.handle, 1, nullptr, nullptr), -2);
-  // The same records in the single-variable calls.
-  VMV6DLGVAR var = d.dialog_request("%Dlg%", KERFLINE_VARKIND_OWNER, 0, &foreign);
-  DLGVARDATA data{};
-  EXPECT_EQ(GetDlgVarData(&var, &data), -5);
-  var.pOwner = &freed;
-  EXPECT_EQ(GetDlgVarData(&var, &data), -5);
+  // Records that no longer refer to a tool of this driver, in the single-variable calls.
+  for (DRVTOOL* owner : {&foreign, &freed, &copy, &forged}) {
+    VMV6DLGVAR dlg = d.dialog_request("%Dlg%", KERFLINE_VARKIND_OWNER, 0, owner);
+    DLGVARDATA data{};
+    EXPECT_EQ(GetDlgVarData(&dlg, &data), -5);
+    VMV6VAR var = d.request("%Depth%", KERFLINE_VARKIND_OWNER, KERFLINE_VT_TEXT, owner);
+    EXPECT_EQ(GetVar(&var), -5);
+  }
   FreeTool(&tool);
   FreeTool(&foreign);
 }
@@ -371,30 +338,22 @@ TEST(DialogList, OwnerPlacesAndRecordsFromElsewhere) {
 TEST(GetVarVal, CopiesWhenTheBufferHoldsIt) {
   SampleDriver d;
   d.doc.Variant = "3";
-  struct {
-    const char* name;
-    std::int32_t size;
-    std::int32_t result;
-    std::int32_t length;
-    const char* text;
-  } const rows[] = {
-      {"%Speed%", 7, 1, 6, "speed3"},  // the variant name first
-      {"%Speed%", 6, 0, 6, ""},        // one byte short of the terminator
+  // name, size, result, length, buffer after; the variant name first, and
+  // size 6 is one byte short of the terminator
+  const std::tuple<const char*, std::int32_t, std::int32_t, std::int32_t, const char*> rows[] = {
+      {"%Speed%", 7, 1, 6, "speed3"},
+      {"%Speed%", 6, 0, 6, ""},
       {"%A.1%", 3, 1, 2, "a1"},
       {"%Missing%", 10, -5, -1, "unchanged"},
-      {"%Speed%", -1, -2, -1, "unchanged"},
-  };
-  for (const auto& row : rows) {
-    VMV6VAR var = d.request(row.name, KERFLINE_VARKIND_DRIVER);
+      {"%Speed%", -1, -2, -1, "unchanged"}};
+  for (const auto& [name, size, result, expected_length, text] : rows) {
+    VMV6VAR var = d.request(name, KERFLINE_VARKIND_DRIVER);
     char buffer[16] = "unchanged";
     std::int32_t length = -1;
-    EXPECT_EQ(GetVarVal(&var, buffer, row.size, &length), row.result) << row.name;
-    EXPECT_EQ(length, row.length) << row.name;
-    EXPECT_STREQ(buffer, row.text) << row.name;
+    EXPECT_EQ(GetVarVal(&var, buffer, size, &length), result) << name;
+    EXPECT_EQ(length, expected_length) << name;
+    EXPECT_STREQ(buffer, text) << name;
   }
-  VMV6VAR var = d.request("%Speed%", KERFLINE_VARKIND_DRIVER);
-  EXPECT_EQ(GetVarVal(&var, nullptr, 4, nullptr), -2);
-  EXPECT_EQ(GetVarVal(&var, nullptr, 0, nullptr), 0);
 }
 
 // ---- checks -------------------------------------------------------------------------
@@ -416,8 +375,8 @@ TEST_P(CheckValues, TypeRangeAndLength) {
   ASSERT_NE(material, nullptr);
   material->AddChild(kerfline::test::item("%IMatDescription%", "", drv::type_code::kString));
   material->AddChild(kerfline::test::item("%Made%", "1.1.2020", drv::type_code::kDate));
-  const ExtSpec speed{KERFLINE_DLGVAR_LIMITS, 1, 80, 1};
-  material->AddChild(dlg("%MatSpeed%", "40", drv::type_code::kInteger, "%d", &speed));
+  material->AddChild(
+      dlg("%MatSpeed%", "40", drv::type_code::kInteger, "%d", Ext{KERFLINE_DLGVAR_LIMITS, 80, 1, 1}));
   DRVMATERIAL m{};
   ASSERT_EQ(GetFirstMaterial(&d.handle, &m), 1);
   VMV6VAR var = d.request(row.name, KERFLINE_VARKIND_OWNER, KERFLINE_VT_TEXT, &m);
@@ -440,80 +399,5 @@ INSTANTIATE_TEST_SUITE_P(
                       CheckRow{"%IMatDescription%", "any text", 1, 0}, CheckRow{"%Missing%", "1", -5, -1},
                       CheckRow{"%IMatSpeed%", nullptr, -2, -1}),
     kerfline::test::RowIndex());
-
-// ---- device-setting lists -------------------------------------------------------------
-
-TEST(DeviceSettings, NoOverrideKeepsWhatIsThere) {
-  SampleDriver d;
-  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%Cam%", "off"), 0);
-  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%Zoom%", "3"), 1);
-  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%Zoom%", "4"), 0);
-  EXPECT_EQ(SetJoyStickVarNoOverride(&d.handle, "%Step%", "9"), 0);
-  EXPECT_EQ(SetJoyStickVarNoOverride(&d.handle, "%Fast%", "9"), 1);
-  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "", "9"), -2);
-  EXPECT_EQ(SetVideoVarNoOverride(&d.handle, "%X%", nullptr), -2);
-  const struct {
-    std::int32_t kind;
-    const char* name;
-    const char* value;
-  } rows[] = {{KERFLINE_VARKIND_VIDEO, "%Cam%", "cam"},
-              {KERFLINE_VARKIND_VIDEO, "%Zoom%", "3"},
-              {KERFLINE_VARKIND_JOYSTICK, "%Step%", "step"},
-              {KERFLINE_VARKIND_JOYSTICK, "%Fast%", "9"}};
-  for (const auto& row : rows) {
-    VMV6VAR var = d.request(row.name, row.kind);
-    ASSERT_EQ(GetVar(&var), 1) << row.name;
-    EXPECT_STREQ(var.uValue.pszText, row.value);
-    FreeVar(&var);
-  }
-}
-
-// ---- translation ------------------------------------------------------------------------
-
-class DialogTranslation : public kerfline::test::FrameTest {};
-
-TEST_F(DialogTranslation, CaptionsFollowFlag4) {
-  suite.write("lang/GER/kerflineGER.TRA",
-              kerfline::test::po_entry("Caption of !-Percent-!Pressure!-Percent-!", "Druck"));
-  ASSERT_GT(InitKerflineDll2(), 0);
-  DialogDriver d;
-  for (const auto& [mask, caption] : {std::pair<uint32_t, const char*>{0x4, "Druck"},
-                                      {0x3, "Caption of %Pressure%"},
-                                      {0, "Caption of %Pressure%"}}) {
-    SetTranslationFlag(mask);
-    VMV6DLGVAR var = d.dialog_request("%Pressure%", 1, 0, nullptr);
-    DLGVARDATA data{};
-    ASSERT_EQ(GetDlgVarData(&var, &data), 1);
-    EXPECT_STREQ(data.szCaption, caption) << mask;
-    DLGVARLIST list{};
-    ASSERT_EQ(GetDlgVars(&d.handle, 1, nullptr, &list), 1);
-    EXPECT_STREQ(list.pEntries[2].pszCaption, caption) << mask;
-    FreeDlgVars(&list);
-  }
-}
-
-// ---- walks ----------------------------------------------------------------------------------
-
-TEST(Walk, AChangedGroupIsFoundAgainByName) {
-  SampleDriver d;
-  VMV6VAR var = d.request("", 0);
-  ASSERT_EQ(GetFirstVar(&var, "Sonderbefehle:"), 1);
-  EXPECT_STREQ(var.szName, "%CI_A%");
-  // An item put in front between two steps: the walk still continues after %CI_A%.
-  auto* special = dynamic_cast<drv::CDrvItemList*>(d.doc.FindItem("Sonderbefehle:"));
-  ASSERT_NE(special, nullptr);
-  special->AddChild(kerfline::test::item("%CI_C%", "(C)"));
-  ASSERT_EQ(GetNextVar(&var, "Sonderbefehle:"), 1);
-  EXPECT_STREQ(var.szName, "%CI_B%");
-  // Two interleaved walks over the same group each keep their place.
-  VMV6VAR other = d.request("", 0);
-  ASSERT_EQ(GetFirstVar(&other, "Sonderbefehle:"), 1);
-  ASSERT_EQ(GetNextVar(&var, "Sonderbefehle:"), 1);
-  EXPECT_STREQ(var.szName, "%CI_C%");
-  ASSERT_EQ(GetNextVar(&other, "Sonderbefehle:"), 1);
-  EXPECT_STREQ(other.szName, "%CI_B%");
-  EXPECT_EQ(GetNextVar(&var, "Sonderbefehle:"), 0);
-  FreeVar(&other);
-}
 
 }  // namespace

@@ -3,21 +3,18 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <ostream>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "driver/drv_item_list.hpp"
 #include "driver/text_dictionary.hpp"
-#include "driver/vm6drv.hpp"
-#include "driver_files.hpp"
 #include "fixtures/host_recorder.hpp"
-#include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "frame/driver_flags.hpp"
 #include "frame/driver_handle.hpp"
 #include "frame/var_names.hpp"
 #include "kerfline/kerfline.h"
+#include "sample_driver.hpp"
 
 namespace drv = kerfline::driver;
 namespace frame = kerfline::frame;
@@ -59,16 +56,12 @@ class DriverQueries : public ::testing::Test {
  protected:
   std::string flag_driver() {
     return write_driver(dir, "flags.drv", [](drv::CVm6Drv& doc) {
-      auto group = named<drv::CDrvItemList>("%Flags%");
-      group->AddChild(named("%Flags_1%", "1"));
-      group->AddChild(named("%Flags_3%", "0"));
-      group->AddChild(named("%Flags_8%", " 2.5"));
-      group->AddChild(named("%OutFlag_1%", "True"));
-      group->AddChild(named("%OutFlag_4%", "no"));
-      doc.Root().AddChild(group);
-      doc.Root().AddChild(named("%OutFlag_5%", "-1"));
-      doc.Root().AddChild(named("%LayerVarFlag%", "1"));
-      doc.Root().AddChild(named("%DriverClass%", "Plotter"));
+      kerfline::test::add_all(
+          doc.Root(),
+          {kerfline::test::with(named<drv::CDrvItemList>("%Flags%"),
+                                {named("%Flags_1%", "1"), named("%Flags_3%", "0"), named("%Flags_8%", " 2.5"),
+                                 named("%OutFlag_1%", "True"), named("%OutFlag_4%", "no")}),
+           named("%OutFlag_5%", "-1"), named("%LayerVarFlag%", "1"), named("%DriverClass%", "Plotter")});
     });
   }
   TempDir dir;
@@ -77,149 +70,111 @@ class DriverQueries : public ::testing::Test {
 
 }  // namespace
 
+// Only .vdv and .VDV are the fixed layout, and only its head is read.
 TEST_F(DriverQueries, DriverNameNeedsOneSpareByteInBothFormats) {
-  const std::string drv_path = write_driver(dir, "named.drv", [](drv::CVm6Drv& doc) {
+  const std::string drv = write_driver(dir, "named.drv", [](drv::CVm6Drv& doc) {
     doc.Root().AddChild(named("%DriverName%", "Sample Cutter"));
   });
-  const std::string vdv_path = dir.write("old.VDV", vdv_bytes("Old Plotter X", 0, 0, {})).string();
-  struct Row {
-    std::string path;
-    int32_t size;
-    int32_t expected;
-  };
-  const Row rows[] = {
-      {drv_path, 15, 13},  {drv_path, 14, -14}, {drv_path, 1, -14},  {drv_path, 0, -14},
-      {drv_path, -5, -14}, {vdv_path, 15, 13},  {vdv_path, 14, -14}, {vdv_path, 100, 13},
-  };
-  for (const Row& row : rows) {
+  const std::string vdv = dir.write("old.VDV", vdv_bytes("Old Plotter X", 0, 0, {})).string();
+  const std::string long_vdv = dir.write("long.vdv", std::string(20000, 'N')).string();
+  const std::string not_vdv = dir.write("other.Vdv", vdv_bytes("Old", 0, 0, {})).string();
+  const std::string missing = dir.str() + "missing.drv";
+  const std::tuple<std::string, int32_t, int32_t, const char*> rows[] = {// path, size, result, name
+                                                                         {drv, 15, 13, "Sample Cutter"},
+                                                                         {drv, 14, -14, "#"},
+                                                                         {drv, 1, -14, "#"},
+                                                                         {drv, 0, -14, "#"},
+                                                                         {drv, -5, -14, "#"},
+                                                                         {vdv, 15, 13, "Old Plotter X"},
+                                                                         {vdv, 14, -14, "#"},
+                                                                         {vdv, 100, 13, "Old Plotter X"},
+                                                                         {long_vdv, 16, -10210, "#"},
+                                                                         {not_vdv, 16, 0, ""},
+                                                                         {missing, 1, -1, "#"}};
+  for (const auto& [path, size, result, name] : rows) {
     char buffer[32];
     std::memset(buffer, '#', sizeof(buffer));
-    EXPECT_EQ(GetDrvName(row.path.c_str(), buffer, row.size), row.expected)
-        << row.path << " size " << row.size;
-    if (row.expected >= 0) {
-      EXPECT_STREQ(buffer, row.path == drv_path ? "Sample Cutter" : "Old Plotter X");
-    } else {
-      EXPECT_EQ(buffer[0], '#') << "nothing is copied into a short buffer";
-    }
+    buffer[1] = '\0';
+    EXPECT_EQ(GetDrvName(path.c_str(), buffer, size), result) << path << " size " << size;
+    EXPECT_STREQ(buffer, name) << path << " size " << size;  // nothing copied into a short buffer
   }
-  EXPECT_EQ(GetDrvName(drv_path.c_str(), nullptr, 100), -14);
+  EXPECT_EQ(GetDrvName(drv.c_str(), nullptr, 100), -14);
   EXPECT_TRUE(host.boxes.empty());
 }
 
-TEST_F(DriverQueries, DriverNameOfUnreadableFilesIsEmpty) {
-  const std::string unterminated(20000, 'N');
-  const std::string long_vdv = dir.write("long.vdv", unterminated).string();
-  const std::string not_vdv = dir.write("old.Vdv", vdv_bytes("Old", 0, 0, {})).string();
-  const std::string missing = dir.str() + "missing.drv";
-  char buffer[16];
-  EXPECT_EQ(GetDrvName(long_vdv.c_str(), buffer, sizeof(buffer)), -10210)
-      << "only the head of the file is read";
-  EXPECT_EQ(GetDrvName(not_vdv.c_str(), buffer, sizeof(buffer)), 0)
-      << "only .vdv and .VDV are the fixed layout";
-  EXPECT_STREQ(buffer, "");
-  EXPECT_EQ(GetDrvName(missing.c_str(), buffer, 1), -1);
-  EXPECT_TRUE(host.boxes.empty());
-}
-
-struct VdvRow {
-  const char* tool;
-  std::vector<VdvTool> tools;
-  std::size_t file_size;
-  uint32_t expected;
-};
-
-void PrintTo(const VdvRow& row, std::ostream* os) {
-  *os << "tool " << (row.tool != nullptr ? row.tool : "(null)") << ", " << row.file_size << " bytes";
-}
-
-class FixedLayoutFlags : public ::testing::TestWithParam<VdvRow> {};
-
-TEST_P(FixedLayoutFlags, ReadFromTheFileHead) {
+TEST(FixedLayoutFlags, ReadFromTheFileHead) {
+  const std::vector<VdvTool> six = {{"Pen", 0x8000, "Pen"},       {"Cut", 0x0104, "contour"},
+                                    {"Drag", 0, "TRANSFER"},      {"Kiss", 0x0001, "Contour"},
+                                    {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
+  const std::vector<VdvTool> seven = {{"F", 1, ""}, {"F", 1, ""}, {"F", 1, ""},      {"F", 1, ""},
+                                      {"F", 1, ""}, {"F", 1, ""}, {"Seventh", 2, ""}};
+  const std::tuple<const char*, const std::vector<VdvTool>*, std::size_t, uint32_t> rows[] = {
+      // the driver: byte 350 as it is, the low five bits of byte 352 at 0x100
+      {nullptr, &six, 10209, 0x03A5},
+      {"", &six, 10209, 0x03A5},
+      {nullptr, &seven, 351, 0x00A5},
+      // tools: the type adds 0x4 for Transfer and 0x8 for Contour
+      {"Pen", &six, 10209, 0x8000},
+      {"Cut", &six, 10209, 0x010C},
+      {"Drag", &six, 10209, 0x0004},
+      {"Kiss", &six, 10209, 0x0009},
+      {"Last", &six, 10209, 0x1234},
+      // names are case-sensitive; a cut-off file has fewer slots; only six slots are searched
+      {"cut", &six, 10209, 0},
+      {"Nope", &six, 10209, 0},
+      {"Last", &six, 358 + 1532 * 5 + 3, 0},
+      {"Seventh", &seven, 20000, 0}};
   TempDir dir;
-  const VdvRow& row = GetParam();
-  const std::string path =
-      dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, row.tools, row.file_size)).string();
-  uint32_t flags = 0xDEADBEEF;
-  EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1);
-  EXPECT_EQ(flags, row.expected);
+  for (const auto& [tool, tools, size, expected] : rows) {
+    const std::string path = dir.write("cutter.vdv", vdv_bytes("Cutter", 0xA5, 0xE3, *tools, size)).string();
+    uint32_t flags = 0xDEADBEEF;
+    EXPECT_EQ(GetFlags(path.c_str(), tool, &flags), 1);
+    EXPECT_EQ(flags, expected) << (tool ? tool : "(driver)") << " " << size;
+  }
 }
-
-const std::vector<VdvTool> kSixTools = {{"Pen", 0x8000, "Pen"},       {"Cut", 0x0104, "contour"},
-                                        {"Drag", 0, "TRANSFER"},      {"Kiss", 0x0001, "Contour"},
-                                        {"Crease", 0x00F0, "Crease"}, {"Last", 0x1234, "transfers"}};
-const std::vector<VdvTool> kSevenTools = {{"F", 1, ""}, {"F", 1, ""}, {"F", 1, ""},      {"F", 1, ""},
-                                          {"F", 1, ""}, {"F", 1, ""}, {"Seventh", 2, ""}};
-
-INSTANTIATE_TEST_SUITE_P(Vdv, FixedLayoutFlags,
-                         ::testing::Values(
-                             // driver: byte 350 as it is, the low five bits of byte 352 at 0x100
-                             VdvRow{nullptr, kSixTools, 10209, 0x03A5}, VdvRow{"", kSixTools, 10209, 0x03A5},
-                             VdvRow{nullptr, {}, 351, 0x00A5},
-                             // tools: the type adds 0x4 for Transfer and 0x8 for Contour
-                             VdvRow{"Pen", kSixTools, 10209, 0x8000}, VdvRow{"Cut", kSixTools, 10209, 0x010C},
-                             VdvRow{"Drag", kSixTools, 10209, 0x0004},
-                             VdvRow{"Kiss", kSixTools, 10209, 0x0009},
-                             VdvRow{"Last", kSixTools, 10209, 0x1234},
-                             // names are case-sensitive; a cut-off file has fewer slots
-                             VdvRow{"cut", kSixTools, 10209, 0}, VdvRow{"Nope", kSixTools, 10209, 0},
-                             VdvRow{"Last", kSixTools, 358 + 1532 * 5 + 3, 0},
-                             // only six slots are searched
-                             VdvRow{"Seventh", kSevenTools, 20000, 0}),
-                         kerfline::test::RowIndex());
 
 TEST_F(DriverQueries, DocumentFlagsComeFromTheFlagVariables) {
   const std::string path = flag_driver();
+  const uint32_t set = 0x1u | 0x80u | 0x100u | 0x1000u | 0x2000u;
   uint32_t flags = 0xFFFFFFFF;
   EXPECT_EQ(GetFlags(path.c_str(), nullptr, &flags), 1);
-  EXPECT_EQ(flags, 0x1u | 0x80u | 0x100u | 0x1000u | 0x2000u);
-
-  // A driver without that tool gives 0.
-  EXPECT_EQ(GetFlags(path.c_str(), "Cut", &flags), 1);
+  EXPECT_EQ(flags, set);
+  EXPECT_EQ(GetFlags(path.c_str(), "Cut", &flags), 1);  // a driver without that tool gives 0
   EXPECT_EQ(flags, 0u);
-
   VMV6DRV drv = record_for(path);
   ASSERT_EQ(InitDrv(&drv), 1);
   flags = 0x40000;
   EXPECT_EQ(GetDrvFlags(&drv, nullptr, &flags), 1);
-  EXPECT_EQ(flags, 0x40000u | 0x1u | 0x80u | 0x100u | 0x1000u | 0x2000u) << "GetDrvFlags adds to the mask";
-  EXPECT_EQ(GetDrvFlags(&drv, nullptr, nullptr), -2);
+  EXPECT_EQ(flags, 0x40000u | set) << "GetDrvFlags adds to the mask";
   EXPECT_EQ(FreeDrv(&drv), 1);
   EXPECT_EQ(GetDrvFlags(&drv, nullptr, &flags), 0);
   EXPECT_TRUE(host.boxes.empty());
-}
-
-TEST_F(DriverQueries, FlagsOfUnopenableDriversAndBadArguments) {
-  uint32_t flags = 7;
+  // Unopenable files give 0, and the missing driver is shown.
   EXPECT_EQ(GetFlags((dir.str() + "missing.drv").c_str(), nullptr, &flags), 0);
   EXPECT_EQ(flags, 0u);
-  ASSERT_EQ(host.boxes.size(), 1u);
-  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
+  flags = 7;
+  EXPECT_EQ(GetFlags((dir.str() + "missing.vdv").c_str(), nullptr, &flags), 0);
+  EXPECT_EQ(flags, 0u);
   flags = 7;
   EXPECT_EQ(GetFlags("", nullptr, &flags), -2);
   EXPECT_EQ(flags, 7u);
-  EXPECT_EQ(GetFlags("x.drv", nullptr, nullptr), -2);
-  EXPECT_EQ(GetFlags((dir.str() + "missing.vdv").c_str(), nullptr, &flags), 0);
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].caption, "Kerfline error:");
 }
 
 TEST(DocumentToolMask, TypeBitsAreAddedWhenTheTypeIsNot) {
-  struct Row {
-    const char* type;
-    uint32_t bits;
-    uint32_t expected;
-  };
-  const Row rows[] = {{"Contour", 0x1, 0x5},  {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
-                      {"TRANSFER", 0x0, 0x8}, {"Pen", 0x0, 0xC},     {"", 0x4, 0xC}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(frame::tool_mask({row.bits, row.type}), row.expected) << row.type;
-  }
+  const std::tuple<const char*, uint32_t, uint32_t> rows[] = {
+      // type, bits, mask
+      {"Contour", 0x1, 0x5},  {"contour", 0x0, 0x4}, {"Transfer", 0x100, 0x108},
+      {"TRANSFER", 0x0, 0x8}, {"Pen", 0x0, 0xC},     {"", 0x4, 0xC}};
+  for (const auto& [type, bits, mask] : rows) EXPECT_EQ(frame::tool_mask({bits, type}), mask) << type;
 }
 
 TEST(FlagValues, NonzeroNumbersAndYesWordsCount) {
   const std::pair<const char*, bool> rows[] = {
-      {"1", true},    {"-1", true},  {"0.001", true},  {" 2", true},    {"1e999", true}, {"TRUE", true},
-      {"yes ", true}, {"0", false},  {"0.0", false},   {"-0", false},   {"", false},     {"  ", false},
-      {"no", false},  {"x1", false}, {"false", false}, {"0abc", false},
-  };
+      {"1", true},    {"-1", true},  {"0.001", true},  {" 2", true},   {"1e999", true}, {"TRUE", true},
+      {"yes ", true}, {"0", false},  {"0.0", false},   {"-0", false},  {"", false},     {"  ", false},
+      {"no", false},  {"x1", false}, {"false", false}, {"0abc", false}};
   for (const auto& [text, expected] : rows)
     EXPECT_EQ(frame::value_is_set(text), expected) << '"' << text << '"';
 }
@@ -237,49 +192,34 @@ TEST_F(DriverQueries, DriverClassIsTheClassItemsValue) {
   EXPECT_EQ(GetDrvClass2(&drv, nullptr, 8), 7);
   EXPECT_EQ(FreeDrv(&drv), 1);
   EXPECT_EQ(GetDrvClass2(&drv, buffer, 8), -2);
-
-  std::memset(buffer, '#', sizeof(buffer));
-  EXPECT_EQ(GetDrvClass(path.c_str(), buffer, sizeof(buffer)), 7);
-  EXPECT_STREQ(buffer, "Plotter");
-
   const std::string classless = write_driver(
       dir, "classless.drv", [](drv::CVm6Drv& doc) { doc.Root().AddChild(named("%Speed%", "1")); });
-  EXPECT_EQ(GetDrvClass(classless.c_str(), buffer, sizeof(buffer)), 0);
-  EXPECT_TRUE(host.boxes.empty());
-}
-
-TEST_F(DriverQueries, DriverClassOfAnUnopenableDriverIsOne) {
-  char buffer[4] = "abc";
-  EXPECT_EQ(GetDrvClass((dir.str() + "missing.drv").c_str(), buffer, sizeof(buffer)), 1);
-  EXPECT_EQ(GetDrvClass("", buffer, sizeof(buffer)), 1);
-  EXPECT_EQ(GetDrvClass(nullptr, buffer, sizeof(buffer)), 1);
-  EXPECT_STREQ(buffer, "abc");
-  EXPECT_EQ(host.boxes.size(), 1u) << "the missing file is shown";
+  // path, result, buffer after; an unopenable driver is shown and gives 1
+  const std::tuple<std::string, int32_t, const char*> rows[] = {
+      {path, 7, "Plotter"}, {classless, 0, "Plotter"}, {dir.str() + "missing.drv", 1, "Plotter"}};
+  for (const auto& [file, result, after] : rows) {
+    EXPECT_EQ(GetDrvClass(file.c_str(), buffer, sizeof(buffer)), result) << file;
+    EXPECT_STREQ(buffer, after);
+  }
+  EXPECT_EQ(host.boxes.size(), 1u);
 }
 
 TEST(VariableNames, NamesFromTheDictionary) {
-  struct Row {
-    uint32_t id;
-    int32_t mode;
-    const char* expected;
-  };
-  const Row rows[] = {{9352, 0, "%Flags_1%"},   {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"},
-                      {5000, 1, "%ToolDepth%"}, {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"},
-                      {0xFFFFFFF0u, 1, ""}};
-  for (const Row& row : rows) {
+  const std::tuple<uint32_t, int32_t, const char*> rows[] = {
+      {9352, 0, "%Flags_1%"},   {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"},
+      {5000, 1, "%ToolDepth%"}, {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"},
+      {0xFFFFFFF0u, 1, ""}};
+  for (const auto& [id, mode, expected] : rows) {
     char buffer[64];
     std::memset(buffer, '#', sizeof(buffer));
-    EXPECT_EQ(GetVarName(row.id, row.mode, buffer), 1);
-    EXPECT_STREQ(buffer, row.expected) << row.id << " mode " << row.mode;
-
+    EXPECT_EQ(GetVarName(id, mode, buffer), 1);
+    EXPECT_STREQ(buffer, expected) << id << " mode " << mode;
     VARDESC desc{};
-    ASSERT_EQ(GetVarDesc(row.id, row.mode, &desc), 1);
-    EXPECT_STREQ(desc.pszName, row.expected);
+    ASSERT_EQ(GetVarDesc(id, mode, &desc), 1);
+    EXPECT_STREQ(desc.pszName, expected);
     EXPECT_EQ(FreeVarDesc(&desc), 1);
     EXPECT_EQ(desc.pszName, nullptr);
   }
-  EXPECT_EQ(GetVarName(9352, 0, nullptr), 1);
-  EXPECT_EQ(GetVarDesc(9352, 0, nullptr), 0);
 }
 
 TEST(VariableNames, DescriptionIsTheNextTextAndNeverChanged) {

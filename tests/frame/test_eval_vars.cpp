@@ -34,11 +34,6 @@ TEST(LoadEvalVars, TheDriversVariablesBecomeSharedVariables) {
   EXPECT_EQ(var("Deep"), "Deep");  // groups are walked, not loaded: the name comes back
 }
 
-TEST(LoadEvalVars, NeedsAnOpenDriver) {
-  VMV6DRV closed{};
-  EXPECT_EQ(LoadEvalVars(&closed, 1), -2);
-}
-
 // A group held twice at each of 40 levels: every group is walked once.
 TEST(LoadEvalVars, WalksAGroupHeldTwiceOnce) {
   kerfline::test::SampleDriver sample;

@@ -113,9 +113,27 @@ TEST_P(InstalledTranslation, IsUsedOnlyWhenTheSuiteAsksForItsLanguage) {
 const char* const kMesser = "msgid \"Knife\"\nmsgstr \"Messer\"\n";
 const char* const kKlinge = "msgid \"Knife\"\nmsgstr \"Klinge\"\n";
 
+// Which translation file the start picks: the code comes from the suite's
+// lang.ini (not the language context's Lang/lang.ini).
 INSTANTIATE_TEST_SUITE_P(
     Table, InstalledTranslation,
     ::testing::Values(
+        // no default in lang.ini: GER
+        TranslationCase{
+            {{"lang.ini", "[Languages]\nFRA=1\n"}, {"lang/GER/kerflineGER.TRA", kMesser}}, {}, "Messer"},
+        TranslationCase{{{"lang.ini", "[Default]\nActual=FRA\n"},
+                         {"Lang/lang.ini", "[Default]\nActual=ITA\n"},
+                         {"lang/FRA/kerflineFRA.TRA", "msgid \"Knife\"\nmsgstr \"Couteau\"\n"}},
+                        {},
+                        "Couteau"},
+        // names in any case
+        TranslationCase{
+            {{"LANG.INI", "[Default]\nActual=GER\n"}, {"Lang/ger/KERFLINEGER.tra", kMesser}}, {}, "Messer"},
+        // the code is read into ten characters
+        TranslationCase{{{"lang.ini", "[Default]\nActual=ABCDEFGHIJKL\n"},
+                         {"lang/ABCDEFGHI/kerflineABCDEFGHI.TRA", "msgid \"Knife\"\nmsgstr \"Cut\"\n"}},
+                        {},
+                        "Cut"},
         // the suite names German and has no file: the installed one
         TranslationCase{
             {{"lang.ini", "[Default]\nActual=GER\n"}}, {{"lang/GER/kerflineGER.TRA", kMesser}}, "Messer"},

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "fixtures/table_names.hpp"
 #include "frame/language_context.hpp"
 #include "frame/resources.hpp"
 #include "frame_fixture.hpp"
@@ -25,6 +24,7 @@ class InitDll : public FrameTest {
 
 TEST_F(InitDll, LoadsBothTablesAndThenReportsDone) {
   write_tables();
+  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");  // a lookup starts the library
   EXPECT_EQ(InitKerflineDll(), 1);
   EXPECT_EQ(kf::resource_text(kf::kCutterxTable, 9001), "Reserved");
   EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");
@@ -64,11 +64,6 @@ TEST_F(InitDll, FindsTablesWhateverTheirCase) {
   EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 4), "four");
 }
 
-TEST_F(InitDll, ResourceLookupStartsTheLibraryWhenNeeded) {
-  write_tables();
-  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");
-}
-
 TEST_F(InitDll, SuiteDirectoryChangedAfterAFailureIsUsedByTheRetry) {
   EXPECT_EQ(InitKerflineDll(), -1);
   TempDir other;
@@ -92,44 +87,43 @@ TEST_F(LanguageContext, PathsDeriveFromTheSuiteDirectory) {
   EXPECT_EQ(kf::help_file_path(), suite.str("Lang/Ger/plotman.hlp"));
 }
 
-TEST_F(LanguageContext, ReadsNamesAndLanguageFromLangIni) {
-  suite.write("Lang/lang.ini",
-              "[Languages]\r\nGer=Deutsch\r\nEng=English\r\nFra=\r\n[Default]\r\nActual=Eng\r\n");
-  const kf::LanguageContext context = kf::language_context();
-  EXPECT_EQ(context.language_names, (std::vector<std::string>{"Ger", "Eng", "Fra"}));
-  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Eng/"));
-}
-
-TEST_F(LanguageContext, FindsTheLanguageFileAndDirectoryWhateverTheirCase) {
-  suite.write("lang/LANG.INI", "[Languages]\nGer=1\n[Default]\nActual=GER\n");
-  std::filesystem::create_directories(suite.path() / "lang/ger");
-  EXPECT_EQ(kf::language_context().language_file, suite.str("lang/LANG.INI"));
-  EXPECT_EQ(kf::language_directory(), suite.str("lang/ger/"));
-}
-
-TEST_F(LanguageContext, WithoutDefaultSectionTheLanguageIsGer) {
-  suite.write("Lang/lang.ini", "[Languages]\nEng=1\n");
-  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Ger/"));
-}
-
-TEST_F(LanguageContext, LanguageIsReadIntoThirtyTwoCharacters) {
-  suite.write("Lang/lang.ini", "[Default]\nActual=" + std::string(40, 'L') + "\n");
-  EXPECT_EQ(kf::language_directory(), suite.str("Lang/" + std::string(31, 'L') + "/"));
-}
-
-TEST_F(LanguageContext, LanguagesSectionLongerThanTheFirstReadStaysCut) {
-  // Twelve 9-character names: 120 bytes as a list. The first read into 64
-  // bytes reports 62; the second read is sized from that, so the list stays
-  // cut after 62 characters: six names and "La".
+// Languages section of the first read cut at 62 characters (64 bytes as a
+// list): the second read is sized from that, so it stays cut.
+std::string twelve_languages() {
   std::string ini = "[Languages]\n";
-  std::vector<std::string> all;
-  for (int i = 0; i < 12; ++i) {
-    all.push_back("Language" + std::string(1, static_cast<char>('A' + i)));
-    ini += all.back() + "=x\n";
+  for (char c = 'A'; c < 'A' + 12; ++c) ini += std::string("Language") + c + "=x\n";
+  return ini;
+}
+
+TEST_F(LanguageContext, ReadsNamesAndLanguageFromLangIni) {
+  struct {
+    const char* file;
+    std::string text;
+    const char* dir;  // made first
+    std::string language_dir;
+    const char* names;
+  } const rows[] = {
+      {"Lang/lang.ini", "[Languages]\r\nGer=Deutsch\r\nEng=English\r\nFra=\r\n[Default]\r\nActual=Eng\r\n",
+       "", "Lang/Eng/", "Ger,Eng,Fra,"},
+      {"lang/LANG.INI", "[Languages]\nGer=1\n[Default]\nActual=GER\n", "lang/ger", "lang/ger/",
+       "Ger,"},                                                            // any case
+      {"Lang/lang.ini", "[Languages]\nEng=1\n", "", "Lang/Ger/", "Eng,"},  // without [Default]: Ger
+      {"Lang/lang.ini", "[Default]\nActual=" + std::string(40, 'L') + "\n", "",
+       "Lang/" + std::string(31, 'L') + "/", ""},  // read into 32 characters
+      {"Lang/lang.ini", twelve_languages(), "", "Lang/Ger/",
+       "LanguageA,LanguageB,LanguageC,LanguageD,LanguageE,LanguageF,La,"}};
+  for (const auto& row : rows) {
+    TempDir dir;
+    dir.write(row.file, row.text);
+    if (*row.dir != '\0') std::filesystem::create_directories(dir.path() / row.dir);
+    KerflineSetHomeDir(dir.path().string().c_str());
+    const kf::LanguageContext context = kf::language_context();
+    std::string names;
+    for (const std::string& name : context.language_names) names += name + ",";
+    EXPECT_EQ(names, row.names) << row.text;
+    EXPECT_EQ(context.language_file, dir.str(row.file));
+    EXPECT_EQ(kf::language_directory(), dir.str(row.language_dir));
   }
-  suite.write("Lang/lang.ini", ini);
-  const std::vector<std::string> expected{all[0], all[1], all[2], all[3], all[4], all[5], "La"};
-  EXPECT_EQ(kf::language_context().language_names, expected);
 }
 
 TEST_F(LanguageContext, IsRebuiltWhenTheSuiteDirectoryChanges) {

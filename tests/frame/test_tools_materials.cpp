@@ -1,10 +1,13 @@
+// Tools, materials, their flags, group walks and the device-setting lists of
+// the sample driver.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "fixtures/table_names.hpp"
+#include "fixtures/host_recorder.hpp"
 #include "frame/tool_flags.hpp"
 #include "kerfline/kerfline.h"
 #include "sample_driver.hpp"
@@ -16,34 +19,20 @@ namespace {
 
 bool all_zero(const void* record, std::size_t size) {
   const auto* bytes = static_cast<const unsigned char*>(record);
-  for (std::size_t i = 0; i < size; ++i) {
-    if (bytes[i] != 0) return false;
-  }
-  return true;
+  return std::all_of(bytes, bytes + size, [](unsigned char b) { return b == 0; });
 }
 
 TEST(Tools, WalkListsEveryToolOnce) {
   SampleDriver d;
   EXPECT_EQ(CountTools(&d.handle), 2);
-  struct Seen {
-    std::string name, type;
-    std::int32_t index, vars;
-  };
-  std::vector<Seen> seen;
+  std::vector<std::string> seen;
   DRVTOOL tool{};
   for (std::int32_t r = GetFirstTool(&d.handle, &tool); r == 1; r = GetNextTool(&d.handle, &tool)) {
-    seen.push_back({tool.pszName, tool.pszType, tool.nIndex, tool.nVarCount});
+    seen.push_back(std::string(tool.pszName) + "/" + tool.pszType + "/" + std::to_string(tool.nIndex) + "/" +
+                   std::to_string(tool.nVarCount));  // the sub-lists are not variables
   }
   EXPECT_TRUE(all_zero(&tool, sizeof tool));  // the end releases the record
-  ASSERT_EQ(seen.size(), 2u);
-  EXPECT_EQ(seen[0].name, "Cut");
-  EXPECT_EQ(seen[0].type, "Contour");
-  EXPECT_EQ(seen[0].index, 0);
-  EXPECT_EQ(seen[0].vars, 10);  // the sub-lists are not variables
-  EXPECT_EQ(seen[1].name, "Move");
-  EXPECT_EQ(seen[1].type, "Transfer");
-  EXPECT_EQ(seen[1].index, 1);
-  EXPECT_EQ(seen[1].vars, 1);
+  EXPECT_EQ(seen, (std::vector<std::string>{"Cut/Contour/0/10", "Move/Transfer/1/1"}));
   EXPECT_EQ(FreeTool(&tool), 1);                // harmless on a released record
   EXPECT_EQ(GetNextTool(&d.handle, &tool), 1);  // an empty record starts over
   EXPECT_STREQ(tool.pszName, "Cut");
@@ -52,16 +41,14 @@ TEST(Tools, WalkListsEveryToolOnce) {
 
 TEST(Tools, ToolsGroupFoundByTextNumberOrDescription) {
   struct {
-    const char* name;
     const char* description;
     std::uint32_t dict_id;
     std::int32_t count;
-  } const rows[] = {{"Tools", "", 33058, 1}, {"Tools", "Werkzeugvariablen", 0, 1}, {"Tools", "", 0, 0}};
+  } const rows[] = {{"", 33058, 1}, {"Werkzeugvariablen", 0, 1}, {"", 0, 0}};
   for (const auto& row : rows) {
     drv::CVm6Drv doc;
-    VMV6DRV handle{};
-    handle.pDrv = &doc;
-    auto tools = kerfline::test::group(row.name);
+    VMV6DRV handle = kerfline::test::handle_of(doc);
+    auto tools = kerfline::test::group("Tools");
     tools->Description = row.description;
     tools->DictId = row.dict_id;
     tools->AddChild(kerfline::test::group("Knife"));
@@ -72,35 +59,10 @@ TEST(Tools, ToolsGroupFoundByTextNumberOrDescription) {
     DRVTOOL tool{};
     EXPECT_EQ(GetFirstTool(&handle, &tool), row.count);
     if (row.count == 1) {
-      EXPECT_STREQ(tool.pszName, "Knife");
-      EXPECT_STREQ(tool.pszType, "");
+      EXPECT_EQ(std::string(tool.pszName) + "/" + tool.pszType, "Knife/");
     }
     FreeTool(&tool);
   }
-}
-
-TEST(Tools, BadArguments) {
-  SampleDriver d;
-  VMV6DRV closed{};
-  DRVTOOL tool{};
-  DRVMATERIAL material{};
-  EXPECT_EQ(GetFirstTool(&closed, &tool), -2);
-  EXPECT_EQ(GetFirstTool(&d.handle, nullptr), -2);
-  EXPECT_EQ(GetFirstMaterial(&closed, &material), -2);
-  EXPECT_EQ(GetNextMaterial(&d.handle, nullptr), -2);
-  EXPECT_EQ(AddMaterial(&closed, "Foil", nullptr), -2);
-  EXPECT_EQ(AddMaterial(&d.handle, nullptr, nullptr), -2);
-  EXPECT_EQ(AddMaterial(&d.handle, "", nullptr), -2);
-  EXPECT_EQ(DeleteMaterial(&d.handle, nullptr), -2);
-
-  drv::CVm6Drv empty;
-  VMV6DRV handle{};
-  handle.pDrv = &empty;
-  EXPECT_EQ(CountTools(&handle), 0);
-  EXPECT_EQ(GetFirstTool(&handle, &tool), 0);
-  EXPECT_EQ(CountMaterial(&handle), 0);
-  EXPECT_EQ(GetFirstMaterial(&handle, &material), 0);
-  EXPECT_EQ(DeleteMaterial(&handle, "Vinyl"), 0);
 }
 
 TEST(Materials, AddWalkReadAndDelete) {
@@ -146,15 +108,13 @@ TEST(Materials, AddWalkReadAndDelete) {
 
 TEST(Materials, FirstMaterialCreatesTheGroup) {
   drv::CVm6Drv doc;
-  VMV6DRV handle{};
-  handle.pDrv = &doc;
+  VMV6DRV handle = kerfline::test::handle_of(doc);
   EXPECT_EQ(AddMaterial(&handle, "Paper", nullptr), 1);
   EXPECT_EQ(CountMaterial(&handle), 1);
   // The group is stored with the driver and read back.
   drv::CVm6Drv copy;
   ASSERT_TRUE(copy.ReadFromBytes(doc.WriteToBytes()));
-  VMV6DRV copy_handle{};
-  copy_handle.pDrv = &copy;
+  VMV6DRV copy_handle = kerfline::test::handle_of(copy);
   DRVMATERIAL m{};
   ASSERT_EQ(GetFirstMaterial(&copy_handle, &m), 1);
   EXPECT_STREQ(m.pszName, "Paper");
@@ -162,101 +122,121 @@ TEST(Materials, FirstMaterialCreatesTheGroup) {
   FreeMaterial(&m);
 }
 
-struct FlagRow {
-  const char* tool;
-  bool found;
-  std::uint32_t flags;
-  const char* type;
-};
-
-class ToolFlags : public ::testing::TestWithParam<FlagRow> {};
-
-TEST_P(ToolFlags, BitsFromVariablesAndType) {
-  const FlagRow& row = GetParam();
-  SampleDriver d;
-  std::uint32_t flags = 0xDEAD;
-  EXPECT_EQ(kerfline::frame::find_tool_flags(d.doc, row.tool, flags), row.found);
-  EXPECT_EQ(flags, row.flags);
-  // The parts before the type's bits: no tool here sets %Flags_3% or %Flags_4%.
-  std::uint32_t bits = 0xDEAD;
-  std::string type = "unset";
-  EXPECT_EQ(kerfline::frame::find_tool_bits(d.doc, row.tool, bits, type), row.found);
-  EXPECT_EQ(bits, row.found ? row.flags & ~0xCu : 0xDEAD);
-  EXPECT_EQ(type, row.type);
-}
-
 // Cut: %Flags_1%, %OutFlag_2% and %LayerVarFlag% (" Yes ") set, %Flags_2% and
-// %OutFlag_3% ("no") not. Move: %Flags_8%. How each type maps to its bits is
-// DocumentToolMask's table.
-INSTANTIATE_TEST_SUITE_P(
-    Table, ToolFlags,
-    ::testing::Values(FlagRow{"Cut", true, 0x1 | 0x200 | 0x2000 | 0x4, "Contour"},  // Contour: 0x4 only
-                      FlagRow{"Move", true, 0x80 | 0x8, "Transfer"},                // Transfer: 0x8 only
-                      FlagRow{"cut", false, 0xDEAD, "unset"}, FlagRow{"None", false, 0xDEAD, "unset"},
-                      FlagRow{nullptr, false, 0xDEAD, "unset"}),
-    kerfline::test::RowIndex());
+// %OutFlag_3% ("no") not; Move: %Flags_8%. The type adds 0x4 unless it is
+// Transfer and 0x8 unless it is Contour; names are case-sensitive.
+TEST(ToolFlags, BitsFromVariablesAndTypeInEveryCall) {
+  kerfline::test::HostRecorder host;
+  kerfline::test::TempDir dir;
+  SampleDriver d;
+  const std::string path = dir.write("tools.drv", d.doc.WriteToBytes()).string();
+  VMV6DRV file = kerfline::test::record_for(path);
+  ASSERT_EQ(InitDrv(&file), 1);
+  const std::tuple<const char*, bool, std::uint32_t, const char*> rows[] = {
+      // tool, found, flags, type
+      {"Cut", true, 0x1 | 0x200 | 0x2000 | 0x4, "Contour"},
+      {"Move", true, 0x80 | 0x8, "Transfer"},
+      {"cut", false, 0, "unset"},
+      {"Drill", false, 0, "unset"},
+      {nullptr, false, 0, "unset"}};
+  for (const auto& [tool, found, expected, tool_type] : rows) {
+    std::uint32_t flags = 0xDEAD, bits = 0xDEAD;
+    std::string type = "unset";
+    EXPECT_EQ(kerfline::frame::find_tool_flags(d.doc, tool, flags), found);
+    EXPECT_EQ(flags, found ? expected : 0xDEAD);
+    EXPECT_EQ(kerfline::frame::find_tool_bits(d.doc, tool, bits, type), found);
+    EXPECT_EQ(bits, found ? expected & ~0xCu : 0xDEAD);  // the parts before the type's bits
+    EXPECT_EQ(type, tool_type);
+    if (tool == nullptr) continue;  // the exports answer the driver's own flags
+    flags = 0xFFFF0000;
+    EXPECT_EQ(GetFlags(path.c_str(), tool, &flags), 1) << tool;
+    EXPECT_EQ(flags, expected) << tool;
+    flags = 0;
+    EXPECT_EQ(GetDrvFlags(&file, tool, &flags), 1) << tool;
+    EXPECT_EQ(flags, expected) << tool;
+  }
+  EXPECT_EQ(FreeDrv(&file), 1);
+  EXPECT_TRUE(host.boxes.empty());
+}
 
 TEST(Walk, GroupsOfTheDriverAndOfATool) {
   SampleDriver d;
   DRVTOOL tool{};
   ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
-  struct {
-    const char* group;
-    bool with_owner;
-    std::int32_t first_result;
-    std::vector<std::string> names;
-    std::vector<std::string> values;
-  } const rows[] = {
-      {"Sonderbefehle:", false, 1, {"%CI_A%", "%CI_B%"}, {"(A)", "(B)"}},
-      // the nested group and the repeated name are skipped
-      {"Layervariablen", true, 1, {"%Layer%", "%IDepth%"}, {"layer", "layerdepth"}},
-      {"Werkzeugparameter", true, 1, {"%TP%"}, {"tp"}},
-      {"Layervariablen", false, -5, {}, {}},
-      {"%Modi%", false, -5, {}, {}},
-      {"%VideoSettings%", true, 1, {"%Cam%"}, {"cam"}},
-  };
-  for (const auto& row : rows) {
-    VMV6VAR var = d.request("", 0, KERFLINE_VT_TEXT, row.with_owner ? &tool : nullptr);
-    std::vector<std::string> names, values;
-    std::int32_t r = GetFirstVar(&var, row.group);
-    EXPECT_EQ(r, row.first_result) << row.group;
-    for (; r == 1; r = GetNextVar(&var, row.group)) {
-      names.emplace_back(var.szName);
-      values.emplace_back(var.uValue.pszText);
-    }
-    EXPECT_EQ(var.uValue.pszText, nullptr) << row.group;  // the last step released the text
-    EXPECT_EQ(names, row.names) << row.group;
-    EXPECT_EQ(values, row.values) << row.group;
+  // group, with the tool as owner, first result, name=value seen; the nested
+  // group and the repeated name are skipped
+  const std::tuple<const char*, bool, std::int32_t, std::string> rows[] = {
+      {"Sonderbefehle:", false, 1, "%CI_A%=(A) %CI_B%=(B) "},
+      {"Layervariablen", true, 1, "%Layer%=layer %IDepth%=layerdepth "},
+      {"Werkzeugparameter", true, 1, "%TP%=tp "},
+      {"Layervariablen", false, -5, ""},
+      {"%Modi%", false, -5, ""},
+      {"%VideoSettings%", true, 1, "%Cam%=cam "}};
+  for (const auto& [group, with_owner, first_result, expected] : rows) {
+    VMV6VAR var = d.request("", 0, KERFLINE_VT_TEXT, with_owner ? &tool : nullptr);
+    std::string seen;
+    std::int32_t r = GetFirstVar(&var, group);
+    EXPECT_EQ(r, first_result) << group;
+    for (; r == 1; r = GetNextVar(&var, group))
+      seen += std::string(var.szName) + "=" + var.uValue.pszText + " ";
+    EXPECT_EQ(var.uValue.pszText, nullptr) << group;  // the last step released the text
+    EXPECT_EQ(seen, expected) << group;
   }
-  VMV6VAR var = d.request("", 0);
-  EXPECT_EQ(GetFirstVar(&var, nullptr), -2);
   FreeTool(&tool);
 }
 
-TEST(DeviceSettings, HasAndSet) {
+TEST(Walk, AChangedGroupIsFoundAgainByName) {
+  SampleDriver d;
+  VMV6VAR var = d.request("", 0);
+  ASSERT_EQ(GetFirstVar(&var, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(var.szName, "%CI_A%");
+  // An item put in front between two steps: the walk still continues after %CI_A%.
+  dynamic_cast<drv::CDrvItemList&>(*d.doc.FindItem("Sonderbefehle:"))
+      .AddChild(kerfline::test::item("%CI_C%", "(C)"));
+  ASSERT_EQ(GetNextVar(&var, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(var.szName, "%CI_B%");
+  // Two interleaved walks over the same group each keep their place.
+  VMV6VAR other = d.request("", 0);
+  ASSERT_EQ(GetFirstVar(&other, "Sonderbefehle:"), 1);
+  ASSERT_EQ(GetNextVar(&var, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(var.szName, "%CI_C%");
+  ASSERT_EQ(GetNextVar(&other, "Sonderbefehle:"), 1);
+  EXPECT_STREQ(other.szName, "%CI_B%");
+  EXPECT_EQ(GetNextVar(&var, "Sonderbefehle:"), 0);
+  FreeVar(&other);
+}
+
+TEST(DeviceSettings, HasSetAndSetWithoutOverride) {
   SampleDriver d;
   EXPECT_EQ(HasVideoVar(&d.handle, "%Cam%"), 1);
   EXPECT_EQ(HasVideoVar(&d.handle, "%Step%"), 0);
   EXPECT_EQ(HasJoystickVar(&d.handle, "%Step%"), 1);
   EXPECT_EQ(HasJoystickVar(&d.handle, "%Cam%"), 0);
-  EXPECT_EQ(HasVideoVar(&d.handle, nullptr), -2);
-
-  EXPECT_EQ(SetVideoVar(&d.handle, "%Cam%", "off"), 1);
-  EXPECT_EQ(SetVideoVar(&d.handle, "%Zoom%", "3"), 1);
+  const std::tuple<decltype(&SetVideoVar), const char*, const char*, std::int32_t> sets[] = {
+      {SetVideoVar, "%Cam%", "off", 1},
+      {SetVideoVar, "%Zoom%", "3", 1},
+      {SetVideoVarNoOverride, "%Cam%", "on", 0},
+      {SetVideoVarNoOverride, "%Lens%", "5", 1},
+      {SetVideoVarNoOverride, "%Lens%", "6", 0},
+      {SetJoyStickVarNoOverride, "%Step%", "9", 0},
+      {SetJoyStickVarNoOverride, "%Fast%", "9", 1}};
+  for (const auto& [set, name, value, result] : sets) EXPECT_EQ(set(&d.handle, name, value), result) << name;
   EXPECT_EQ(HasVideoVar(&d.handle, "%Zoom%"), 1);
-  VMV6VAR zoom = d.request("%Zoom%", KERFLINE_VARKIND_VIDEO, KERFLINE_VT_INTEGER);
-  ASSERT_EQ(GetVar(&zoom), 1);
-  EXPECT_EQ(zoom.uValue.nInt, 3);
-  VMV6VAR cam = d.request("%Cam%", KERFLINE_VARKIND_VIDEO);
-  ASSERT_EQ(GetVar(&cam), 1);
-  EXPECT_STREQ(cam.uValue.pszText, "off");
-  FreeVar(&cam);
-  EXPECT_EQ(SetVideoVar(&d.handle, "", "1"), -2);
-  EXPECT_EQ(SetJoyStickVar(&d.handle, "%Step%", nullptr), -2);
+  const std::tuple<std::int32_t, const char*, const char*> reads[] = {
+      {KERFLINE_VARKIND_VIDEO, "%Cam%", "off"},
+      {KERFLINE_VARKIND_VIDEO, "%Zoom%", "3"},
+      {KERFLINE_VARKIND_VIDEO, "%Lens%", "5"},
+      {KERFLINE_VARKIND_JOYSTICK, "%Step%", "step"},
+      {KERFLINE_VARKIND_JOYSTICK, "%Fast%", "9"}};
+  for (const auto& [kind, name, value] : reads) {
+    VMV6VAR var = d.request(name, kind);
+    ASSERT_EQ(GetVar(&var), 1) << name;
+    EXPECT_STREQ(var.uValue.pszText, value);
+    FreeVar(&var);
+  }
 
   drv::CVm6Drv bare;
-  VMV6DRV handle{};
-  handle.pDrv = &bare;
+  VMV6DRV handle = kerfline::test::handle_of(bare);
   EXPECT_EQ(HasJoystickVar(&handle, "%Step%"), 0);
   EXPECT_EQ(SetJoyStickVar(&handle, "%Step%", "2"), 1);  // list made on the way
   EXPECT_EQ(HasJoystickVar(&handle, "%Step%"), 1);

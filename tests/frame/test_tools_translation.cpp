@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
-#include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "frame/tool_flags.hpp"
 #include "frame_fixture.hpp"
@@ -48,6 +46,13 @@ TEST_P(ShownNames, FollowTheTranslationFlags) {
   EXPECT_STREQ(var.pszDlgFormat, row.dialog_format);
   EXPECT_DOUBLE_EQ(var.uValue.dDouble, 3.25);
   FreeDlgVar(&var);
+  DLGVARDATA data{};  // the caption: the dialog text again
+  ASSERT_EQ(GetDlgVarData(&var, &data), 1);
+  EXPECT_STREQ(data.szCaption, row.dialog_text);
+  DLGVARLIST list{};
+  ASSERT_EQ(GetDlgVars(&d.handle, KERFLINE_VARKIND_OWNER, &tool, &list), 1);
+  EXPECT_STREQ(list.pEntries[0].pszCaption, row.dialog_text);
+  FreeDlgVars(&list);
 
   // Flags and material removal take the stored name; flags also the shown one.
   uint32_t flags = 0;
@@ -68,32 +73,5 @@ INSTANTIATE_TEST_SUITE_P(Table, ShownNames,
                                            TranslationRow{0x4, "Cut", "Vinyl", "Schnitttiefe", "%.3f"},
                                            TranslationRow{0x8, "Cut", "Vinyl", "Cut depth", "%.2f"}),
                          kerfline::test::RowIndex());
-
-class FlagsOfDriverFiles : public kerfline::test::FrameTest {};
-
-TEST_F(FlagsOfDriverFiles, ToolTypeBitsAreSetWhenTheTypeIsNot) {
-  kerfline::test::HostRecorder host;
-  SampleDriver d;
-  const std::string path = suite.write("tools.drv", d.doc.WriteToBytes()).string();
-  struct {
-    const char* tool;
-    uint32_t flags;
-  } const rows[] = {{"Cut", 0x1 | 0x200 | 0x2000 | 0x4},  // Contour: 0x4, not 0x8
-                    {"Move", 0x80 | 0x8},                 // Transfer: 0x8, not 0x4
-                    {"Drill", 0}};
-  VMV6DRV drv{};
-  std::strncpy(drv.szFileName, path.c_str(), sizeof drv.szFileName - 1);
-  ASSERT_EQ(InitDrv(&drv), 1);
-  for (const auto& row : rows) {
-    uint32_t flags = 0xFFFF0000;
-    EXPECT_EQ(GetFlags(path.c_str(), row.tool, &flags), 1) << row.tool;
-    EXPECT_EQ(flags, row.flags) << row.tool;
-    flags = 0;
-    EXPECT_EQ(GetDrvFlags(&drv, row.tool, &flags), 1) << row.tool;
-    EXPECT_EQ(flags, row.flags) << row.tool;
-  }
-  EXPECT_EQ(FreeDrv(&drv), 1);
-  EXPECT_TRUE(host.boxes.empty());
-}
 
 }  // namespace

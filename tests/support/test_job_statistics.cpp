@@ -5,7 +5,6 @@
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,16 +36,6 @@ class JobStatistics : public ::testing::Test {
     stats_.SetIni(ini_.c_str());
   }
 
-  // Saves, then loads into a second object on the same file, as after a restart.
-  Tools saved_and_reloaded() {
-    stats_.SaveToolStat();
-    CJobStatistics later;
-    later.SetDevice("Cutter 1");
-    later.SetIni(ini_.c_str());
-    later.LoadToolStat();
-    return list_of(later);
-  }
-
   [[nodiscard]] std::optional<std::string> key(const char* name) const {
     return ini::find_string("Cutter 1", name, ini_);
   }
@@ -56,85 +45,55 @@ class JobStatistics : public ::testing::Test {
   CJobStatistics stats_;
 };
 
-TEST_F(JobStatistics, AddsToTheFirstEntryOfTheExactName) {
-  stats_.AddToolDist("Blade", 2.5);
-  stats_.AddToolDist("Pen", 1.0);
-  stats_.AddToolDist("Blade", 2.5);
-  stats_.AddToolDist("blade", 4.0);  // case matters
-  EXPECT_EQ(list_of(stats_), (Tools{{"Blade", 5.0}, {"Pen", 1.0}, {"blade", 4.0}}));
-  EXPECT_EQ(stats_.GetAt(3), nullptr);
-  EXPECT_EQ(stats_.GetAt(-1), nullptr);
-  stats_.AddToolDist(nullptr, 1.0);
-  EXPECT_EQ(stats_.GetSize(), 3);
-}
-
-TEST_F(JobStatistics, SaveWritesIndexedKeysAndCount) {
+TEST_F(JobStatistics, SaveWritesIndexedKeysAndCountInPrintfF) {
   ini::write_value("Cutter 1", "DevOut", "/dev/ttyUSB0", ini_);
   ini::write_value("Cutter 1", "szTool1", "stale", ini_);
   ini::write_value("Cutter 1", "dDist1", "9.000000", ini_);
-  stats_.AddToolDist("Blade", 1234.56789);
-  stats_.AddToolDist("Pen", 0.0);
-  stats_.AddToolDist("Router bit", -2.5);
+  const std::pair<double, const char*> rows[] = {
+      {1234.56789, "1234.567890"}, {0.0, nullptr},  // distance 0: keys deleted
+      {-2.5, "-2.500000"},         {0.1, "0.100000"},       {1e10, "10000000000.000000"},
+      {2.0 / 3.0, "0.666667"},     {0.0000004, "0.000000"},  // nonzero: still written
+      {-1e-7, "-0.000000"}};
+  for (const auto& [dist, text] : rows) stats_.AddToolDist(std::to_string(stats_.GetSize()).c_str(), dist);
   stats_.SaveToolStat();
-  EXPECT_EQ(key("szTool0"), "Blade");
-  EXPECT_EQ(key("dDist0"), "1234.567890");
-  EXPECT_EQ(key("szTool1"), std::nullopt);  // distance 0: deleted
-  EXPECT_EQ(key("dDist1"), std::nullopt);
-  EXPECT_EQ(key("szTool2"), "Router bit");
-  EXPECT_EQ(key("dDist2"), "-2.500000");
-  EXPECT_EQ(key("nStatCount"), "2");
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    EXPECT_EQ(key(("szTool" + std::to_string(i)).c_str()).has_value(), rows[i].second != nullptr) << i;
+    EXPECT_EQ(key(("dDist" + std::to_string(i)).c_str()),
+              rows[i].second ? std::optional<std::string>(rows[i].second) : std::nullopt);
+  }
+  EXPECT_EQ(key("nStatCount"), "7");
   EXPECT_EQ(key("DevOut"), "/dev/ttyUSB0");  // the device's other keys stay
 }
-
-struct DistanceRow {
-  double value;
-  const char* text;
-};
-
-void PrintTo(const DistanceRow& r, std::ostream* os) { *os << r.text; }
-
-class DistanceFormat : public JobStatistics, public ::testing::WithParamInterface<DistanceRow> {};
-
-TEST_P(DistanceFormat, IsPrintfF) {
-  stats_.AddToolDist("T", GetParam().value);
-  stats_.SaveToolStat();
-  EXPECT_EQ(key("dDist0"), GetParam().text);
-}
-
-INSTANTIATE_TEST_SUITE_P(Values, DistanceFormat,
-                         ::testing::Values(DistanceRow{5.0, "5.000000"}, DistanceRow{0.1, "0.100000"},
-                                           DistanceRow{1e10, "10000000000.000000"},
-                                           DistanceRow{0.0000004, "0.000000"},  // nonzero: still written
-                                           DistanceRow{2.0 / 3.0, "0.666667"},
-                                           DistanceRow{-1e-7, "-0.000000"}),
-                         kerfline::test::RowIndex());
 
 TEST_F(JobStatistics, DistancesSurviveARestart) {
   stats_.AddToolDist("Blade", 5.0);
   stats_.AddToolDist("Pen", 0.125);
   stats_.AddToolDist("Drag knife", 1.0 / 3.0);
-  EXPECT_EQ(saved_and_reloaded(), (Tools{{"Blade", 5.0}, {"Pen", 0.125}, {"Drag knife", 0.333333}}));
+  stats_.AddToolDist(std::string(300, 'n').c_str(), 1.0);  // names are cut on load
+  stats_.SaveToolStat();
+  CJobStatistics later;  // as after a restart
+  later.SetDevice("Cutter 1");
+  later.SetIni(ini_.c_str());
+  later.LoadToolStat();
+  EXPECT_EQ(list_of(later),
+            (Tools{{"Blade", 5.0}, {"Pen", 0.125}, {"Drag knife", 0.333333}, {std::string(259, 'n'), 1.0}}));
 }
 
-TEST_F(JobStatistics, ZeroBeforeNonzeroLosesTheNonzeroOnLoad) {
-  stats_.AddToolDist("A", 0.0);
-  stats_.AddToolDist("B", 3.0);
-  EXPECT_EQ(saved_and_reloaded(), Tools{});
-  EXPECT_EQ(key("nStatCount"), "1");
-  EXPECT_EQ(key("szTool1"), "B");
-}
-
-TEST_F(JobStatistics, LoadAppendsAndClearTouchesTheFirstMatchOnly) {
-  stats_.AddToolDist("A", 1.5);
+TEST_F(JobStatistics, AddLoadAndClearTouchTheFirstEntryOfTheExactName) {
+  stats_.AddToolDist("A", 1.0);
   stats_.AddToolDist("B", 2.0);
+  stats_.AddToolDist("A", 0.5);
+  stats_.AddToolDist("a", 4.0);  // case matters
+  stats_.AddToolDist(nullptr, 1.0);
+  EXPECT_EQ(stats_.GetAt(3), nullptr);
+  EXPECT_EQ(stats_.GetAt(-1), nullptr);
   stats_.SaveToolStat();
   stats_.LoadToolStat();
-  EXPECT_EQ(list_of(stats_), (Tools{{"A", 1.5}, {"B", 2.0}, {"A", 1.5}, {"B", 2.0}}));
+  EXPECT_EQ(list_of(stats_), (Tools{{"A", 1.5}, {"B", 2.0}, {"a", 4.0}, {"A", 1.5}, {"B", 2.0}, {"a", 4.0}}));
   stats_.ClearToolStat("A");
   stats_.ClearToolStat("missing");
-  EXPECT_EQ(list_of(stats_), (Tools{{"A", 0.0}, {"B", 2.0}, {"A", 1.5}, {"B", 2.0}}));
-  stats_.AddToolDist("A", 1.0);  // the first one again
-  EXPECT_EQ(stats_.GetAt(0)->dDist, 1.0);
+  stats_.AddToolDist("B", 1.0);
+  EXPECT_EQ(list_of(stats_), (Tools{{"A", 0.0}, {"B", 3.0}, {"a", 4.0}, {"A", 1.5}, {"B", 2.0}, {"a", 4.0}}));
   stats_.FreeToolInfoArray();
   EXPECT_EQ(stats_.GetSize(), 0);
 }
@@ -143,8 +102,6 @@ struct FileRow {
   const char* section;  // lines of [Cutter 1]
   Tools expected;
 };
-
-void PrintTo(const FileRow& r, std::ostream* os) { *os << std::string(r.section).substr(0, 40); }
 
 class LoadFromFile : public JobStatistics, public ::testing::WithParamInterface<FileRow> {};
 
@@ -176,12 +133,6 @@ INSTANTIATE_TEST_SUITE_P(
                 {{"a", 0.0}, {"b", 1.0}, {"c", 2.5}, {"d", 4.5}, {"e", 0.0}, {"f", 1000.0}, {"g", -0.25}}}),
     kerfline::test::RowIndex());
 
-TEST_F(JobStatistics, LongToolNamesAreCutOnLoad) {
-  const std::string name(300, 'n');
-  stats_.AddToolDist(name.c_str(), 1.0);
-  EXPECT_EQ(saved_and_reloaded(), (Tools{{name.substr(0, 259), 1.0}}));
-}
-
 TEST_F(JobStatistics, ResetZeroesDeletesAndUnstamps) {
   ini::write_value("Cutter 1", "lastResetH", "31092419", ini_);
   ini::write_value("Cutter 1", "lastResetL", "1521470976", ini_);
@@ -199,38 +150,32 @@ TEST_F(JobStatistics, ResetZeroesDeletesAndUnstamps) {
 
 std::string utc_text(std::chrono::system_clock::time_point tp) {
   const time_t t = std::chrono::system_clock::to_time_t(tp);
-  tm f{};
-  f = *std::gmtime(&t);  // one thread: the static result is safe here
+  const tm f = *std::gmtime(&t);  // one thread: the static result is safe here
   return std::to_string(f.tm_mday) + "." + std::to_string(f.tm_mon + 1) + "." +
          std::to_string(f.tm_year + 1900) + " " + std::to_string(f.tm_hour) + ":" + std::to_string(f.tm_min) +
          ":" + std::to_string(f.tm_sec);
 }
 
-std::int64_t signed_half(const std::optional<std::string>& text) {
-  std::int32_t v = 0;
-  if (!text) return INT64_MIN;
-  const auto r = std::from_chars(text->data(), text->data() + text->size(), v);
-  return r.ec == std::errc{} && r.ptr == text->data() + text->size() ? v : INT64_MIN;
-}
-
 TEST_F(JobStatistics, FirstQueryAfterResetStampsTheTime) {
   stats_.ResetToolStat();
+  ini::write_value("Cutter 1", "lastResetH", "31092419", ini_);  // the high half alone is no stamp
   const auto before = std::chrono::system_clock::now();
   const std::string first = stats_.FormatTimeString();
   const auto after = std::chrono::system_clock::now();
   EXPECT_TRUE(first == utc_text(before) || first == utc_text(after)) << first;
 
-  const std::int64_t high = signed_half(key("lastResetH"));
-  const std::int64_t low = signed_half(key("lastResetL"));
-  ASSERT_NE(high, INT64_MIN) << "lastResetH is not a signed decimal";
-  ASSERT_NE(low, INT64_MIN) << "lastResetL is not a signed decimal";
-  const std::uint64_t stamp =
-      (static_cast<std::uint64_t>(static_cast<std::uint32_t>(high)) << 32) | static_cast<std::uint32_t>(low);
-  const auto file_time = [](std::chrono::system_clock::time_point tp) {
-    const auto units =
-        std::chrono::duration_cast<std::chrono::duration<std::int64_t, std::ratio<1, 10000000>>>(
-            tp.time_since_epoch());
-    return static_cast<std::uint64_t>(units.count()) + 116444736000000000ULL;
+  const auto half = [&](const char* name) {  // a signed decimal
+    const std::string text = key(name).value_or("none");
+    std::int32_t v = 0;
+    const auto r = std::from_chars(text.data(), text.data() + text.size(), v);
+    EXPECT_TRUE(r.ec == std::errc{} && r.ptr == text.data() + text.size()) << name << ": " << text;
+    return static_cast<std::uint32_t>(v);
+  };
+  const std::uint64_t stamp = (std::uint64_t{half("lastResetH")} << 32) | half("lastResetL");
+  const auto file_time = [](std::chrono::system_clock::time_point tp) {  // 100 ns units since 1601
+    return static_cast<std::uint64_t>(
+               std::chrono::duration_cast<std::chrono::nanoseconds>(tp.time_since_epoch()).count() / 100) +
+           116444736000000000ULL;
   };
   EXPECT_GE(stamp, file_time(before) - 1);
   EXPECT_LE(stamp, file_time(after) + 1);
@@ -240,35 +185,21 @@ TEST_F(JobStatistics, FirstQueryAfterResetStampsTheTime) {
   EXPECT_EQ(dir_.read("plotman.ini"), file_before) << "the second query stamped again";
 }
 
-struct StampRow {
-  const char* high;
-  const char* low;
-  const char* text;
-};
-
-void PrintTo(const StampRow& r, std::ostream* os) { *os << r.high << " " << r.low; }
-
-class StoredStamp : public JobStatistics, public ::testing::WithParamInterface<StampRow> {};
-
-TEST_P(StoredStamp, IsShownInLocalTime) {
-  ini::write_value("Cutter 1", "lastResetH", GetParam().high, ini_);
-  ini::write_value("Cutter 1", "lastResetL", GetParam().low, ini_);
-  EXPECT_STREQ(stats_.FormatTimeString(), GetParam().text);
-  EXPECT_EQ(key("lastResetL"), GetParam().low) << "a stored time was stamped over";
-}
-
-INSTANTIATE_TEST_SUITE_P(Halves, StoredStamp,
-                         ::testing::Values(StampRow{"31092419", "1521470976", "5.3.2024 6:7:8"},
-                                           StampRow{"31092419", "-2073496320", "5.3.2024 6:8:18"},
-                                           StampRow{"0", "1", "1.1.1601 0:0:0"},
-                                           StampRow{"-1", "5", ""}),  // not a time
-                         kerfline::test::RowIndex());
-
-TEST_F(JobStatistics, HighHalfAloneDoesNotCountAsStamped) {
-  ini::write_value("Cutter 1", "lastResetH", "31092419", ini_);
-  ini::write_value("Cutter 1", "lastResetL", "0", ini_);
-  EXPECT_STRNE(stats_.FormatTimeString(), "5.3.2024 6:7:8");
-  EXPECT_NE(key("lastResetL"), "0");
+TEST_F(JobStatistics, StoredStampIsShownInLocalTime) {
+  const struct {
+    const char* high;
+    const char* low;
+    const char* text;
+  } rows[] = {{"31092419", "1521470976", "5.3.2024 6:7:8"},
+              {"31092419", "-2073496320", "5.3.2024 6:8:18"},
+              {"0", "1", "1.1.1601 0:0:0"},
+              {"-1", "5", ""}};  // not a time
+  for (const auto& row : rows) {
+    ini::write_value("Cutter 1", "lastResetH", row.high, ini_);
+    ini::write_value("Cutter 1", "lastResetL", row.low, ini_);
+    EXPECT_STREQ(stats_.FormatTimeString(), row.text);
+    EXPECT_EQ(key("lastResetL"), row.low) << "a stored time was stamped over";
+  }
 }
 
 }  // namespace
