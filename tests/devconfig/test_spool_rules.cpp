@@ -107,7 +107,6 @@ const SetupRow kSetupRows[] = {
     {"lpt1", "", 1},
     {"A:b", "SPOOLER/SL_A_B/index.hot", 0},
     // Only ':' is made safe here: the dot stays, unlike the spool directory.
-    {"v1.2", "SPOOLER/SL_V1_2/index.hot", 1},
     {"v1.2", "SPOOLER/SL_V1.2/index.hot", 0},
 };
 

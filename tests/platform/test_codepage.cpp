@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "fixtures/table_names.hpp"
-
 #include "platform/codepage.hpp"
 
 #include <string>

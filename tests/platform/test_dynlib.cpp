@@ -73,11 +73,6 @@ class InstalledPluginTest : public ::testing::Test {
   TempDir suite;
 };
 
-// The test program has the platform layer linked in: its code lives in the program.
-TEST(LibraryDir, IsTheProgramsDirectoryForCodeLinkedIntoIt) {
-  EXPECT_EQ(kp::library_dir(), kp::executable_dir());
-}
-
 TEST_F(InstalledPluginTest, SuiteCopyWinsOverTheInstalledOne) {
   struct Case {
     bool in_suite;

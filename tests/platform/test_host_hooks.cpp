@@ -3,7 +3,6 @@
 #include "fixtures/table_names.hpp"
 #include "platform/environment.hpp"
 
-#include <cstdlib>
 #include <tuple>
 
 #include "fixtures/host_recorder.hpp"
@@ -28,15 +27,14 @@ TEST_P(DefaultMessageBox, WritesToStderrAndGivesTheSafeAnswer) {
   EXPECT_EQ(printed, "Kerfline error: Can not open driver\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, DefaultMessageBox,
-    ::testing::Values(BoxDefaultCase{KERFLINE_MB_OK, KERFLINE_IDOK},
-                      BoxDefaultCase{KERFLINE_MB_OK | KERFLINE_MB_ICONERROR, KERFLINE_IDOK},
-                      BoxDefaultCase{KERFLINE_MB_OKCANCEL, KERFLINE_IDOK},
-                      BoxDefaultCase{KERFLINE_MB_YESNO, KERFLINE_IDNO},
-                      BoxDefaultCase{KERFLINE_MB_YESNO | KERFLINE_MB_ICONQUESTION, KERFLINE_IDNO},
-                      BoxDefaultCase{KERFLINE_MB_YESNOCANCEL, KERFLINE_IDNO}),
-    kerfline::test::RowIndex());
+INSTANTIATE_TEST_SUITE_P(Table, DefaultMessageBox,
+                         ::testing::Values(BoxDefaultCase{KERFLINE_MB_OK, KERFLINE_IDOK},
+                                           BoxDefaultCase{KERFLINE_MB_OKCANCEL, KERFLINE_IDOK},
+                                           BoxDefaultCase{KERFLINE_MB_YESNO, KERFLINE_IDNO},
+                                           BoxDefaultCase{KERFLINE_MB_YESNO | KERFLINE_MB_ICONQUESTION,
+                                                          KERFLINE_IDNO},
+                                           BoxDefaultCase{KERFLINE_MB_YESNOCANCEL, KERFLINE_IDNO}),
+                         kerfline::test::RowIndex());
 
 TEST(DefaultHooks, DiagnosticEnvironmentHoldsCtrlAndShift) {
   host::install(nullptr);

@@ -3,7 +3,6 @@
 #include "fixtures/table_names.hpp"
 #include "platform/environment.hpp"
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "fixtures/temp_dir.hpp"

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "fixtures/table_names.hpp"
@@ -105,7 +104,7 @@ TEST(TcpSocket, WritingToAVanishedPeerIsAnErrorNotASignal) {
     auto accepted = link.listener.accept(2000);
     ASSERT_TRUE(accepted && accepted->has_value());
   }  // the server side closes here
-  const std::string block(64 * 1024, 'x');
+  const std::string block(std::size_t{64} * 1024, 'x');
   bool failed = false;
   for (int i = 0; i < 50 && !failed; ++i) failed = !link.client.write(block.data(), block.size(), 200);
   EXPECT_TRUE(failed);
@@ -115,7 +114,7 @@ TEST(TcpSocket, AWriteThePeerDoesNotTakeStopsAtTheTimeOut) {
   Link link;
   auto accepted = link.listener.accept(2000);
   ASSERT_TRUE(accepted && accepted->has_value());
-  const std::string big(64 * 1024 * 1024, 'y');  // far beyond both socket buffers
+  const std::string big(std::size_t{64} * 1024 * 1024, 'y');  // far beyond both socket buffers
   auto w = link.client.write(big.data(), big.size(), 100);
   ASSERT_TRUE(w);
   EXPECT_GT(*w, 0u);

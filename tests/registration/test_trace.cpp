@@ -37,7 +37,6 @@ std::vector<std::filesystem::path> plot_files(const TempDir& dir) {
 // Pen up on the circle, then a full arc; the numbers read exactly as the C
 // library's "%f" writes them.
 TEST(FrmtHpglCircle, PenUpOnTheCircleThenAFullArc) {
-  EXPECT_EQ(circle(1000, 2000, 500), "PU 500.000000,800.000000;\r\nAA 400.000000,800.000000,360;\r\n");
   EXPECT_EQ(circle(-2.5, 1.25, 10), "PU 1.000000,0.500000;\r\nAA -1.000000,0.500000,360;\r\n");
   const double values[] = {0.0, -0.0, 1.23456789, -1.0000005, 2.5e-7, -4e-7, 123456789.125, 1e20, 3.0e-300};
   for (const double x : values) {

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <memory>
-#include <string>
 
 #include "script/evaluator.hpp"
 #include "script/function_registry.hpp"

@@ -3,8 +3,6 @@
 // process's first.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -62,9 +60,8 @@ TEST_P(DoEvalTable, Result) { EXPECT_EQ(do_eval(GetParam().templ.c_str()), GetPa
 INSTANTIATE_TEST_SUITE_P(
     Rows, DoEvalTable,
     ::testing::Values(DoEvalRow{"PU %x%,%y%;\r\n", "PU %x%,%y%;\r\n"}, DoEvalRow{"", std::nullopt},
-                      DoEvalRow{R"(&T(""))", std::nullopt}, DoEvalRow{"%[2*3.4]%", "7"},
-                      DoEvalRow{"%[1+2", "0.0"}, DoEvalRow{"{[1][a][b]", "0.0"},
-                      DoEvalRow{"{[ISCLOSED][yes][no]}", "no"},
+                      DoEvalRow{R"(&T(""))", std::nullopt}, DoEvalRow{"%[1+2", "0.0"},
+                      DoEvalRow{"{[1][a][b]", "0.0"}, DoEvalRow{"{[ISCLOSED][yes][no]}", "no"},
                       // A script error is the pass's whole output; an error inside a
                       // condition's operand is only a value.
                       DoEvalRow{R"(&Left("AB"))",
@@ -143,13 +140,6 @@ TEST(EvalApiUserFunctions, RegisteredBeforeAndAfterInit) {
   EXPECT_EQ(AddEvalUserFunc("Left", "a", "a"), 0);
   EXPECT_EQ(AddEvalUserFunc("VarSet", "", "x"), 0);
   EXPECT_EQ(do_eval(R"(&Twice("x")/&Pair("1", "2"))"), "xx/21");
-  const FunctionRecord* record = process_eval().registry().find("PAIR");
-  ASSERT_NE(record, nullptr);
-  EXPECT_TRUE(record->user);
-  EXPECT_EQ(record->parameter_count, 2);
-  EXPECT_EQ(record->second_text, "Join(b, a)");
-  EXPECT_EQ(record->help, "<!--user func-->");
-  EXPECT_EQ(record->routine, nullptr);
 }
 
 TEST_F(EvalApi, OutputEntryShowsErrorsUntilCancelled) {
