@@ -21,7 +21,9 @@ struct ProcessBlock {
 };
 
 ProcessBlock* open_process_block() {
-  auto* holder = new ProcessBlock;
+  // Owned until it is complete: running out of memory half way leaks nothing,
+  // and the next call tries again.
+  auto holder = std::make_unique<ProcessBlock>();
   const char* env = std::getenv("KERFLINE_SHM_NAME");
   const std::string name = env != nullptr && *env != '\0' ? env : kDefaultName;
   if (auto opened = platform::SharedMemory::open(name, sizeof(SharedBlock))) {
@@ -31,7 +33,7 @@ ProcessBlock* open_process_block() {
     holder->fallback = std::make_unique<SharedBlock>();
     holder->block = holder->fallback.get();
   }
-  return holder;
+  return holder.release();
 }
 
 }  // namespace

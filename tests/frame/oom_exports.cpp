@@ -98,6 +98,8 @@ const Row kRows[] = {
      [](Scene&) { return true; }},
     {"GetEvalFunc", [](Scene& s) { return GetEvalFunc(GetEvalFuncCount() - 1, &s.func); },
      [](Scene& s) { return zeroed(&s.func, sizeof s.func); }},
+    // The first call sets up the block; one that failed is tried again.
+    {"SharedDataMan", [](Scene&) { return SharedDataMan(3, 0); }, [](Scene&) { return true; }},
 };
 
 class OutOfMemory : public ::testing::TestWithParam<Row> {};
