@@ -74,7 +74,8 @@ std::string write_lock_name(const std::string& path) {
 
 class WriteLock {
  public:
-  explicit WriteLock(const std::string& path) : mutex_(CreateMutexA(nullptr, FALSE, write_lock_name(path).c_str())) {
+  explicit WriteLock(const std::string& path)
+      : mutex_(CreateMutexA(nullptr, FALSE, write_lock_name(path).c_str())) {
     if (!mutex_.valid()) return;
     // An abandoned mutex: a writer ended while holding it; the file is as
     // the system left it, and the lock is now ours.
