@@ -57,7 +57,7 @@ struct Scene {
 struct Row {
   const char* name;
   std::function<int32_t(Scene&)> call;
-  // What a -3 must leave behind.
+  // What a -3 must leave behind; empty: nothing to check.
   std::function<bool(Scene&)> intact;
 };
 
@@ -84,11 +84,9 @@ const Row kRows[] = {
      [](Scene& s) { return s.cut.nVarCount == 0 && s.cut.pVars == nullptr; }},
     {"AddLayer", [](Scene& s) { return AddLayer(&s.cut, &kLayer); },
      [](Scene& s) { return s.cut.nLayerCount == 0 && s.cut.pLayers == nullptr; }},
-    {"SetEvalVar", [](Scene&) { return SetEvalVar("%OomVar%", "value", 0); }, [](Scene&) { return true; }},
-    {"AddEvalUserFunc", [](Scene&) { return AddEvalUserFunc("OomAddedUserFunction", "a", "&a&"); },
-     [](Scene&) { return true; }},
-    {"LoadEvalVars", [](Scene& s) { return LoadEvalVars(&s.d.handle, 0xFFFFFFFFu); },
-     [](Scene&) { return true; }},
+    {"SetEvalVar", [](Scene&) { return SetEvalVar("%OomVar%", "value", 0); }, nullptr},
+    {"AddEvalUserFunc", [](Scene&) { return AddEvalUserFunc("OomAddedUserFunction", "a", "&a&"); }, nullptr},
+    {"LoadEvalVars", [](Scene& s) { return LoadEvalVars(&s.d.handle, 0xFFFFFFFFu); }, nullptr},
     {"GetEvalFunc", [](Scene& s) { return GetEvalFunc(GetEvalFuncCount() - 1, &s.func); },
      [](Scene& s) { return all_zero(&s.func, sizeof s.func); }},
 };
@@ -110,7 +108,7 @@ TEST_P(OutOfMemory, EveryFailingAllocationIsReportedAndLeavesNothingHalfDone) {
     }
     if (result != KERFLINE_OUT_OF_MEMORY) continue;  // a failure the export absorbed
     reported = true;
-    EXPECT_TRUE(row.intact(scene)) << "allocation " << n;
+    EXPECT_TRUE(!row.intact || row.intact(scene)) << "allocation " << n;
   }
   EXPECT_TRUE(reported) << "no allocation failure gave -3";
 }

@@ -42,11 +42,11 @@ TEST(Tools, ToolsGroupFoundByTextNumberOrDescription) {
   for (const auto& row : rows) {
     drv::CVm6Drv doc;
     VMV6DRV handle = kerfline::test::handle_of(doc);
-    auto tools = kerfline::test::group("Tools");
+    auto tools =
+        kerfline::test::with(kerfline::test::group("Tools"),
+                             {kerfline::test::group("Knife"), kerfline::test::item("%NotATool%", "x")});
     tools->Description = row.description;
     tools->DictId = row.dict_id;
-    tools->AddChild(kerfline::test::group("Knife"));
-    tools->AddChild(kerfline::test::item("%NotATool%", "x"));
     doc.Root().AddChild(tools);
     doc.RefreshGroupList();
     EXPECT_EQ(CountTools(&handle), row.count) << row.description << row.dict_id;
