@@ -21,8 +21,6 @@ struct AnswerRow {
   std::intptr_t expected;
 };
 
-void PrintTo(const AnswerRow& r, std::ostream* os) { *os << r.call; }
-
 std::intptr_t as_number(std::int32_t v) { return v; }
 std::intptr_t as_number(const void* p) { return reinterpret_cast<std::intptr_t>(p); }
 #define CALL(call, expected)                        \
