@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "fixtures/temp_dir.hpp"
@@ -29,6 +30,11 @@ class FrameTest : public ::testing::Test {
 // One entry of a translation file.
 inline std::string po_entry(const std::string& id, const std::string& str) {
   return "msgid \"" + id + "\"\nmsgstr \"" + str + "\"\n\n";
+}
+
+// The text as an optional; null: none.
+inline std::optional<std::string> text_or_none(const char* text) {
+  return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
 }
 
 }  // namespace kerfline::test

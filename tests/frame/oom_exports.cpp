@@ -23,15 +23,8 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
+using kerfline::test::all_zero;
 using kerfline::test::SampleDriver;
-
-bool zeroed(const void* record, std::size_t size) {
-  const auto* bytes = static_cast<const unsigned char*>(record);
-  for (std::size_t i = 0; i < size; ++i) {
-    if (bytes[i] != 0) return false;
-  }
-  return true;
-}
 
 // What a call works on, made fresh (with no failure armed) for every attempt.
 struct Scene {
@@ -64,7 +57,7 @@ struct Scene {
 struct Row {
   const char* name;
   std::function<int32_t(Scene&)> call;
-  // What a -3 must leave behind.
+  // What a -3 must leave behind; empty: nothing to check.
   std::function<bool(Scene&)> intact;
 };
 
@@ -75,31 +68,29 @@ const Row kRows[] = {
     {"KerflineGetHelpFile", [](Scene& s) { return KerflineGetHelpFile(s.text, sizeof s.text); },
      [](Scene& s) { return s.text[0] == '\0'; }},
     {"InitDrv", [](Scene& s) { return InitDrv(&s.file); },
-     [](Scene& s) { return zeroed(&s.file, sizeof s.file); }},
+     [](Scene& s) { return all_zero(&s.file, sizeof s.file); }},
     {"InitDrvQuick", [](Scene& s) { return InitDrvQuick(&s.file); },
      [](Scene& s) { return s.file.pDrv == nullptr; }},
     {"GetVarDesc", [](Scene& s) { return GetVarDesc(9352, 0, &s.desc); },
      [](Scene& s) { return s.desc.pszName == nullptr && s.desc.pszDescription == nullptr; }},
     {"GetFirstTool", [](Scene& s) { return GetFirstTool(&s.d.handle, &s.tool); },
-     [](Scene& s) { return zeroed(&s.tool, sizeof s.tool); }},
+     [](Scene& s) { return all_zero(&s.tool, sizeof s.tool); }},
     {"AddMaterial", [](Scene& s) { return AddMaterial(&s.d.handle, "Foil", &s.material); },
-     [](Scene& s) { return zeroed(&s.material, sizeof s.material) && CountMaterial(&s.d.handle) == 1; }},
+     [](Scene& s) { return all_zero(&s.material, sizeof s.material) && CountMaterial(&s.d.handle) == 1; }},
     {"GetDlgVars",
      [](Scene& s) { return GetDlgVars(&s.d.handle, KERFLINE_VARKIND_DRIVER, nullptr, &s.list); },
-     [](Scene& s) { return zeroed(&s.list, sizeof s.list); }},
+     [](Scene& s) { return all_zero(&s.list, sizeof s.list); }},
     {"AddVariable", [](Scene& s) { return AddVariable(&s.cut, &kVar); },
      [](Scene& s) { return s.cut.nVarCount == 0 && s.cut.pVars == nullptr; }},
     {"AddLayer", [](Scene& s) { return AddLayer(&s.cut, &kLayer); },
      [](Scene& s) { return s.cut.nLayerCount == 0 && s.cut.pLayers == nullptr; }},
-    {"SetEvalVar", [](Scene&) { return SetEvalVar("%OomVar%", "value", 0); }, [](Scene&) { return true; }},
-    {"AddEvalUserFunc", [](Scene&) { return AddEvalUserFunc("OomAddedUserFunction", "a", "&a&"); },
-     [](Scene&) { return true; }},
-    {"LoadEvalVars", [](Scene& s) { return LoadEvalVars(&s.d.handle, 0xFFFFFFFFu); },
-     [](Scene&) { return true; }},
+    {"SetEvalVar", [](Scene&) { return SetEvalVar("%OomVar%", "value", 0); }, nullptr},
+    {"AddEvalUserFunc", [](Scene&) { return AddEvalUserFunc("OomAddedUserFunction", "a", "&a&"); }, nullptr},
+    {"LoadEvalVars", [](Scene& s) { return LoadEvalVars(&s.d.handle, 0xFFFFFFFFu); }, nullptr},
     {"GetEvalFunc", [](Scene& s) { return GetEvalFunc(GetEvalFuncCount() - 1, &s.func); },
-     [](Scene& s) { return zeroed(&s.func, sizeof s.func); }},
+     [](Scene& s) { return all_zero(&s.func, sizeof s.func); }},
     // The first call sets up the block; one that failed is tried again.
-    {"SharedDataMan", [](Scene&) { return SharedDataMan(3, 0); }, [](Scene&) { return true; }},
+    {"SharedDataMan", [](Scene&) { return SharedDataMan(3, 0); }, nullptr},
 };
 
 class OutOfMemory : public ::testing::TestWithParam<Row> {};
@@ -119,7 +110,7 @@ TEST_P(OutOfMemory, EveryFailingAllocationIsReportedAndLeavesNothingHalfDone) {
     }
     if (result != KERFLINE_OUT_OF_MEMORY) continue;  // a failure the export absorbed
     reported = true;
-    EXPECT_TRUE(row.intact(scene)) << "allocation " << n;
+    EXPECT_TRUE(!row.intact || row.intact(scene)) << "allocation " << n;
   }
   EXPECT_TRUE(reported) << "no allocation failure gave -3";
 }

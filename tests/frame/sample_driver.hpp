@@ -3,6 +3,7 @@
 // written below a TempDir.
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
@@ -58,6 +59,12 @@ inline std::shared_ptr<drv::CDrvItemDlgVar> dialog_var(const std::string& name, 
 template <typename Fill>
 std::string write_driver(const TempDir& dir, const std::string& relative, Fill&& fill) {
   return dir.write(relative, driver_bytes(std::forward<Fill>(fill))).string();
+}
+
+// Whether every byte of a record is zero (as a released or refused record is).
+inline bool all_zero(const void* record, std::size_t size) {
+  const auto* bytes = static_cast<const unsigned char*>(record);
+  return std::all_of(bytes, bytes + size, [](unsigned char b) { return b == 0; });
 }
 
 // A record naming path, in the given mode.

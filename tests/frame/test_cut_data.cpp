@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 
 #include "kerfline/kerfline.h"
+#include "sample_driver.hpp"
 
 namespace {
 
@@ -19,8 +19,7 @@ class CutData : public ::testing::Test {
   void SetUp() override {
     std::memset(&data, 0xAB, sizeof(data));
     ASSERT_EQ(InitCutData(&data), 1);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(&data);  // every byte cleared
-    ASSERT_TRUE(std::all_of(bytes, bytes + sizeof(data), [](unsigned char b) { return b == 0; }));
+    ASSERT_TRUE(kerfline::test::all_zero(&data, sizeof data));  // every byte cleared
   }
   void TearDown() override { EXPECT_EQ(FreeCutData(&data), 1); }
   CUTDATA data;
@@ -36,12 +35,11 @@ TEST_F(CutData, VariablesAreCopiedInOrderAndNullTextsBecomeEmpty) {
   std::strcpy(name, "changed");  // the host's texts are copied
   std::strcpy(value, "xx");
   ASSERT_EQ(data.nVarCount, 3);
-  EXPECT_STREQ(data.pVars[0].pszName, "%Speed%");
-  EXPECT_STREQ(data.pVars[0].pszValue, "40");
-  EXPECT_STREQ(data.pVars[1].pszName, "b");
-  EXPECT_STREQ(data.pVars[1].pszValue, "");
-  EXPECT_STREQ(data.pVars[2].pszName, "");
-  EXPECT_STREQ(data.pVars[2].pszValue, "3");
+  const char* const expected[][2] = {{"%Speed%", "40"}, {"b", ""}, {"", "3"}};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_STREQ(data.pVars[i].pszName, expected[i][0]);
+    EXPECT_STREQ(data.pVars[i].pszValue, expected[i][1]);
+  }
 }
 
 TEST_F(CutData, ASecondVariableDropsTheLayersAddedBeforeIt) {

@@ -61,9 +61,8 @@ struct DialogDriver : SampleDriver {
     init->DictId = 9184;  // the standard %PlotInit%, default "IN;PA;"
     page->AddChild(init);
     page->AddChild(dlg("%Pressure%", "999", drv::type_code::kInteger, "%d"));  // repeated: first wins
-    auto nested = kerfline::test::group("Advanced");
-    nested->AddChild(dlg("%Deep%", "1", drv::type_code::kString, ""));
-    page->AddChild(nested);
+    page->AddChild(kerfline::test::with(kerfline::test::group("Advanced"),
+                                        {dlg("%Deep%", "1", drv::type_code::kString, "")}));
     doc.Root().AddChild(page);
     doc.RefreshGroupList();
   }

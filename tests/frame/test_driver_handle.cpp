@@ -12,6 +12,7 @@
 
 namespace drv = kerfline::driver;
 using kerfline::frame::document_of;
+using kerfline::test::all_zero;
 using kerfline::test::HostRecorder;
 using kerfline::test::named;
 using kerfline::test::record_for;
@@ -19,14 +20,6 @@ using kerfline::test::TempDir;
 using kerfline::test::write_driver;
 
 namespace {
-
-bool all_bytes(const VMV6DRV& drv, unsigned char value) {
-  const auto* bytes = reinterpret_cast<const unsigned char*>(&drv);
-  for (std::size_t i = 0; i < sizeof(drv); ++i) {
-    if (bytes[i] != value) return false;
-  }
-  return true;
-}
 
 class DriverHandle : public ::testing::Test {
  protected:
@@ -85,7 +78,7 @@ TEST_F(DriverHandle, MissingFileIsShownAndFailsTheRecord) {
   const std::string path = dir.str() + "absent.drv";
   VMV6DRV drv = record_for(path, 1);
   EXPECT_EQ(InitDrv(&drv), -4);
-  EXPECT_TRUE(all_bytes(drv, 0));
+  EXPECT_TRUE(all_zero(&drv, sizeof drv));
   drv = record_for(path, 3);
   drv.pDrv = &drv;
   const VMV6DRV before = drv;
@@ -103,7 +96,7 @@ TEST_F(DriverHandle, UnreadableFilesFailWithoutABoxForTheContents) {
   for (const std::string& bytes : {""s, "VM6DRV"s, "not a driver at all"s, "VM6DRV\0\0\xff\xff"s}) {
     VMV6DRV drv = record_for(dir.write("broken.drv", bytes).string(), 1);
     EXPECT_EQ(InitDrv(&drv), -4) << bytes;
-    EXPECT_TRUE(all_bytes(drv, 0)) << bytes;
+    EXPECT_TRUE(all_zero(&drv, sizeof drv)) << bytes;
   }
   EXPECT_TRUE(host.boxes.empty());
 }

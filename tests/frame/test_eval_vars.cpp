@@ -18,12 +18,10 @@ std::string var(const char* name) {
 
 TEST(LoadEvalVars, TheDriversVariablesBecomeSharedVariables) {
   kerfline::test::SampleDriver sample;
-  auto& root = sample.doc.Root();
-  root.AddChild(kerfline::test::item("%Pressure%", "80"));
-  root.AddChild(kerfline::test::item("%pressure%", "second"));  // a later duplicate loses
-  auto nested = kerfline::test::group("Deep");
-  nested->AddChild(kerfline::test::item("%Offset%", "0.25"));
-  root.AddChild(nested);
+  using kerfline::test::item;
+  kerfline::test::add_all(sample.doc.Root(),
+                          {item("%Pressure%", "80"), item("%pressure%", "second"),  // a later duplicate loses
+                           kerfline::test::with(kerfline::test::group("Deep"), {item("%Offset%", "0.25")})});
 
   ASSERT_EQ(InitEval(0, 0, nullptr), 1);
   EXPECT_GT(LoadEvalVars(&sample.handle, 0xFFFFFFFFu), 3);

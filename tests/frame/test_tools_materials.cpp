@@ -2,7 +2,6 @@
 // the sample driver.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -17,11 +16,6 @@ namespace drv = kerfline::driver;
 
 namespace {
 
-bool all_zero(const void* record, std::size_t size) {
-  const auto* bytes = static_cast<const unsigned char*>(record);
-  return std::all_of(bytes, bytes + size, [](unsigned char b) { return b == 0; });
-}
-
 TEST(Tools, WalkListsEveryToolOnce) {
   SampleDriver d;
   EXPECT_EQ(CountTools(&d.handle), 2);
@@ -31,7 +25,7 @@ TEST(Tools, WalkListsEveryToolOnce) {
     seen.push_back(std::string(tool.pszName) + "/" + tool.pszType + "/" + std::to_string(tool.nIndex) + "/" +
                    std::to_string(tool.nVarCount));  // the sub-lists are not variables
   }
-  EXPECT_TRUE(all_zero(&tool, sizeof tool));  // the end releases the record
+  EXPECT_TRUE(kerfline::test::all_zero(&tool, sizeof tool));  // the end releases the record
   EXPECT_EQ(seen, (std::vector<std::string>{"Cut/Contour/0/10", "Move/Transfer/1/1"}));
   EXPECT_EQ(FreeTool(&tool), 1);                // harmless on a released record
   EXPECT_EQ(GetNextTool(&d.handle, &tool), 1);  // an empty record starts over
@@ -48,11 +42,11 @@ TEST(Tools, ToolsGroupFoundByTextNumberOrDescription) {
   for (const auto& row : rows) {
     drv::CVm6Drv doc;
     VMV6DRV handle = kerfline::test::handle_of(doc);
-    auto tools = kerfline::test::group("Tools");
+    auto tools =
+        kerfline::test::with(kerfline::test::group("Tools"),
+                             {kerfline::test::group("Knife"), kerfline::test::item("%NotATool%", "x")});
     tools->Description = row.description;
     tools->DictId = row.dict_id;
-    tools->AddChild(kerfline::test::group("Knife"));
-    tools->AddChild(kerfline::test::item("%NotATool%", "x"));
     doc.Root().AddChild(tools);
     doc.RefreshGroupList();
     EXPECT_EQ(CountTools(&handle), row.count) << row.description << row.dict_id;
@@ -94,7 +88,7 @@ TEST(Materials, AddWalkReadAndDelete) {
     names.emplace_back(m.pszName);
   }
   EXPECT_EQ(names, (std::vector<std::string>{"Vinyl", "Foil"}));
-  EXPECT_TRUE(all_zero(&m, sizeof m));
+  EXPECT_TRUE(kerfline::test::all_zero(&m, sizeof m));
 
   d.doc.PendingState = 3;
   EXPECT_EQ(DeleteMaterial(&d.handle, "Foil"), 1);
@@ -103,7 +97,7 @@ TEST(Materials, AddWalkReadAndDelete) {
   EXPECT_EQ(CountMaterial(&d.handle), 1);
   EXPECT_EQ(GetVar(&speed), -5);  // the record outlived its material
   EXPECT_EQ(FreeMaterial(&foil), 1);
-  EXPECT_TRUE(all_zero(&foil, sizeof foil));
+  EXPECT_TRUE(kerfline::test::all_zero(&foil, sizeof foil));
 }
 
 TEST(Materials, FirstMaterialCreatesTheGroup) {
