@@ -13,7 +13,6 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -27,6 +26,7 @@
 #include "driver/drv_item_list.hpp"
 #include "driver/vm6drv.hpp"
 #include "fixtures/driver_items.hpp"
+#include "fixtures/host_recorder.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "platform/line_pair.hpp"
 #include "platform/paths.hpp"
@@ -121,7 +121,8 @@ class DriverVars {
 };
 
 // Devices with test settings, waits recorded instead of spent, the link
-// state as at load, and a temp suite directory; all undone afterwards.
+// state as at load, a temp suite directory and a recording host; all undone
+// afterwards.
 class DeviceEnv {
  public:
   DeviceEnv() {
@@ -142,9 +143,20 @@ class DeviceEnv {
   DeviceEnv(const DeviceEnv&) = delete;
   DeviceEnv& operator=(const DeviceEnv&) = delete;
 
+  // Opens `device` into error, read and write, for a driver without
+  // variables unless one is given.
+  std::int32_t open(const char* device, VMV6DRV* drv = nullptr) {
+    return device::OpenDevicePort(drv != nullptr ? drv : no_vars.drv(), device, &error, &read, &write);
+  }
+
   TempDir dir;
+  HostRecorder host;
   std::map<std::string, device::PortSettings> devices;
   std::vector<std::uint32_t> waits;
+  DriverVars no_vars{{}};
+  std::int32_t error = 1;
+  device::Handle read = platform::port::kInvalidHandle;
+  device::Handle write = platform::port::kInvalidHandle;
 };
 
 }  // namespace kerfline::test

@@ -2,7 +2,6 @@
 // and the Graphtec library's two sides.
 #include <gtest/gtest.h>
 
-#include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "platform/environment.hpp"
 #include "port_fixture.hpp"
@@ -11,8 +10,6 @@ namespace dev = kerfline::device;
 namespace port = kerfline::platform::port;
 using kerfline::platform::set_environment;
 using kerfline::test::DeviceEnv;
-using kerfline::test::DriverVars;
-using kerfline::test::HostRecorder;
 using kerfline::test::open_descriptors;
 using kerfline::test::RowIndex;
 
@@ -47,29 +44,26 @@ const OpenRow kOpens[] = {
 TEST_P(OpenCodes, GiveTheCodeAndLeakNothing) {
   const OpenRow& row = GetParam();
   DeviceEnv env;
-  HostRecorder host;
   env.dir.write("out.plt", "");
   std::filesystem::create_directory(env.dir.path() / "dir");
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = row.port_type;
   s.write_to = *row.write_to ? (env.dir.path() / row.write_to).string() : "";
-  DriverVars vars({});
   const int before = open_descriptors();
-  std::int32_t error = 1;
-  dev::Handle read = 1234;
-  dev::Handle write = 5678;
-  EXPECT_EQ(dev::OpenDevicePort(vars.drv(), row.device, &error, &read, &write), row.result);
-  EXPECT_EQ(error, row.error);
+  env.read = 1234;
+  env.write = 5678;
+  EXPECT_EQ(env.open(row.device), row.result);
+  EXPECT_EQ(env.error, row.error);
   if (row.opened) {
-    EXPECT_EQ(read, write);
-    EXPECT_TRUE(port::is_open_handle(read));
-    dev::close_pair(read, write);
+    EXPECT_EQ(env.read, env.write);
+    EXPECT_TRUE(port::is_open_handle(env.read));
+    dev::close_pair(env.read, env.write);
   } else {
-    EXPECT_EQ(read, 1234);
-    EXPECT_EQ(write, 5678);
+    EXPECT_EQ(env.read, 1234);
+    EXPECT_EQ(env.write, 5678);
   }
   EXPECT_FALSE(dev::link_state().pipe_flag);
-  EXPECT_TRUE(host.boxes.empty());
+  EXPECT_TRUE(env.host.boxes.empty());
   EXPECT_EQ(open_descriptors(), before);
 }
 INSTANTIATE_TEST_SUITE_P(Table, OpenCodes, ::testing::ValuesIn(kOpens), RowIndex());
@@ -89,26 +83,21 @@ class OpenRetries : public ::testing::TestWithParam<RetryRow> {};
 TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
   const RetryRow& row = GetParam();
   DeviceEnv env;
-  HostRecorder host;
-  host.queue_answer(KERFLINE_IDYES);
-  host.queue_answer(KERFLINE_IDNO);
+  env.host.queue_answer(KERFLINE_IDYES);
+  env.host.queue_answer(KERFLINE_IDNO);
   std::filesystem::create_directory(env.dir.path() / "usb");
   if (row.out_pipe_exists) env.dir.write("usb/PIPE01", "");
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = 4;
   s.usb_device_name = "Nobody";
   s.usb_device_path = (env.dir.path() / "usb").string();
-  DriverVars vars({});
   dev::link_state().single_handle_request = row.single;
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
   const int before = open_descriptors();
-  EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), -1);
-  EXPECT_EQ(error, row.error);
-  ASSERT_EQ(host.boxes.size(), 2u);
+  EXPECT_EQ(env.open("Cutter"), -1);
+  EXPECT_EQ(env.error, row.error);
+  ASSERT_EQ(env.host.boxes.size(), 2u);
   const std::string pipe_path = kerfline::platform::join_path(s.usb_device_path, row.prompted_pipe);
-  for (const auto& box : host.boxes) {
+  for (const auto& box : env.host.boxes) {
     EXPECT_EQ(box.caption, row.title);
     EXPECT_EQ(box.text, pipe_path);
     EXPECT_EQ(box.type, KERFLINE_MB_YESNO);
@@ -117,7 +106,7 @@ TEST_P(OpenRetries, AskAfterTenSilentAttempts) {
   for (int i = 0; i < 20; ++i)
     expected.insert(expected.end(), row.waits_per_attempt.begin(), row.waits_per_attempt.end());
   EXPECT_EQ(env.waits, expected);
-  EXPECT_GE(host.pumps, 20);
+  EXPECT_GE(env.host.pumps, 20);
   EXPECT_EQ(dev::link_state().single_retries + dev::link_state().out_retries + dev::link_state().in_retries,
             0);
   EXPECT_EQ(open_descriptors(), before);
@@ -142,8 +131,7 @@ class GraphtecOpen : public ::testing::TestWithParam<GraphtecRow> {};
 TEST_P(GraphtecOpen, RetriesEachSideAndAsks) {
   const GraphtecRow& row = GetParam();
   DeviceEnv env;
-  HostRecorder host;
-  for (int a : row.answers) host.queue_answer(a);
+  for (int a : row.answers) env.host.queue_answer(a);
   if (*row.library_dir) {
     const std::string file =
         std::string(KERFLINE_FAKE_VENDOR_PREFIX) + "gitkusbp" KERFLINE_FAKE_VENDOR_SUFFIX;
@@ -155,20 +143,17 @@ TEST_P(GraphtecOpen, RetriesEachSideAndAsks) {
   set_environment("FAKE_VENDOR_FAILS", std::to_string(row.refusals));
   env.devices["Cutter"].port_type = 4;
   dev::link_state().graphtec_request = true;
-  DriverVars vars({});
-  std::int32_t error = 1;
-  dev::Handle read = 77;
-  dev::Handle write = 77;
-  EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), row.result);
-  EXPECT_EQ(error, row.error);
-  EXPECT_EQ(host.boxes.size(), row.prompts);
+  env.read = env.write = 77;
+  EXPECT_EQ(env.open("Cutter"), row.result);
+  EXPECT_EQ(env.error, row.error);
+  EXPECT_EQ(env.host.boxes.size(), row.prompts);
   if (row.result == 0) {
-    EXPECT_NE(read, write);
+    EXPECT_NE(env.read, env.write);
     char buf[8] = {};
-    EXPECT_EQ(port::read(read, buf, 6).count, 6u);
-    dev::close_pair(read, write);
+    EXPECT_EQ(port::read(env.read, buf, 6).count, 6u);
+    dev::close_pair(env.read, env.write);
   } else {
-    EXPECT_EQ(read, port::kInvalidHandle);
+    EXPECT_EQ(env.read, port::kInvalidHandle);
   }
 }
 INSTANTIATE_TEST_SUITE_P(Table, GraphtecOpen,

@@ -11,7 +11,6 @@
 #include <cstring>
 #include <optional>
 
-#include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "platform/serial_port.hpp"
 #include "platform/usb_devices.hpp"
@@ -22,7 +21,6 @@ namespace port = kerfline::platform::port;
 namespace usb = kerfline::platform::usb;
 using kerfline::test::DeviceEnv;
 using kerfline::test::DriverVars;
-using kerfline::test::HostRecorder;
 using kerfline::test::Line;
 using kerfline::test::open_descriptors;
 using kerfline::test::RowIndex;
@@ -68,53 +66,47 @@ INSTANTIATE_TEST_SUITE_P(Table, LineSetUp,
                                            LineRow{"96,e,7,2", B9600, true, false, false},
                                            LineRow{"19200,o,8,1,p", B19200, false, false, true},
                                            LineRow{"baud=115200 data=8 xon=on", B115200, false, true, false},
-                                           LineRow{"9600,n,9,1", B0, false, false, false},
-                                           LineRow{"FILE", B0, false, false, false}),
+                                           LineRow{"9600,n,9,1", B0, false, false, false}),
                          RowIndex());
 
+namespace fs = std::filesystem;
+
+// A USB device in the system tree below root: maker and product files (none
+// when empty) and sys/class/<link>/device naming its interface, or the
+// interface's `node` directory.
+void fake_usb(const TempDir& root, const std::string& usb, const std::string& mfg, const std::string& product,
+              const std::string& link, const std::string& node = "") {
+  if (!mfg.empty()) root.write("sys/devices/" + usb + "/manufacturer", mfg + "\n");
+  if (!product.empty()) root.write("sys/devices/" + usb + "/product", product + "\n");
+  fs::path target = root.path() / "sys/devices" / usb / (usb + ":1.0");
+  if (!node.empty()) target /= node;
+  fs::create_directories(target);
+  fs::create_directories(root.path() / "sys/class" / link);
+  fs::create_directory_symlink(target, root.path() / "sys/class" / link / "device");
+}
+
 TEST(UsbList, ReadsPrintersAndSerialAdaptersFromTheTree) {
-  namespace fs = std::filesystem;
   TempDir root;
-  auto device = [&](const std::string& usb, const std::string& mfg, const std::string& product) {
-    if (!mfg.empty()) root.write("sys/devices/" + usb + "/manufacturer", mfg + "\n");
-    if (!product.empty()) root.write("sys/devices/" + usb + "/product", product + "\n");
-    fs::create_directories(root.path() / "sys/devices" / usb / (usb + ":1.0"));
-    return root.path() / "sys/devices" / usb / (usb + ":1.0");
-  };
-  auto link = [&](const fs::path& target, const std::string& at) {
-    fs::create_directories((root.path() / at).parent_path());
-    fs::create_directory_symlink(target, root.path() / at);
-  };
-  const fs::path lp0 = device("1-1", "Graphtec", "CE6000");
+  fake_usb(root, "1-1", "Graphtec", "CE6000", "usbmisc/lp0");
   root.write("sys/devices/1-1/1-1:1.0/ieee1284_id", "MFG:Graphtec;MDL:CE6000;");
-  const fs::path lp1 = device("1-2", "", "");
+  fake_usb(root, "1-2", "", "", "usbmisc/lp1");
   root.write("sys/devices/1-2/1-2:1.0/ieee1284_id", "MFG:Roland;MDL:GX-24;");
-  const fs::path ftdi = device("1-3", "FTDI", "FT232R");
-  fs::create_directories(ftdi / "ttyUSB0");
-  const fs::path acm = device("1-4", "", "Cutter CDC");
-  for (const auto& [target, at] :
-       std::vector<std::pair<fs::path, std::string>>{{lp0, "sys/class/usbmisc/lp0/device"},
-                                                     {lp1, "sys/class/usbmisc/lp1/device"},
-                                                     {ftdi / "ttyUSB0", "sys/class/tty/ttyUSB0/device"},
-                                                     {acm, "sys/class/tty/ttyACM0/device"}}) {
-    link(target, at);
-  }
+  fake_usb(root, "1-3", "FTDI", "FT232R", "tty/ttyUSB0", "ttyUSB0");
+  fake_usb(root, "1-4", "", "Cutter CDC", "tty/ttyACM0");
   fs::create_directories(root.path() / "sys/class/tty/ttyS0");  // not USB
   fs::create_directories(root.path() / "dev/serial/by-id");
   fs::create_symlink("../../ttyUSB0", root.path() / "dev/serial/by-id/usb-FTDI_FT232R_A1-if00-port0");
 
   const auto list = usb::enumerate(root.path().string());
-  ASSERT_EQ(list.size(), 4u);
+  std::vector<std::pair<std::string, std::string>> found;
+  for (const auto& d : list) found.emplace_back(d.name, d.path);
   const std::string r = root.path().string();
-  const std::vector<std::pair<std::string, std::string>> expected{
-      {"Graphtec CE6000", r + "/dev/usb/lp0"},
-      {"Roland GX-24", r + "/dev/usb/lp1"},
-      {"Cutter CDC", r + "/dev/ttyACM0"},
-      {"FTDI FT232R", r + "/dev/serial/by-id/usb-FTDI_FT232R_A1-if00-port0"}};
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    EXPECT_EQ(list[i].name, expected[i].first) << i;
-    EXPECT_EQ(list[i].path, expected[i].second) << i;
-  }
+  EXPECT_EQ(found, (std::vector<std::pair<std::string, std::string>>{
+                       {"Graphtec CE6000", r + "/dev/usb/lp0"},
+                       {"Roland GX-24", r + "/dev/usb/lp1"},
+                       {"Cutter CDC", r + "/dev/ttyACM0"},
+                       {"FTDI FT232R", r + "/dev/serial/by-id/usb-FTDI_FT232R_A1-if00-port0"}}));
+  ASSERT_FALSE(list.empty());
   EXPECT_EQ(list[0].ieee1284_id, "MFG:Graphtec;MDL:CE6000;");
   EXPECT_TRUE(usb::enumerate((root.path() / "nothing").string()).empty());
 }
@@ -213,33 +205,25 @@ TEST(PipeQuery, AFailedWriteGivesNullAndClosesBoth) {
 
 TEST(OpenUsb, PipesComeFromTheDriverAndAMovedDeviceIsFoundByName) {
   DeviceEnv env;
-  HostRecorder host;
   env.dir.write("usb/UP", "");
   env.dir.write("usb/DOWN", "");
   // The stored path is stale: enumeration finds the device elsewhere.
-  env.dir.write("sys/devices/1-1/product", "CE6000\n");
-  std::filesystem::create_directories(env.dir.path() / "sys/devices/1-1/1-1:1.0");
-  std::filesystem::create_directories(env.dir.path() / "sys/class/usbmisc/lp0");
-  std::filesystem::create_directory_symlink(env.dir.path() / "sys/devices/1-1/1-1:1.0",
-                                            env.dir.path() / "sys/class/usbmisc/lp0/device");
-  std::filesystem::create_directories(env.dir.path() / "dev/usb");
-  std::filesystem::create_directory_symlink(env.dir.path() / "usb", env.dir.path() / "dev/usb/lp0");
+  fake_usb(env.dir, "1-1", "", "CE6000", "usbmisc/lp0");
+  fs::create_directories(env.dir.path() / "dev/usb");
+  fs::create_directory_symlink(env.dir.path() / "usb", env.dir.path() / "dev/usb/lp0");
   ::setenv("KERFLINE_SYSTEM_ROOT", env.dir.path().c_str(), 1);
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = 4;
   s.usb_device_name = "CE6000";
   s.usb_device_path = "/nowhere";
   DriverVars vars({{"%USBIn%", "UP"}, {"%USBOut%", "DOWN"}});
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
-  EXPECT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), 0);
-  EXPECT_NE(read, write);
+  EXPECT_EQ(env.open("Cutter", vars.drv()), 0);
+  EXPECT_NE(env.read, env.write);
   EXPECT_TRUE(dev::link_state().pipe_flag);
-  EXPECT_TRUE(host.boxes.empty());
+  EXPECT_TRUE(env.host.boxes.empty());
   const char text[] = "PU0,0;";
-  EXPECT_TRUE(port::write(write, text, 6).ok);
-  dev::close_pair(read, write);
+  EXPECT_TRUE(port::write(env.write, text, 6).ok);
+  dev::close_pair(env.read, env.write);
   EXPECT_EQ(env.dir.read("usb/DOWN"), "PU0,0;");
   ::unsetenv("KERFLINE_SYSTEM_ROOT");
 }
@@ -249,16 +233,12 @@ TEST(OpenUsb, ACharacterDeviceIsOpenedItselfForBothPipes) {
   dev::PortSettings& s = env.devices["Cutter"];
   s.port_type = 4;
   s.usb_device_path = "/dev/null";
-  DriverVars vars({});
   dev::link_state().single_handle_request = true;
-  std::int32_t error = 1;
-  dev::Handle read = port::kInvalidHandle;
-  dev::Handle write = port::kInvalidHandle;
-  ASSERT_EQ(dev::OpenDevicePort(vars.drv(), "Cutter", &error, &read, &write), 0);
-  EXPECT_EQ(read, write);
+  ASSERT_EQ(env.open("Cutter"), 0);
+  EXPECT_EQ(env.read, env.write);
   EXPECT_FALSE(dev::link_state().single_handle_request);
   EXPECT_TRUE(dev::link_state().pipe_flag);
-  dev::close_pair(read, write);
+  dev::close_pair(env.read, env.write);
 }
 
 }  // namespace

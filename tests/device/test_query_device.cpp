@@ -4,14 +4,12 @@
 
 #include <chrono>
 
-#include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "port_fixture.hpp"
 
 namespace dev = kerfline::device;
 namespace port = kerfline::platform::port;
 using kerfline::test::DeviceEnv;
-using kerfline::test::HostRecorder;
 using kerfline::test::Line;
 using kerfline::test::open_descriptors;
 using kerfline::test::RowIndex;
@@ -44,7 +42,6 @@ const SerialRow kSerial[] = {
 TEST_P(SerialQuery, AnswersWithinTheRounds) {
   const SerialRow& row = GetParam();
   DeviceEnv env;
-  HostRecorder host;
   const int before = open_descriptors();
   {
     Line line;
@@ -61,24 +58,23 @@ TEST_P(SerialQuery, AnswersWithinTheRounds) {
     EXPECT_EQ(line.stop(), row.hang_up ? "" : "OI;");
   }
   EXPECT_EQ(open_descriptors(), before);  // the query closed its handle
-  EXPECT_TRUE(host.boxes.empty());
+  EXPECT_TRUE(env.host.boxes.empty());
 }
 INSTANTIATE_TEST_SUITE_P(Table, SerialQuery, ::testing::ValuesIn(kSerial), RowIndex());
 
 TEST(SerialQuery, TheMarkInstructionGoesFirstWhenTheUserSaysYes) {
   for (const int said : {KERFLINE_IDYES, KERFLINE_IDNO}) {
     DeviceEnv env;
-    HostRecorder host;
-    host.queue_answer(said);
+    env.host.queue_answer(said);
     Line line;
     line.serve('?', 0ms, "1\r");
     const port::Handle h = open_rw(line.path());
     EXPECT_EQ(dev::QueryDevice(h, h, "OS?", "PA100,100;"), "1\r");
     EXPECT_EQ(line.stop(), said == KERFLINE_IDYES ? "PA100,100;OS?" : "OS?");
-    ASSERT_EQ(host.boxes.size(), 1u);
-    EXPECT_EQ(host.boxes[0].text, "PA100,100;");
-    EXPECT_EQ(host.boxes[0].caption, "Marke anfahren?");
-    EXPECT_EQ(host.boxes[0].type, KERFLINE_MB_YESNO);
+    ASSERT_EQ(env.host.boxes.size(), 1u);
+    EXPECT_EQ(env.host.boxes[0].text, "PA100,100;");
+    EXPECT_EQ(env.host.boxes[0].caption, "Marke anfahren?");
+    EXPECT_EQ(env.host.boxes[0].type, KERFLINE_MB_YESNO);
   }
 }
 
@@ -94,17 +90,16 @@ TEST(SerialQuery, PendingInputIsDrainedBeforeTheInstruction) {
 
 TEST(QueryLog, RecordsEveryStepWhenCtrlAndShiftAreHeld) {
   DeviceEnv env;
-  HostRecorder host;
-  host.ctrl_down = host.shift_down = true;
-  host.queue_answer(KERFLINE_IDYES);
+  env.host.ctrl_down = env.host.shift_down = true;
+  env.host.queue_answer(KERFLINE_IDYES);
   Line line;
   line.serve(';', 0ms, "OK");
   const port::Handle h = open_rw(line.path());
   EXPECT_EQ(dev::QueryDevice(h, h, "OI;", nullptr), "OK");
-  ASSERT_EQ(host.boxes.size(), 1u);
+  ASSERT_EQ(env.host.boxes.size(), 1u);
   const std::string log_path = env.dir.str() + "readplt.log";
-  EXPECT_EQ(host.boxes[0].text, "Create logfile ? :" + log_path);
-  EXPECT_EQ(host.boxes[0].caption, "Reading plotter:");
+  EXPECT_EQ(env.host.boxes[0].text, "Create logfile ? :" + log_path);
+  EXPECT_EQ(env.host.boxes[0].caption, "Reading plotter:");
   const std::string hd = std::to_string(h);
   EXPECT_EQ(env.dir.read("readplt.log"),
             "Creating log:\r\n  Handle(Read):" + hd + "\r\n Handle(Write):" + hd +
@@ -116,9 +111,8 @@ TEST(QueryLog, RecordsEveryStepWhenCtrlAndShiftAreHeld) {
 
 TEST(QueryLog, AnEmptyInstructionIsLoggedAndClosesTheHandles) {
   DeviceEnv env;
-  HostRecorder host;
-  host.ctrl_down = host.shift_down = true;
-  host.queue_answer(KERFLINE_IDYES);
+  env.host.ctrl_down = env.host.shift_down = true;
+  env.host.queue_answer(KERFLINE_IDYES);
   const int before = open_descriptors();
   Line line;
   const port::Handle h = open_rw(line.path());
@@ -130,11 +124,10 @@ TEST(QueryLog, AnEmptyInstructionIsLoggedAndClosesTheHandles) {
 
 TEST(QueryLog, IsOnlyOfferedWithBothKeys) {
   DeviceEnv env;
-  HostRecorder host;
-  host.ctrl_down = true;
+  env.host.ctrl_down = true;
   const port::Handle h = open_rw(env.dir.write("f", "").string());
   EXPECT_EQ(dev::QueryDevice(h, h, "", nullptr), std::nullopt);
-  EXPECT_TRUE(host.boxes.empty());
+  EXPECT_TRUE(env.host.boxes.empty());
 }
 
 // A regular file has no line to set up and no input count (as

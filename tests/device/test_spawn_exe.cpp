@@ -2,14 +2,11 @@
 // named on its command line.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,7 +16,6 @@
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
-#include "platform/host_hooks.hpp"
 
 namespace {
 
@@ -62,24 +58,6 @@ int spawn(const std::string& line, void* mode) { return spawn(line.c_str(), mode
 std::size_t count_entries(const char* dir) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(dir), fs::directory_iterator()));
 }
-
-// Installs a pump hook that runs the given code, for the object's lifetime.
-class PumpHook {
- public:
-  explicit PumpHook(std::function<void()> on_pump) : on_pump_(std::move(on_pump)) {
-    KERFLINE_HOST_HOOKS hooks{};
-    hooks.cbSize = sizeof hooks;
-    hooks.pContext = this;
-    hooks.pfnPumpMessages = [](void* ctx) { static_cast<PumpHook*>(ctx)->on_pump_(); };
-    kerfline::platform::host::install(&hooks);
-  }
-  ~PumpHook() { kerfline::platform::host::install(nullptr); }
-  PumpHook(const PumpHook&) = delete;
-  PumpHook& operator=(const PumpHook&) = delete;
-
- private:
-  std::function<void()> on_pump_;
-};
 
 class SpawnExeBadLine : public ::testing::TestWithParam<std::tuple<const char*, bool>> {};
 
@@ -140,14 +118,14 @@ TEST_P(SpawnExeWaits, ArgumentsArriveAsSplitAndNoDescriptorIsInherited) {
 }
 
 TEST_P(SpawnExeWaits, EndsWhenTheHostCancelsFromItsPump) {
-  int pumps = 0;
   std::thread::id pump_thread;
-  const PumpHook hook([&] {
+  HostRecorder host;
+  host.after_pump = [&] {
     pump_thread = std::this_thread::get_id();
-    if (++pumps == 3) {
+    if (host.pumps == 3) {
       EXPECT_EQ(KerflineCancelSpawnExe(), 1);
     }
-  });
+  };
   const auto start = Clock::now();
   EXPECT_EQ(spawn(child_line("sleep 60000"), mode()), 1);
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));
@@ -179,11 +157,12 @@ TEST(SpawnExe, OverlappingModalWaitsAreRefused) {
   const TempDir dir;
   int nested_modal = -1;
   int nested_polling = -1;
-  const PumpHook hook([&] {
+  HostRecorder host;
+  host.after_pump = [&] {
     if (nested_modal != -1) return;
     nested_modal = spawn(child_line("report \"" + (dir.path() / "modal").string() + "\""), nullptr);
     nested_polling = spawn(child_line("report \"" + (dir.path() / "polling").string() + "\""), &g_polling);
-  });
+  };
   EXPECT_EQ(spawn(child_line("sleep 300"), nullptr), 1);
   EXPECT_EQ(nested_modal, 0);
   EXPECT_EQ(nested_polling, 1);

@@ -3,23 +3,12 @@
 #include <string>
 #include <utility>
 
+#include "fixtures/read_exactly.hpp"
 #include "fixtures/table_names.hpp"
 #include "platform/tcp_socket.hpp"
 
 namespace kerfline::platform {
 namespace {
-
-// Reads until want bytes came, the peer closed, or a read timed out.
-std::string read_some(ByteStream& s, std::size_t want, int timeout_ms = 2000) {
-  std::string got;
-  char buf[256];
-  while (got.size() < want) {
-    auto r = s.read(buf, sizeof(buf), timeout_ms);
-    if (!r || r->count == 0) break;
-    got.append(buf, r->count);
-  }
-  return got;
-}
 
 // A listener on the IPv4 loopback and a client connected to it; a failure
 // throws and fails the test.
@@ -51,9 +40,9 @@ TEST_P(TcpLoopback, ClientAndServerExchangeBytesBothWays) {
   auto w = client->write("OI;", 3, 1000);
   ASSERT_TRUE(w);
   EXPECT_EQ(*w, 3u);
-  EXPECT_EQ(read_some(server, 3), "OI;");
+  EXPECT_EQ(test::read_exactly(server, 3), "OI;");
   ASSERT_TRUE(server.write("7475A\r", 6, 1000));
-  EXPECT_EQ(read_some(*client, 6), "7475A\r");
+  EXPECT_EQ(test::read_exactly(*client, 6), "7475A\r");
 
   server.close();
   char c = 0;

@@ -9,11 +9,11 @@
 
 #include "devconfig/registration_run.hpp"
 #include "devconfig/spool_paths.hpp"
+#include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/kerfline.h"
 #include "platform/dynlib.hpp"
-#include "platform/host_hooks.hpp"
 #include "platform/paths.hpp"
 #include "registration/scanner_bridge.hpp"
 
@@ -205,32 +205,19 @@ TEST(ScannerBusyDevice, InitRefusesWhileTheRunsDeviceHasJobs) {
 
 // The host's pump empties the spool; the read goes ahead after the next
 // check and a further 100 ms of pumping.
-struct DrainingHost {
-  const ScannerSuite* suite = nullptr;
-  int pumps = 0;
-  static void pump(void* ctx) {
-    auto* self = static_cast<DrainingHost*>(ctx);
-    if (++self->pumps == 1) self->suite->set_active_jobs("Cut:1", 0);
-  }
-};
-
 TEST(ScannerBusyDevice, ReadWaitsWithPumpingUntilTheSpoolIsEmpty) {
   const ScannerSuite suite(Plugin::full);
   ASSERT_EQ(LumaProbeInit(nullptr), 7);
   suite.reset(3, 3);
   suite.set_active_jobs("Cut:1", 1);
   devconfig::set_registration_run_device("Cut:1");
-  DrainingHost host;
-  host.suite = &suite;
-  KERFLINE_HOST_HOOKS hooks{};
-  hooks.cbSize = sizeof hooks;
-  hooks.pContext = &host;
-  hooks.pfnPumpMessages = &DrainingHost::pump;
-  ASSERT_TRUE(platform::host::install(&hooks));
+  test::HostRecorder host;
+  host.after_pump = [&] {
+    if (host.pumps == 1) suite.set_active_jobs("Cut:1", 0);
+  };
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(LumaProbeRead(&g_record), 9);
   const auto waited = std::chrono::steady_clock::now() - start;
-  platform::host::install(nullptr);
   devconfig::set_registration_run_device(std::nullopt);
   EXPECT_GE(waited, std::chrono::milliseconds(600));
   EXPECT_GE(host.pumps, 3);  // the first and the settling ones

@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "fixtures/read_exactly.hpp"
 #include "kerfline/remote_messages.hpp"
 #include "platform/tcp_socket.hpp"
 
@@ -41,18 +42,6 @@ class LoopbackServer {
   std::uint16_t port_ = 0;
   std::thread thread_;
 };
-
-// Exactly n bytes, or fewer when the client closed or went quiet for 5 s.
-inline std::string read_exactly(platform::ByteStream& s, std::size_t n) {
-  std::string got;
-  char buf[512];
-  while (got.size() < n) {
-    auto r = s.read(buf, std::min(sizeof buf, n - got.size()), 5000);
-    if (!r || r->count == 0) break;
-    got.append(buf, r->count);
-  }
-  return got;
-}
 
 inline void write_all(platform::ByteStream& s, const std::string& bytes) {
   auto w = s.write(bytes.data(), bytes.size(), 5000);

@@ -11,7 +11,6 @@
 #include "fixtures/temp_dir.hpp"
 #include "kerfline/device_settings.hpp"
 #include "loopback_server.hpp"
-#include "platform/host_hooks.hpp"
 #include "platform/ini.hpp"
 
 namespace kerfline::remote {
@@ -56,42 +55,29 @@ std::uint16_t dead_port() {
 
 // No gives up after one question; Yes tries again, and the server comes up
 // while the second question is shown.
-struct LateServer {
-  std::uint16_t port = 0;
-  std::optional<platform::TcpListener> listener;
-  std::vector<test::RecordedBox> boxes;
-};
-
-int start_server_and_say_yes(void* ctx, const char* text, const char* caption, uint32_t type) {
-  auto* late = static_cast<LateServer*>(ctx);
-  late->boxes.push_back({text, caption, type});
-  if (late->boxes.size() == 1) return KERFLINE_IDNO;
-  auto l = platform::TcpListener::listen("127.0.0.1", late->port);
-  if (l) late->listener.emplace(std::move(*l));
-  return KERFLINE_IDYES;
-}
-
 TEST_F(RetryTexts, NoGivesUpAndYesTriesAgainUntilTheServerAnswers) {
-  LateServer late;
-  late.port = dead_port();
-  KERFLINE_HOST_HOOKS hooks{};
-  hooks.cbSize = sizeof hooks;
-  hooks.pContext = &late;
-  hooks.pfnMessageBox = start_server_and_say_yes;
-  ASSERT_TRUE(platform::host::install(&hooks));
+  const std::uint16_t port = dead_port();
+  std::optional<platform::TcpListener> listener;
+  test::HostRecorder host;
+  host.queue_answer(KERFLINE_IDNO);
+  host.default_answer = KERFLINE_IDYES;
+  host.after_box = [&] {
+    if (host.boxes.size() != 2) return;
+    auto l = platform::TcpListener::listen("127.0.0.1", port);
+    if (l) listener.emplace(std::move(*l));
+  };
   Client c;
-  EXPECT_EQ(c.Connect("127.0.0.1", offset_of(late.port)), 0);  // No
-  ASSERT_EQ(late.boxes.size(), 1u);
-  EXPECT_EQ(late.boxes[0].text, "Cannot reach the plot manager. Again?");
-  EXPECT_EQ(late.boxes[0].caption, "Plot manager:");
-  EXPECT_EQ(late.boxes[0].type, KERFLINE_MB_YESNO | KERFLINE_MB_ICONQUESTION);
+  EXPECT_EQ(c.Connect("127.0.0.1", offset_of(port)), 0);  // No
+  ASSERT_EQ(host.boxes.size(), 1u);
+  EXPECT_EQ(host.boxes[0].text, "Cannot reach the plot manager. Again?");
+  EXPECT_EQ(host.boxes[0].caption, "Plot manager:");
+  EXPECT_EQ(host.boxes[0].type, KERFLINE_MB_YESNO | KERFLINE_MB_ICONQUESTION);
   EXPECT_EQ(c.SendMsg(std::make_unique<CSocketDataObjectInt>().get()), 0);
   EXPECT_EQ(c.ReceiveMsg(), nullptr);
-  EXPECT_EQ(c.Connect("127.0.0.1", offset_of(late.port)), 1);  // Yes, then connected
-  EXPECT_EQ(late.boxes.size(), 2u);
-  EXPECT_EQ(c.Connect("127.0.0.1", offset_of(late.port)), 1);  // already connected: no question
-  EXPECT_EQ(late.boxes.size(), 2u);
-  platform::host::install(nullptr);
+  EXPECT_EQ(c.Connect("127.0.0.1", offset_of(port)), 1);  // Yes, then connected
+  EXPECT_EQ(host.boxes.size(), 2u);
+  EXPECT_EQ(c.Connect("127.0.0.1", offset_of(port)), 1);  // already connected: no question
+  EXPECT_EQ(host.boxes.size(), 2u);
   c.FreeSocketMem();
 }
 

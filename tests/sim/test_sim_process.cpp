@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "answer_table.hpp"
+#include "fixtures/read_exactly.hpp"
 #include "fixtures/table_names.hpp"
 #include "fixtures/temp_dir.hpp"
 #include "platform/byte_stream.hpp"
@@ -21,18 +22,6 @@ namespace kerfline::test {
 namespace {
 
 using platform::ByteStream;
-
-// Reads until want bytes came, the peer closed or nothing came for timeout_ms.
-std::string read_answer(ByteStream& s, std::size_t want, int timeout_ms = 3000) {
-  std::string got;
-  char buf[65536];
-  while (got.size() < want) {
-    auto r = s.read(buf, sizeof(buf), timeout_ms);
-    if (!r || r->count == 0) break;
-    got.append(buf, r->count);
-  }
-  return got;
-}
 
 bool peer_closed(ByteStream& s, int timeout_ms = 3000) {
   char c = 0;
@@ -91,7 +80,7 @@ Link connect(Kind kind, const Running& r) {
 std::string ask(Link& link, const std::string& sent, std::size_t want) {
   auto w = link.to_sim.write(sent.data(), sent.size(), 2000);
   if (!w || *w != sent.size()) return "<write failed>";
-  return read_answer(link.from_sim(), want);
+  return read_exactly(link.from_sim(), want);
 }
 
 class Transports : public ::testing::TestWithParam<Kind> {};
@@ -129,8 +118,8 @@ TEST_P(Transports, SilentAndDelayedAnswers) {
   auto slow = start(GetParam(), {"--delay-ms", "400"});
   Link link = connect(GetParam(), slow);
   ASSERT_TRUE(link.to_sim.write("OF;", 3, 1000));
-  EXPECT_EQ(read_answer(link.from_sim(), 1, 100), "");  // not before the delay
-  EXPECT_EQ(read_answer(link.from_sim(), 6), "40,40\r");
+  EXPECT_EQ(read_exactly(link.from_sim(), 1, 100), "");  // not before the delay
+  EXPECT_EQ(read_exactly(link.from_sim(), 6), "40,40\r");
 }
 
 TEST_P(Transports, FloodAnswersTheWholeAmount) {
@@ -138,7 +127,7 @@ TEST_P(Transports, FloodAnswersTheWholeAmount) {
   Link link = connect(GetParam(), r);
   const std::string got = ask(link, "OI;", 300000);
   EXPECT_EQ(got.size(), 300000u);
-  EXPECT_EQ(read_answer(link.from_sim(), 1, 200), "");
+  EXPECT_EQ(read_exactly(link.from_sim(), 1, 200), "");
 }
 
 #ifdef _WIN32
