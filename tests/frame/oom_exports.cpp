@@ -10,7 +10,10 @@
 #include <string>
 
 #include "fixtures/temp_dir.hpp"
+#include "frame/library_state.hpp"
+#include "frame/resources.hpp"
 #include "platform/library_memory.hpp"
+#include "platform/paths.hpp"
 #include "sample_driver.hpp"
 
 void* operator new(std::size_t n) {
@@ -51,6 +54,9 @@ struct Scene {
     FreeDlgVars(&list);
     FreeVarDesc(&desc);
     FreeCutData(&cut);
+    FreeDelaunay();
+    kerfline::frame::testing::reset_library_state();
+    kerfline::platform::set_home_dir("");
   }
 };
 
@@ -59,10 +65,21 @@ struct Row {
   std::function<int32_t(Scene&)> call;
   // What a -3 must leave behind; empty: nothing to check.
   std::function<bool(Scene&)> intact;
+  // Run before the failure is armed; empty: nothing to prepare.
+  std::function<void(Scene&)> prepare = nullptr;
 };
 
 const CUTVAR kVar{const_cast<char*>("%Speed%"), const_cast<char*>("40")};
 const CUTLAYER kLayer{};
+const MESHPOINT kMarks[4] = {{0, 0}, {100, 0}, {0, 100}, {100, 100}};
+
+// A suite whose string tables are there and not loaded yet.
+void fresh_start(Scene& s) {
+  s.dir.write("Res/cutterx.dlx", "9001, \"Reserved\"\n");
+  s.dir.write("Res/kerfline.dlx", "35589, \"Input error: %s\"\n");
+  kerfline::frame::testing::reset_library_state();
+  kerfline::platform::set_home_dir(s.dir.str());
+}
 
 const Row kRows[] = {
     {"KerflineGetHelpFile", [](Scene& s) { return KerflineGetHelpFile(s.text, sizeof s.text); },
@@ -91,6 +108,22 @@ const Row kRows[] = {
      [](Scene& s) { return all_zero(&s.func, sizeof s.func); }},
     // The first call sets up the block; one that failed is tried again.
     {"SharedDataMan", [](Scene&) { return SharedDataMan(3, 0); }, nullptr},
+    // Start-up that ran out of memory is not done: the next call starts again.
+    {"InitKerflineDll", [](Scene&) { return InitKerflineDll(); },
+     [](Scene&) {
+       return InitKerflineDll() == 1 && kerfline::frame::resource_text(kerfline::frame::kCutterxTable, 9001);
+     },
+     fresh_start},
+#ifdef KERFLINE_TEST_OCV_DIR
+    // No mesh half made: nothing is located, and the next mesh is built whole.
+    {"CreateDelaunay", [](Scene&) { return CreateDelaunay(4, kMarks); },
+     [](Scene&) {
+       const MESHPOINT q{10, 10};
+       int32_t out[3] = {-1, -1, -1};
+       return LocatePt(&q, out) >= 0 && out[0] == -1 && CreateDelaunay(4, kMarks) == 1;
+     },
+     [](Scene&) { kerfline::platform::set_home_dir(KERFLINE_TEST_OCV_DIR); }},
+#endif
 };
 
 class OutOfMemory : public ::testing::TestWithParam<Row> {};
@@ -101,6 +134,7 @@ TEST_P(OutOfMemory, EveryFailingAllocationIsReportedAndLeavesNothingHalfDone) {
   for (long n = 1;; ++n) {
     ASSERT_LT(n, 100000) << "no end to the allocations";
     Scene scene;
+    if (row.prepare) row.prepare(scene);
     kerfline::platform::fail_nth_allocation(n);
     const int32_t result = row.call(scene);
     const bool failed = kerfline::platform::fail_nth_allocation(0) == 0;
