@@ -3,7 +3,8 @@
 // File functions only ever see names inside a private temporary directory,
 // removed when the process exits (only outermost calls of other functions get
 // wrong argument counts, so no other value can reach their path), and Import
-// is replaced by a stand-in so that no file's text is evaluated.
+// is replaced by a stand-in so that no file's text is evaluated. Sockets
+// only ever reach a loopback device of the harness's own.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstddef>
@@ -14,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "chatty_device.hpp"
 #include "kerfline/kerfline.h"
 #include "quiet_host.hpp"
 #include "sandbox.hpp"
@@ -114,6 +116,10 @@ std::string call(FuzzedDataProvider& in, int depth) {
       // With no device nothing ever answers, so the call would wait out its
       // whole time (up to an hour, as a script may ask): one try only.
       text += "\"0\"";
+    } else if (i == 3 && f.name == "QuerySocket") {
+      text += "\"0.5\"";  // the device answers within 10 ms; a bound for a lost line
+    } else if (f.name == "CreateSocket") {
+      text += i == 0 ? "\"127.0.0.1\"" : std::to_string(kerfline::fuzz::chatty_device_port());
     } else {
       text += argument(in, depth);
     }
@@ -134,10 +140,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::filesystem::create_directories(sandbox(), ec);
   FuzzedDataProvider in(data, size);
   std::string templ;
+  Evaluator* evaluator = kerfline::script::process_eval().evaluator();
+  (void)evaluator->evaluate("<&CloseSocket(\"\", \"All\")>", -1);  // none left open by the last run
   const int calls = in.ConsumeIntegralInRange(1, 4);
   for (int i = 0; i < calls && in.remaining_bytes() > 0; ++i) templ += "<&" + call(in, 0) + ">";
   if (std::getenv("KERFLINE_FUZZ_PRINT") != nullptr) std::fprintf(stderr, "%s\n", templ.c_str());
-  Evaluator* evaluator = kerfline::script::process_eval().evaluator();
   // The template pass alone: the conditional pass would read braces inside
   // the literals as blocks and could assemble calls outside the sandbox.
   const std::string result = evaluator->evaluate(templ, -1);
