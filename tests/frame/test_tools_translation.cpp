@@ -32,8 +32,8 @@ TEST_P(ShownNames, FollowTheTranslationFlags) {
   SetTranslationFlag(row.mask);
   SampleDriver d;
 
-  DRVTOOL tool{};
-  ASSERT_EQ(GetFirstTool(&d.handle, &tool), 1);
+  kerfline::test::ToolRecord cut(d);
+  DRVTOOL& tool = cut.record;
   EXPECT_STREQ(tool.pszName, row.tool);
   EXPECT_STREQ(tool.pszType, "Contour");  // types are not translated
   DRVMATERIAL material{};
@@ -60,7 +60,6 @@ TEST_P(ShownNames, FollowTheTranslationFlags) {
   EXPECT_TRUE(kerfline::frame::find_tool_flags(d.doc, row.tool, flags));
   EXPECT_EQ(DeleteMaterial(&d.handle, "Folie"), 0);
   EXPECT_EQ(DeleteMaterial(&d.handle, "Vinyl"), 1);
-  FreeTool(&tool);
   FreeMaterial(&material);
 }
 
