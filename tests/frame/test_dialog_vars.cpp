@@ -154,7 +154,6 @@ INSTANTIATE_TEST_SUITE_P(
         DataRow{"%NegStep%", 1, false, 1, "Caption of %NegStep%", "3", KERFLINE_DLGSTATE_BAD_RANGE, -2, 0},
         DataRow{"%NoBound%", 1, false, 1, "Caption of %NoBound%", "3", KERFLINE_DLGSTATE_BAD_RANGE, -2, 0},
         DataRow{"%Stray%", 1, false, 1, "Caption of %Stray%", "7.5", KERFLINE_DLGSTATE_BAD_FORMAT, 0, 0},
-        DataRow{"%Two%", 1, false, 1, "Caption of %Two%", "7.5", KERFLINE_DLGSTATE_BAD_FORMAT, 0, 0},
         DataRow{"%Deep%", 1, false, 1, "Caption of %Deep%", "1", 0, 0, 0},
         DataRow{"%Speed%", 1, false, 1, "about %Speed%", "speed", KERFLINE_DLGSTATE_PLAIN, 0, 0},
         DataRow{"%Dlg%", 2, true, 1, "Cut depth", "3.25", 0, 0, 0},

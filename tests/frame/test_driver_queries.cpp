@@ -201,9 +201,8 @@ TEST_F(DriverQueries, DriverClassIsTheClassItemsValue) {
 
 TEST(VariableNames, NamesFromTheDictionary) {
   const std::tuple<uint32_t, int32_t, const char*> rows[] = {
-      {9352, 0, "%Flags_1%"},   {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"},
-      {5000, 1, "%ToolDepth%"}, {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"},
-      {0xFFFFFFF0u, 1, ""}};
+      {9352, 1, "%Flags_1%"},   {5000, 0, "%IToolDepth%"}, {5000, 1, "%ToolDepth%"},
+      {2056, 1, "%nitFlag_1%"}, {5000, 2, "%IToolDepth%"}, {0xFFFFFFF0u, 1, ""}};
   for (const auto& [id, mode, expected] : rows) {
     char buffer[64];
     std::memset(buffer, '#', sizeof(buffer));

@@ -44,7 +44,6 @@ TEST_P(ShownNames, FollowTheTranslationFlags) {
   ASSERT_EQ(GetDlgVar(&var), 1);
   EXPECT_STREQ(var.pszDlgText, row.dialog_text);
   EXPECT_STREQ(var.pszDlgFormat, row.dialog_format);
-  EXPECT_DOUBLE_EQ(var.uValue.dDouble, 3.25);
   FreeDlgVar(&var);
   DLGVARDATA data{};  // the caption: the dialog text again
   ASSERT_EQ(GetDlgVarData(&var, &data), 1);

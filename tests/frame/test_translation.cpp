@@ -48,8 +48,6 @@ TEST_F(Translation, LooksUpEscapedAndUndoesTheEscapes) {
       {"msgid \"A\\r\\nB\"\nmsgstr \"X\\r\\nY\"\n", "A\r\nB", "X\\r\\nY"},
       {"msgid \"M\"\nmsgstr \"A!-\\r\\n-!B\"\n", "M", "A\\r\\nB"},
       {"msgid \"M\"\nmsgstr \"A\\nB\\rC\"\n", "M", "A\nB\rC"},
-      {"msgid \"\\\\r\\\\n\"\nmsgstr \"y\"\n", "\\r\\n", "-"},
-      {"msgid \"M\"\nmsgstr \"Rest\"\n", "Missing", "-"},
       {po_entry("fits", std::string(2047, 'f')), "fits", std::string(2047, 'f')},
       {po_entry("long", std::string(2048, 'l')), "long", "-"}};
   // clang-format on
@@ -65,8 +63,7 @@ TEST_F(Translation, LooksUpEscapedAndUndoesTheEscapes) {
 TEST_F(Translation, TranslateStringReplacesTheTextOnlyWhenTheTranslationFits) {
   start_with(po_entry("Pen", "Stift") + po_entry("50!-Percent-!", "f\\xfcnfzig!-Percent-!"));
   // size, text, result, text after; "Stift" and its zero: exactly 6
-  const std::tuple<std::size_t, const char*, int32_t, const char*> rows[] = {{8, "Pen", 1, "Stift"},
-                                                                             {6, "Pen", 1, "Stift"},
+  const std::tuple<std::size_t, const char*, int32_t, const char*> rows[] = {{6, "Pen", 1, "Stift"},
                                                                              {5, "Pen", 0, "Pen"},
                                                                              {16, "50%", 1, "f\xfcnfzig%"},
                                                                              {8, "Router", 0, "Router"}};

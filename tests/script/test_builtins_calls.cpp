@@ -61,6 +61,7 @@ TEST(BuiltinCalls, GiveExactOutput) {
       {R"(&Div(7, 2))", "3"},
       {R"(&Div(-7, 2))", "-3"},
       {R"(&Div(1, 0))", "???"},
+      {R"(&Div(1, "0.0"))", "???"},
       {R"(&Div(1, "2x"))", "???"},
       {R"(&Add("abc", 2))", "2"},
       {R"(&Add(2147483647, 0))", "2147483647"},
@@ -107,7 +108,6 @@ TEST(BuiltinCalls, GiveExactOutput) {
       {R"(&Eql("1.0", "1"))", "1"},
       {R"(&NEql("1.0", "1"))", "1"},
       {R"(&NEql("abc", "ABC"))", "0"},
-      {R"(&Eql("a", "b"))", "0"},
       {R"(&Eql("", "0"))", "1"},  // the empty text is the number 0
       {R"(&Eql("1a", "1"))", "0"},
       // Order is numeric or byte-wise.
@@ -119,7 +119,6 @@ TEST(BuiltinCalls, GiveExactOutput) {
       {R"(&Less("", "1"))", "1"},
       {R"(&Less("ab", "abc"))", "1"},
       {R"(&LEql("2", "2.0"))", "1"},
-      {R"(&GEql("2", "2.0"))", "1"},
       {R"(&LEql("b", "a"))", "0"},
       {R"(&GEql("a", "a"))", "1"},
       {R"(&Less(-2, -10))", "0"},
