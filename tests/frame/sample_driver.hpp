@@ -3,6 +3,8 @@
 // written below a TempDir.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstring>
 #include <initializer_list>
@@ -136,6 +138,21 @@ struct SampleDriver {
   VMV6DLGVAR dialog_request(const char* name, std::int32_t kind, std::int32_t value_type, void* owner) {
     return request<VMV6DLGVAR>(name, kind, value_type, owner);
   }
+};
+
+// The sample's first tool ("Cut"), or with `second` its second ("Move"), read
+// into a record that is released at the end of the scope.
+struct ToolRecord {
+  explicit ToolRecord(SampleDriver& d, bool second = false) {
+    EXPECT_EQ(GetFirstTool(&d.handle, &record), 1);
+    if (second) {
+      EXPECT_EQ(GetNextTool(&d.handle, &record), 1);
+    }
+  }
+  ToolRecord(const ToolRecord&) = delete;
+  ToolRecord& operator=(const ToolRecord&) = delete;
+  ~ToolRecord() { FreeTool(&record); }
+  DRVTOOL record{};
 };
 
 }  // namespace kerfline::test

@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "inst c",
                   "inst k"},
         // table by table: one from each place, names in any case
-        TableCase{{{"Res/kerfline.dlx", "1, \"suite k\"\n"}},
+        TableCase{{{"res/KERFLINE.Dlx", "1, \"suite k\"\n"}},
                   {{"res/CUTTERX.DLX", "1, \"inst c\"\n"}, {"res/kerfline.dlx", "1, \"inst k\"\n"}},
                   1,
                   "inst c",

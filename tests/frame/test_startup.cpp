@@ -30,14 +30,10 @@ TEST_F(InitDll, LoadsBothTablesAndThenReportsDone) {
   EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 35589), "Input error: %s");
 }
 
-TEST_F(InitDll, WithoutCutterxFailsBeforeTryingKerfline) {
-  suite.write("Res/kerfline.dlx", "1, \"first\"\n");
-  EXPECT_EQ(InitKerflineDll(), -1);
-  // Had the first call loaded kerfline.dlx, it would not be missed now.
-  std::filesystem::remove(suite.path() / "Res/kerfline.dlx");
+// (That a missing cutterx.dlx fails before kerfline.dlx is tried: InstalledTables.)
+TEST_F(InitDll, ARetryLoadsOnlyWhatIsStillMissing) {
   suite.write("Res/cutterx.dlx", "2, \"second\"\n");
   EXPECT_EQ(InitKerflineDll(), -2);
-  // ...and a retry loads only what is still missing.
   std::filesystem::remove(suite.path() / "Res/cutterx.dlx");
   suite.write("Res/kerfline.dlx", "1, \"again\"\n");
   EXPECT_EQ(InitKerflineDll(), 1);
@@ -51,35 +47,7 @@ TEST_F(InitDll, AnUnreadableTableCountsAsMissing) {
   EXPECT_EQ(InitKerflineDll(), -1);
 }
 
-TEST_F(InitDll, FindsTablesWhateverTheirCase) {
-  suite.write("res/CUTTERX.DLX", "3, \"three\"\n");
-  suite.write("res/Kerfline.Dlx", "4, \"four\"\n");
-  EXPECT_EQ(InitKerflineDll(), 1);
-  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 4), "four");
-}
-
-TEST_F(InitDll, SuiteDirectoryChangedAfterAFailureIsUsedByTheRetry) {
-  EXPECT_EQ(InitKerflineDll(), -1);
-  TempDir other;
-  other.write("Res/cutterx.dlx", "5, \"five\"\n");
-  other.write("Res/kerfline.dlx", "6, \"six\"\n");
-  ASSERT_EQ(KerflineSetHomeDir(other.path().string().c_str()), 1);
-  EXPECT_EQ(InitKerflineDll(), 1);
-  EXPECT_EQ(kf::resource_text(kf::kKerflineTable, 6), "six");
-}
-
 class LanguageContext : public FrameTest {};
-
-TEST_F(LanguageContext, PathsDeriveFromTheSuiteDirectory) {
-  const kf::LanguageContext context = kf::language_context();
-  EXPECT_EQ(context.base_dir, suite.str());
-  EXPECT_EQ(context.resource_dir, suite.str("Res/"));
-  EXPECT_EQ(context.language_file, suite.str("Lang/lang.ini"));
-  EXPECT_TRUE(context.language_names.empty());
-  // No language file: the language is "Ger".
-  EXPECT_EQ(kf::language_directory(), suite.str("Lang/Ger/"));
-  EXPECT_EQ(kf::help_file_path(), suite.str("Lang/Ger/plotman.hlp"));
-}
 
 // Languages section of the first read cut at 62 characters (64 bytes as a
 // list): the second read is sized from that, so it stays cut.

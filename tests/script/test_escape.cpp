@@ -107,7 +107,6 @@ TEST_F(Escape, EndsAWaitForAFileToBeRemoved) {
   EXPECT_TRUE(saw_ready_);
   EXPECT_TRUE(std::filesystem::exists(file));
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));  // the wait has no limit of its own
-  EXPECT_EQ(DoEval(nullptr), nullptr);
 }
 
 }  // namespace

@@ -42,7 +42,6 @@ TEST_P(TokenizerTable, TokensAndPositions) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, TokenizerTable,
     ::testing::Values(
-        TokenRow{"a b", false, {{"a", 0, 0, false}, {"b", 2, 2, false}}},
         TokenRow{"\tx\r\n  y", false, {{"x", 1, 1, false}, {"y", 6, 6, false}}},
         TokenRow{"f(\"a,b\", c)",
                  false,

@@ -79,7 +79,6 @@ TEST(ScriptHostExports, ShowFailuresWithLineCodeAndSource) {
   EXPECT_TRUE(recorder.boxes[1].text.ends_with(kEngineNamesSource ? "\r\n[1 +]\n" : "]\n"));
 
   char* value = DoVBEval(host, "f(4)");  // the host still works after a failure
-  ASSERT_NE(value, nullptr);
   EXPECT_STREQ(value, "41");
   EXPECT_EQ(FreeVBResult(value), 1);
   EXPECT_EQ(FreeVBEval(&host), 1);
@@ -103,7 +102,6 @@ TEST_P(Sandbox, RefusesAndStaysUsable) {
   ASSERT_EQ(recorder.boxes.size(), 1U);
   EXPECT_NE(recorder.boxes[0].text.find(GetParam().reason), std::string::npos) << recorder.boxes[0].text;
   char* value = DoVBEval(host, "#string.rep('x', 1000000)");  // well within the limits
-  ASSERT_NE(value, nullptr);
   EXPECT_STREQ(value, "1000000");
   FreeVBResult(value);
   FreeVBEval(&host);
