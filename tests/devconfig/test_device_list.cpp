@@ -1,45 +1,20 @@
 // The device-list exports against a real "plotman.ini" in a temporary suite
 // directory, with the host's broadcasts recorded.
-#include <cstring>
 #include <filesystem>
-#include <memory>
-#include <tuple>
 
 #include "devconfig/suite_fixture.hpp"
 #include "fixtures/host_recorder.hpp"
 #include "fixtures/table_names.hpp"
-#include "kerfline/kerfline.h"
 
 namespace {
 
 using kerfline::test::HostRecorder;
+using kerfline::test::list_all;
+using kerfline::test::Listed;
+using kerfline::test::record;
 using kerfline::test::SuiteDir;
 namespace fs = std::filesystem;
 namespace ini = kerfline::platform::ini;
-
-// Name, port and driver path of a listed device.
-using Listed = std::tuple<std::string, std::string, std::string>;
-
-std::vector<Listed> list_all() {
-  int32_t count = -1;
-  std::unique_ptr<CUTDEVICE, void (*)(CUTDEVICE*)> list(GetCutDeviceList(&count), FreeCutDeviceList);
-  EXPECT_NE(list, nullptr);
-  EXPECT_GE(count, 0);
-  std::vector<Listed> out;
-  for (int32_t i = 0; i < count; ++i) {
-    const CUTDEVICE& d = list.get()[i];
-    out.push_back({d.szName, d.szPort, d.szDrvPath});
-  }
-  return out;
-}
-
-CUTDEVICE record(const std::string& name, const std::string& port, const std::string& path) {
-  CUTDEVICE d{};
-  std::strncpy(d.szName, name.c_str(), sizeof d.szName - 1);
-  std::strncpy(d.szPort, port.c_str(), sizeof d.szPort - 1);
-  std::strncpy(d.szDrvPath, path.c_str(), sizeof d.szDrvPath - 1);
-  return d;
-}
 
 struct ListRow {
   const char* section;  // the device's section body; the device is "D"
@@ -104,22 +79,20 @@ TEST_F(DeviceList, LongSectionIsReadCompletely) {
 
 TEST_F(DeviceList, AddWritesKeysSpoolLayoutAndAnnounces) {
   dir_.write("drivers/gx24.vdv", std::string("Graphtec GX-24   \0rest", 22));
-  const std::string driver = file("drivers/gx24.vdv");
-  const CUTDEVICE d = record("Cut:1", "COM3", driver);
+  const CUTDEVICE d = record("Cut:1", "COM3", file("drivers/gx24.vdv"));
   ASSERT_EQ(WriteCutDevice(&d), 1);
 
   const std::string spool = file("SPOOLER/SL_CUT_1/");
   EXPECT_TRUE(fs::is_regular_file(spool + "index.hot"));
   EXPECT_TRUE(fs::is_directory(spool + "saved"));
   EXPECT_EQ(ini::read_string("DeviceNames", "Cut:1", "", ini_file()), "1");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevOut", "", ini_file()), "COM3");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevIni", "", ini_file()), spool + "index.hot");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevIn", "", ini_file()), spool);
-  EXPECT_EQ(ini::read_string("Cut:1", "DevDrvPath", "", ini_file()), file("drivers/"));
-  EXPECT_EQ(ini::read_string("Cut:1", "DevDrvFileName", "", ini_file()), "gx24.vdv");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevDrvInfo", "", ini_file()), "Graphtec GX-24");
-  EXPECT_EQ(ini::read_string("Cut:1", "DevType", "", ini_file()), "2");
-  EXPECT_EQ(list_all(), (std::vector<Listed>{{"Cut:1", "COM3", driver}}));
+  // clang-format off
+  const std::pair<const char*, std::string> keys[] = {
+      {"DevOut", "COM3"}, {"DevIni", spool + "index.hot"}, {"DevIn", spool}, {"DevDrvPath", file("drivers/")},
+      {"DevDrvFileName", "gx24.vdv"}, {"DevDrvInfo", "Graphtec GX-24"}, {"DevType", "2"}};
+  // clang-format on
+  for (const auto& [key, value] : keys)
+    EXPECT_EQ(ini::read_string("Cut:1", key, "", ini_file()), value) << key;
 
   EXPECT_EQ(GetCutDevicePortType("Cut:1"), 2);
 
@@ -141,7 +114,7 @@ TEST_F(DeviceList, UpdateKeepsOtherKeysAndRemoveDeletesEverything) {
   EXPECT_EQ(ini::read_string("P", "DevDefCount", "", ini_file()), "4");
   EXPECT_TRUE(fs::exists(file("SPOOLER/SL_P/job1.plt")));
 
-  d = record("P", "", "");
+  d = record("P", "");
   ASSERT_EQ(WriteCutDevice(&d), 1);
   EXPECT_FALSE(fs::exists(file("SPOOLER/SL_P")));
   EXPECT_TRUE(fs::is_directory(file("SPOOLER")));
@@ -152,11 +125,11 @@ TEST_F(DeviceList, UpdateKeepsOtherKeysAndRemoveDeletesEverything) {
 
 TEST_F(DeviceList, EmptyNameRemovesEveryDeviceAndAnnouncesOnce) {
   for (const char* n : {"A", "B", "C"}) {
-    const CUTDEVICE d = record(n, "/dev/null", "");
+    const CUTDEVICE d = record(n, "/dev/null");
     WriteCutDevice(&d);
   }
   host_.broadcasts.clear();
-  const CUTDEVICE all = record("", "/dev/ttyS0", "");
+  const CUTDEVICE all = record("", "/dev/ttyS0");
   ASSERT_EQ(WriteCutDevice(&all), 1);
   EXPECT_TRUE(list_all().empty());
   EXPECT_TRUE(fs::is_empty(file("SPOOLER")));

@@ -35,9 +35,7 @@ std::set<std::string> tree_outside_spool(const fs::path& root) {
 
 // Adds (a port) or removes (none) the device.
 int32_t write_device(const std::string& name, const std::string& port) {
-  CUTDEVICE d{};
-  std::memcpy(d.szName, name.data(), std::min(name.size(), sizeof d.szName - 1));
-  std::memcpy(d.szPort, port.data(), std::min(port.size(), sizeof d.szPort - 1));
+  const CUTDEVICE d = kerfline::test::record(name, port);
   return WriteCutDevice(&d);
 }
 
@@ -130,7 +128,6 @@ TEST_F(Hostile, LinksInsideTheSpoolAreRemovedNotFollowed) {
   fs::create_directory_symlink(root_.path() / "victim", spool / "saved");
   write_device("dev", "");
   EXPECT_TRUE(fs::exists(root_.path() / "victim" / "keep.txt"));
-  EXPECT_TRUE(fs::exists(root_.path() / "victim"));
   // The planted "saved" link stops the removal: it is reported, not followed.
   EXPECT_TRUE(fs::is_symlink(spool / "saved"));
 }

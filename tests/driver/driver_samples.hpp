@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "driver/archive_writer.hpp"
 #include "driver/drv_item_cut_instr.hpp"
 #include "driver/drv_item_dlg_var.hpp"
 #include "driver/drv_item_list.hpp"
@@ -32,6 +33,17 @@ inline std::string bytes(std::initializer_list<int> values) {
 // The tag that describes a class the first time an archive meets it.
 inline std::string new_class(int schema, const std::string& name) {
   return bytes({0xFF, 0xFF, schema, 0x00, static_cast<int>(name.size()), 0x00}) + name;
+}
+
+// The head of an unnamed group record: no value or description, item type
+// `type`, no list parameters, and `count` children to follow.
+inline void write_group_head(drv::ArchiveWriter& ar, std::uint32_t count, std::uint32_t type = 0) {
+  for (int i = 0; i < 3; ++i) ar.write_string("");
+  for (const std::uint32_t field : {0u, type, 0u, 0u})
+    ar.write_dword(field);  // attributes, type, link, number
+  ar.write_long(-1);
+  for (int i = 0; i < 5; ++i) ar.write_dword(0);
+  ar.write_count(count);
 }
 
 inline const std::map<std::uint32_t, std::string>& sample_texts() {
@@ -105,8 +117,7 @@ inline void fill_sample_document(drv::CVm6Drv& doc, bool huge = true) {
   dlg->Conditions = {"%A%>1", "", "%B%"};
   group->AddChild(dlg);
 
-  auto plain_dlg = named<drv::CDrvItemDlgVar>("%Plain%", "1");
-  group->AddChild(plain_dlg);
+  group->AddChild(named<drv::CDrvItemDlgVar>("%Plain%", "1"));
 
   auto tool = named<drv::CDrvItemToolParmVar>("%IToolDepth%", "2");
   tool->ToolParmText = "depth;1.0";

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
-#include "driver/archive_reader.hpp"
 #include "driver/archive_writer.hpp"
 #include "driver/drv_item_cut_instr.hpp"
 #include "driver/drv_item_dlg_var.hpp"
@@ -11,7 +11,6 @@
 #include "driver/text_dictionary.hpp"
 #include "driver_samples.hpp"
 #include "fixtures/host_recorder.hpp"
-#include "fixtures/table_names.hpp"
 
 namespace drv = kerfline::driver;
 using kerfline::test::named;
@@ -83,7 +82,6 @@ TEST(ItemDate, PackedDayMonthYear) {
   drv::CDrvItem item;
   item.SetDate(0x07D90C1F);
   EXPECT_EQ(item.Value, "31.12.2009");
-  EXPECT_EQ(item.GetDate(), 0x07D90C1Fu);
   const std::pair<const char*, std::uint32_t> parsed[] = {
       {"1.2.2020", 0x07E40201}, {" 5. 6. 7", 0x00070605}, {"9", 0x00000009}, {"x", 0}, {"3.4", 0x0403}};
   for (const auto& [text, packed] : parsed) {
@@ -180,10 +178,6 @@ TEST(TextDefinitions, TakeTypeAndDefaultFromTheKindsBlock) {
   // By default, the library's own dictionary.
   const drv::TextDefinitions standard(drv::standard_text_lookup());
   EXPECT_EQ(standard.cut_instruction_count(), 22u);
-  const auto arc = standard.definition(1000);
-  EXPECT_EQ(arc.name, "%CI_ArcLimit%");
-  EXPECT_EQ(arc.default_value, "(AL:10e6)");
-  EXPECT_EQ(arc.type, drv::type_code::kString);
   EXPECT_EQ(standard.definition(drv::TextDefinitions::cut_instruction_id(3)).type, drv::type_code::kBool);
   EXPECT_EQ(standard.definition(9000 + 8 * 36).name, "%Digits%");
   EXPECT_EQ(standard.definition(9000 + 8 * 36).type, drv::type_code::kInteger);
@@ -192,28 +186,22 @@ TEST(TextDefinitions, TakeTypeAndDefaultFromTheKindsBlock) {
 
 TEST(ReservedGroup, LosesEveryChildThatIsNotAGroupWhenStored) {
   kerfline::test::HostRecorder host;
-  const struct {
-    const char* name;
-    const char* description;
-    std::uint32_t dict_id;
-    bool reserved;
-  } groups[] = {
+  const std::tuple<const char*, const char*, std::uint32_t, bool> groups[] = {
       {"Dialogvariablen", "", 0, true}, {"", "Werkzeugvariablen", 0, true}, {"x", "", 33025, true},
       {"x", "", 33058, true},           {"dialogvariablen", "", 0, false},  {"x", "", 33026, false}};
-  for (const auto& g : groups) {
+  for (const auto& [name, description, dict_id, reserved] : groups) {
     host.boxes.clear();
     drv::CDrvItemList group;
-    group.Name = g.name;
-    group.Description = g.description;
-    group.DictId = g.dict_id;
-    auto page = named<drv::CDrvItemList>("Page");
+    group.Name = name;
+    group.Description = description;
+    group.DictId = dict_id;
     group.AddChild(named<drv::CDrvItem>("%A%"));
-    group.AddChild(page);
+    group.AddChild(named<drv::CDrvItemList>("Page"));
     group.AddChild(named<drv::CDrvItemDlgVar>("%B%"));
     drv::ArchiveWriter w;
     group.Serialize(w);
-    EXPECT_EQ(group.GetChildren().size(), g.reserved ? 1u : 3u) << g.name << g.dict_id;
-    ASSERT_EQ(host.boxes.size(), g.reserved ? 2u : 0u);
+    EXPECT_EQ(group.GetChildren().size(), reserved ? 1u : 3u) << name << dict_id;
+    ASSERT_EQ(host.boxes.size(), reserved ? 2u : 0u);
     for (const auto& box : host.boxes)
       EXPECT_EQ(box.caption + "|" + box.text, "Driver check:|(1) - Removed unexpected link");
   }

@@ -93,13 +93,4 @@ CliResult run_shell(const std::string& line) {
 }
 #endif
 
-std::string expand(std::string text, std::initializer_list<std::pair<std::string, std::string>> values) {
-  for (const auto& [key, value] : values) {
-    for (auto at = text.find(key); at != std::string::npos; at = text.find(key, at + value.size())) {
-      text.replace(at, key.size(), value);
-    }
-  }
-  return text;
-}
-
 }  // namespace kerfline::test

@@ -2,9 +2,7 @@
 // standard output and error captured together in a file.
 #pragma once
 
-#include <initializer_list>
 #include <string>
-#include <utility>
 
 namespace kerfline::test {
 
@@ -22,8 +20,5 @@ CliResult run_cli(const std::string& args);
 // what only a shell gives: redirections, limits, the guides' examples.
 CliResult run_shell(const std::string& line);
 #endif
-
-// `text` with every placeholder (first) replaced by its value (second).
-std::string expand(std::string text, std::initializer_list<std::pair<std::string, std::string>> values);
 
 }  // namespace kerfline::test

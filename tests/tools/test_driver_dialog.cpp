@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <tuple>
 
 #include "cli_runner.hpp"
 #include "fixtures/temp_dir.hpp"
@@ -18,22 +19,20 @@ TEST(DriverDialog, ExampleAsJson) {
   const auto out = run_cli("driver dialog --json " + example);
   ASSERT_EQ(out.exit_code, 0) << out.out;
   const json all = json::parse(out.out);
-  const struct {
-    const char* name;
-    const char* caption;
-    const char* shown;
-    double max;  // 0: no range
-  } rows[] = {{"%Pressure%", "Pressure (g)", "80", 400},
-              {"%Speed%", "Speed (cm/s)", "40", 80},
-              {"%Optimize%", "Optimize cut order", "1", 0},
-              {"%Offset%", "Knife offset (mm)", "0.25", 1.5}};
+  // name, caption, shown value, range maximum (0: no range)
+  const std::tuple<const char*, const char*, const char*, double> rows[] = {
+      {"%Pressure%", "Pressure (g)", "80", 400},
+      {"%Speed%", "Speed (cm/s)", "40", 80},
+      {"%Optimize%", "Optimize cut order", "1", 0},
+      {"%Offset%", "Knife offset (mm)", "0.25", 1.5}};
   ASSERT_EQ(all.size(), std::size(rows));
   for (std::size_t i = 0; i < all.size(); ++i) {
-    EXPECT_EQ(all[i]["name"], rows[i].name);
-    EXPECT_EQ(all[i]["caption"], rows[i].caption);
-    EXPECT_EQ(all[i]["shown"], rows[i].shown);
-    EXPECT_EQ(all[i]["range"].is_null() ? 0.0 : all[i]["range"]["max"].get<double>(), rows[i].max);
-    EXPECT_TRUE(all[i]["problems"].empty()) << rows[i].name;
+    const auto& [name, caption, shown, max] = rows[i];
+    EXPECT_EQ(all[i]["name"], name);
+    EXPECT_EQ(all[i]["caption"], caption);
+    EXPECT_EQ(all[i]["shown"], shown);
+    EXPECT_EQ(all[i]["range"].is_null() ? 0.0 : all[i]["range"]["max"].get<double>(), max);
+    EXPECT_TRUE(all[i]["problems"].empty()) << name;
   }
 }
 

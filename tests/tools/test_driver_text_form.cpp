@@ -39,10 +39,8 @@ TEST(DriverTextForm, RefusesWhatIsWrongOrWouldBeLostNamingThePlace) {
   std::string deep = R"({"root": {"items": [)";
   for (int i = 0; i < 300; ++i) deep += R"({"class": "CDrvItemList", "items": [)";
   for (int i = 0; i < 300; ++i) deep += "]}";
-  const struct {
-    std::string form;
-    const char* message;  // "": accepted
-  } cases[] = {
+  const std::pair<std::string, const char*> cases[] = {
+      // form, message ("": accepted)
       {R"([])", "$: expected a driver object"},
       {R"({"format": "XYZ", "root": {}})", "$.format"},
       {R"({"root": 5})", "$.root: missing the root group"},
@@ -67,11 +65,11 @@ TEST(DriverTextForm, RefusesWhatIsWrongOrWouldBeLostNamingThePlace) {
       {deep + "]}}", "nested too deep"},
       {R"({"root": {"items": [{"id": 9128, "type": "String", "name": "%Speed%"}]}})", ""},  // what it keeps
   };
-  for (const auto& c : cases) {
+  for (const auto& [form, message] : cases) {
     std::string error;
-    EXPECT_EQ(kerfline::cli::driver_from_json(json::parse(c.form), error) == nullptr, *c.message != '\0')
-        << c.form << " gave: " << error;
-    EXPECT_NE(error.find(c.message), std::string::npos) << c.form << " gave: " << error;
+    EXPECT_EQ(kerfline::cli::driver_from_json(json::parse(form), error) == nullptr, *message != '\0')
+        << form << " gave: " << error;
+    EXPECT_NE(error.find(message), std::string::npos) << form << " gave: " << error;
   }
 }
 
