@@ -40,7 +40,8 @@ Result<bool> unlink_files(const std::string& path) {
   auto list = entries(path);
   if (!list) return list.error();
   for (const auto& [name, attributes] : list.value()) {
-    const std::string full = path + "\\" + name;
+    std::string full = path;
+    full.append("\\").append(name);
     const bool dir = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if (dir && !is_link(attributes)) continue;
     // A directory link (junction) goes with RemoveDirectory, which leaves its target alone.

@@ -47,7 +47,8 @@ struct IScriptControl : IDispatch {
   virtual HRESULT STDMETHODCALLTYPE get_Error(IScriptError** error) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_CodeObject(IDispatch** object) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Procedures(IDispatch** procedures) = 0;
-  virtual HRESULT STDMETHODCALLTYPE _AboutBox() = 0;
+  // "_AboutBox" in the type library; only the slot's place matters.
+  virtual HRESULT STDMETHODCALLTYPE AboutBox() = 0;
   virtual HRESULT STDMETHODCALLTYPE AddObject(BSTR name, IDispatch* object, VARIANT_BOOL add_members) = 0;
   virtual HRESULT STDMETHODCALLTYPE Reset() = 0;
   virtual HRESULT STDMETHODCALLTYPE AddCode(BSTR code) = 0;

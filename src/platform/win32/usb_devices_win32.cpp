@@ -4,6 +4,7 @@
 // path is \\.\COMn, also right for COM10 and above). There is no alternative
 // root: the system's device tree is the only one.
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 #include "platform/usb_devices.hpp"
