@@ -82,4 +82,22 @@ std::vector<std::string> split_command_line(std::string_view line) {
   return args;
 }
 
+std::string quote_command_argument(std::string_view argument) {
+  std::string out = "\"";
+  std::size_t backslashes = 0;
+  for (const char c : argument) {
+    if (c == '\\') {
+      ++backslashes;
+      continue;
+    }
+    // Backslashes before a quote are doubled, and the quote escaped.
+    out.append(c == '"' ? 2 * backslashes + 1 : backslashes, '\\');
+    backslashes = 0;
+    out += c;
+  }
+  // ...and so are those before the closing quote.
+  out.append(2 * backslashes, '\\');
+  return out + "\"";
+}
+
 }  // namespace kerfline::platform

@@ -37,12 +37,20 @@ namespace kerfline::platform {
 // Cost is linear in the length of the line.
 std::vector<std::string> split_command_line(std::string_view command_line);
 
+// One argument quoted so that split_command_line gives it back unchanged
+// (not for the program name, which follows the simpler rule above).
+std::string quote_command_argument(std::string_view argument);
+
 class ChildProcess {
  public:
   // Starts the program the command line names. show_command is the Windows
   // SW_* value; only Windows uses it. Fails with EINVAL for a line that
   // names no program, else with the error of the start.
   static Result<ChildProcess> spawn(std::string_view command_line, int show_command);
+  // As spawn, with standard input from the null device and standard output
+  // and error both written to output_file (created, or emptied first); an
+  // empty name: as spawn. The window is hidden on Windows.
+  static Result<ChildProcess> spawn_captured(std::string_view command_line, const std::string& output_file);
 
   ChildProcess(ChildProcess&&) noexcept;
   ChildProcess& operator=(ChildProcess&&) noexcept;

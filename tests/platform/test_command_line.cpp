@@ -39,5 +39,15 @@ INSTANTIATE_TEST_SUITE_P(
         SplitRow{R"(C:\dir\"x y".exe z)", {R"(C:\dir\x y.exe)", "z"}}, SplitRow{R"("" arg)", {"", "arg"}}),
     test::RowIndex{});
 
+// Whatever an argument holds, quoting it and splitting the line gives it back.
+TEST(QuoteCommandArgument, SplitGivesTheArgumentBack) {
+  for (const std::string arg :
+       {"", "a b", R"(say "hi")", R"(a)", R"(end\)", R"(two\)", R"("x\")", "\t'$;"}) {
+    EXPECT_EQ(split_command_line("prog " + quote_command_argument(arg) + " next"),
+              (std::vector<std::string>{"prog", arg, "next"}))
+        << arg;
+  }
+}
+
 }  // namespace
 }  // namespace kerfline::platform

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -74,7 +75,10 @@ ChildProcess::~ChildProcess() {
   if (impl_) terminate();
 }
 
-Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int /*show_command*/) {
+namespace {
+
+// output_file empty: the child keeps the caller's standard streams.
+Result<pid_t> start(std::string_view command_line, const std::string& output_file) {
   std::vector<std::string> args = split_command_line(command_line);
   if (args.empty() || args.front().empty()) return os_error(EINVAL, "no program in the command line");
 
@@ -85,6 +89,11 @@ Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int /*sh
 
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
+  if (!output_file.empty()) {
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, output_file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, 1, 2);
+  }
 #if defined(__GLIBC__) && (__GLIBC__ > 2 || (__GLIBC__ == 2 && __GLIBC_MINOR__ >= 34))
   // Windows starts the child without inheriting handles; do the same.
   posix_spawn_file_actions_addclosefrom_np(&actions, 3);
@@ -93,9 +102,21 @@ Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int /*sh
   const int rc = ::posix_spawnp(&pid, argv.front(), &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (rc != 0) return os_error(rc, "start " + args.front());
+  return pid;
+}
 
+}  // namespace
+
+Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int /*show_command*/) {
+  return spawn_captured(command_line, "");
+}
+
+Result<ChildProcess> ChildProcess::spawn_captured(std::string_view command_line,
+                                                  const std::string& output_file) {
+  auto pid = start(command_line, output_file);
+  if (!pid) return pid.error();
   auto impl = std::make_unique<Impl>();
-  impl->pid = pid;
+  impl->pid = pid.value();
   return ChildProcess(std::move(impl));
 }
 

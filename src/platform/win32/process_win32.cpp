@@ -53,6 +53,15 @@ struct ChildProcess::Impl {
     code = static_cast<int>(status);
     return true;
   }
+
+  // The child a start gave, or its error.
+  static Result<ChildProcess> adopt(Result<PROCESS_INFORMATION> started) {
+    if (!started) return started.error();
+    auto impl = std::make_unique<Impl>();
+    impl->process = win32::UniqueHandle(started->hProcess);
+    impl->pid = started->dwProcessId;
+    return ChildProcess(std::move(impl));
+  }
 };
 
 ChildProcess::ChildProcess(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
@@ -69,7 +78,11 @@ ChildProcess::~ChildProcess() {
   if (impl_) terminate();
 }
 
-Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int show_command) {
+namespace {
+
+// output_file empty: the child gets the caller's standard streams.
+Result<PROCESS_INFORMATION> start(std::string_view command_line, int show_command,
+                                  const std::string& output_file) {
   const std::vector<std::string> args = split_command_line(command_line);
   if (args.empty() || args.front().empty()) return os_error(EINVAL, "no program in the command line");
 
@@ -78,17 +91,39 @@ Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int show
   startup.cb = sizeof(startup);
   startup.dwFlags = STARTF_USESHOWWINDOW;
   startup.wShowWindow = static_cast<WORD>(show_command);
+  win32::UniqueHandle input;
+  win32::UniqueHandle output;
+  if (!output_file.empty()) {
+    // Only these two are inheritable, so the child gets nothing else.
+    SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
+    input.reset(::CreateFileA("NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
+                              OPEN_EXISTING, 0, nullptr));
+    output.reset(::CreateFileA(output_file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
+                               0, nullptr));
+    if (!output.valid()) return os_error(static_cast<int>(::GetLastError()), "create " + output_file);
+    startup.dwFlags |= STARTF_USESTDHANDLES;
+    startup.hStdInput = input.get();
+    startup.hStdOutput = startup.hStdError = output.get();
+  }
   PROCESS_INFORMATION info{};
-  if (!::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &info)) {
+  if (!::CreateProcessA(nullptr, line.data(), nullptr, nullptr, output_file.empty() ? FALSE : TRUE, 0,
+                        nullptr, nullptr, &startup, &info)) {
     const DWORD error = ::GetLastError();
     return os_error(static_cast<int>(error), "start " + args.front());
   }
   ::CloseHandle(info.hThread);
-  auto impl = std::make_unique<Impl>();
-  impl->process = win32::UniqueHandle(info.hProcess);
-  impl->pid = info.dwProcessId;
-  return ChildProcess(std::move(impl));
+  return info;
+}
+
+}  // namespace
+
+Result<ChildProcess> ChildProcess::spawn(std::string_view command_line, int show_command) {
+  return Impl::adopt(start(command_line, show_command, ""));
+}
+
+Result<ChildProcess> ChildProcess::spawn_captured(std::string_view command_line,
+                                                  const std::string& output_file) {
+  return Impl::adopt(start(command_line, SW_HIDE, output_file));
 }
 
 void ChildProcess::wait() {
